@@ -1,0 +1,180 @@
+// Listing a folder: the iterators of host/FileManager.h.
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/FileManager.h"
+#include "host/Location.h"
+#include "host/Names.h"
+#include "host/NodeTable.h"
+#include "host/SystemCalls.h"
+
+namespace cairnset {
+
+namespace {
+
+class FolderListing {
+ public:
+  struct Item {
+    FSRef ref;
+    bool isFolder;
+  };
+
+  explicit FolderListing(const FSRef& folder) : _folder(folder) {}
+
+  OSErr read();
+  const FSRef& folder() const { return _folder; }
+
+  /// The next item. At the end the items are let go, since an iterator need never be closed.
+  bool next(Item& out) {
+    if (_next == _items.size()) {
+      _items = {};
+      _next = 0;
+      return false;
+    }
+    out = _items[_next++];
+    return true;
+  }
+
+ private:
+  FSRef _folder;
+  std::vector<Item> _items;
+  std::size_t _next = 0;
+};
+
+// One listed name; the texts lie in buffers that the whole listing shares.
+struct Entry {
+  std::size_t keyStart, nameStart;
+  std::uint32_t keyLength, nameLength;
+  bool isFolder;
+};
+
+struct Entries {
+  std::vector<Entry> list;
+  std::string keys, names;
+
+  std::string_view key(const Entry& e) const { return {keys.data() + e.keyStart, e.keyLength}; }
+  std::string_view name(const Entry& e) const { return {names.data() + e.nameStart, e.nameLength}; }
+
+  void add(std::string_view name, bool isFolder) {
+    const std::size_t keyStart = keys.size();
+    appendSortKey(name, keys);
+    list.push_back({keyStart, names.size(), static_cast<std::uint32_t>(keys.size() - keyStart),
+                    static_cast<std::uint32_t>(name.size()), isFolder});
+    names.append(name);
+  }
+
+  void sort() {
+    std::sort(list.begin(), list.end(), [this](const Entry& a, const Entry& b) {
+      const int order = key(a).compare(key(b));
+      return order != 0 ? order < 0 : name(a) < name(b);
+    });
+  }
+};
+
+bool isFolderEntry(int folder, const struct dirent& entry) {
+  if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+  struct stat info;
+  return systemCalls().lstat(folder, entry.d_name, &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+OSErr readEntries(DIR* listing, Entries& entries) {
+  const int folder = ::dirfd(listing);
+  for (;;) {
+    errno = 0;
+    const struct dirent* entry = systemCalls().readdir(listing);
+    // A listing cut short would make presets look missing, and missing ones are made anew.
+    if (entry == nullptr) return resultFromErrno(errno);
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    entries.add(name, isFolderEntry(folder, *entry));
+  }
+}
+
+std::vector<std::unique_ptr<FolderListing>> listings;  // by iterator - 1
+std::vector<FSIterator> freeNumbers;
+
+FolderListing* listingAt(FSIterator iterator) {
+  return iterator == 0 || iterator > listings.size() ? nullptr : listings[iterator - 1].get();
+}
+
+}  // namespace
+
+OSErr FolderListing::read() {
+  const Location place(_folder);
+  if (place.status() != noErr) return place.status();
+  SystemCalls& calls = systemCalls();
+  const int descriptor =
+      calls.open(place.folder(), place.path(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+  if (descriptor < 0) {
+    return errno == ENOENT || errno == ELOOP ? dirNFErr : resultFromErrno(errno);
+  }
+  DIR* listing = calls.fdopendir(descriptor);
+  if (listing == nullptr) {
+    const OSErr result = resultFromErrno(errno);
+    calls.close(descriptor);
+    return result;
+  }
+  Entries entries;
+  const OSErr result = readEntries(listing, entries);
+  calls.closedir(listing);
+  if (result != noErr) return result;
+  entries.sort();
+  _items.reserve(entries.list.size());
+  for (const Entry& entry : entries.list) {
+    _items.push_back(
+        {{NodeTable::shared().intern(_folder.node, entries.name(entry))}, entry.isFolder});
+  }
+  return noErr;
+}
+
+OSErr FSOpenIterator(const FSRef* folder, std::uint32_t /*flags*/, FSIterator* iterator) {
+  *iterator = 0;
+  auto listing = std::make_unique<FolderListing>(*folder);
+  if (const OSErr result = listing->read(); result != noErr) return result;
+  if (freeNumbers.empty()) {
+    listings.push_back(std::move(listing));
+    *iterator = static_cast<FSIterator>(listings.size());
+  } else {
+    *iterator = freeNumbers.back();
+    freeNumbers.pop_back();
+    listings[*iterator - 1] = std::move(listing);
+  }
+  return noErr;
+}
+
+OSErr FSGetCatalogInfoBulk(FSIterator iterator, std::size_t maximum, std::size_t* actual,
+                           FSCatalogInfoBitmap which, FSCatalogInfo* infos, FSRef* refs) {
+  *actual = 0;
+  constexpr FSCatalogInfoBitmap kListed =
+      kFSCatInfoNodeFlags | kFSCatInfoNodeID | kFSCatInfoParentDirID;
+  FolderListing* listing = listingAt(iterator);
+  if (listing == nullptr || (which & ~kListed) != 0) return paramErr;
+  for (FolderListing::Item item; *actual < maximum;) {
+    if (!listing->next(item)) return errFSNoMoreItems;
+    if (infos != nullptr) {
+      FSCatalogInfo& info = infos[*actual];
+      if ((which & kFSCatInfoNodeFlags) != 0) {
+        info.nodeFlags = item.isFolder ? kFSNodeIsDirectoryMask : std::uint16_t{0};
+      }
+      if ((which & kFSCatInfoNodeID) != 0) info.nodeID = item.ref.node;
+      if ((which & kFSCatInfoParentDirID) != 0) info.parentDirID = listing->folder().node;
+    }
+    if (refs != nullptr) refs[*actual] = item.ref;
+    ++*actual;
+  }
+  return noErr;
+}
+
+OSErr FSCloseIterator(FSIterator iterator) {
+  if (listingAt(iterator) == nullptr) return paramErr;
+  listings[iterator - 1].reset();
+  freeNumbers.push_back(iterator);
+  return noErr;
+}
+
+}  // namespace cairnset

@@ -1,0 +1,116 @@
+#include "host/Location.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+
+#include "host/NodeTable.h"
+#include "host/SystemCalls.h"
+
+namespace cairnset {
+
+namespace {
+
+// The path of the folder last asked for. A node's path never changes, so this cannot go stale; it
+// saves a whole folder's files from walking up to the root each.
+const std::string& folderPath(std::uint32_t folder) {
+  static std::uint32_t lastFolder = 0;
+  static std::string lastPath;
+  if (folder != lastFolder) {
+    lastPath = NodeTable::shared().path(folder);
+    lastFolder = folder;
+  }
+  return lastPath;
+}
+
+}  // namespace
+
+Location::Location(const FSRef& ref) : _folder(AT_FDCWD) {
+  const NodeTable& table = NodeTable::shared();
+  if (!table.contains(ref.node)) {
+    _status = errFSBadFSRef;
+  } else if (ref.node == NodeTable::kRoot) {
+    std::strcpy(_path, "/");
+  } else {
+    locate(table.folder(ref.node), table.name(ref.node));
+  }
+}
+
+Location::Location(const FSRef& folder, std::string_view volumeName) : _folder(AT_FDCWD) {
+  if (!NodeTable::shared().contains(folder.node)) {
+    _status = errFSBadFSRef;
+  } else {
+    locate(folder.node, volumeName);
+  }
+}
+
+Location::~Location() {
+  if (_descriptor >= 0) systemCalls().close(_descriptor);
+}
+
+void Location::locate(std::uint32_t folder, std::string_view name) {
+  const std::string& path = folderPath(folder);
+  std::size_t length = 0;
+  if (path.size() + name.size() + 2 <= sizeof _path) {
+    if (folder != NodeTable::kRoot) {
+      std::memcpy(_path, path.data(), path.size());
+      length = path.size();
+    }
+    _path[length++] = '/';
+  } else {
+    openStretches(path);
+    if (_status != noErr) return;
+  }
+  std::memcpy(_path + length, name.data(), name.size());
+  _path[length + name.size()] = '\0';
+}
+
+void Location::openStretches(std::string_view folderPath) {
+  SystemCalls& calls = systemCalls();
+  while (!folderPath.empty()) {
+    std::string_view stretch = folderPath;
+    if (stretch.size() >= sizeof _path) {
+      stretch = stretch.substr(0, stretch.substr(0, sizeof _path - 1).rfind('/'));
+    }
+    std::memcpy(_path, stretch.data(), stretch.size());
+    _path[stretch.size()] = '\0';
+    const int next = calls.open(_folder, _path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+    const int error = errno;
+    if (_descriptor >= 0) calls.close(_descriptor);
+    _descriptor = next;
+    if (next < 0) {
+      _status = error == ENOENT || error == ELOOP ? dirNFErr : resultFromErrno(error);
+      return;
+    }
+    _folder = next;
+    folderPath.remove_prefix(stretch.size());
+    while (!folderPath.empty() && folderPath.front() == '/')
+      folderPath.remove_prefix(1);
+  }
+}
+
+OSErr itemInfo(const FSRef& ref, struct stat& info) {
+  const Location place(ref);
+  if (place.status() != noErr) return place.status();
+  if (systemCalls().lstat(place.folder(), place.path(), &info) != 0) return failureAt(ref, errno);
+  return noErr;
+}
+
+OSErr requireFolder(const FSRef& folder) {
+  const Location place(folder);
+  if (place.status() != noErr) return place.status();
+  struct stat info;
+  if (systemCalls().lstat(place.folder(), place.path(), &info) != 0) {
+    return errno == ENOENT ? dirNFErr : resultFromErrno(errno);
+  }
+  return S_ISDIR(info.st_mode) ? noErr : dirNFErr;
+}
+
+OSErr failureAt(const FSRef& ref, int error) {
+  if (error != ENOENT) return resultFromErrno(error);
+  const FSRef folder{NodeTable::shared().folder(ref.node)};
+  return requireFolder(folder) == noErr ? fnfErr : dirNFErr;
+}
+
+}  // namespace cairnset

@@ -1,0 +1,74 @@
+#include "host/Process.h"
+
+#include <fcntl.h>
+#include <ostream>
+#include <signal.h>
+#include <unistd.h>
+
+namespace cairnset {
+
+namespace {
+
+constexpr int kHeld[] = {SIGINT, SIGTERM, SIGHUP};
+
+sigset_t heldSet() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : kHeld)
+    sigaddset(&set, signal);
+  return set;
+}
+
+// How many HeldSignals live: the outermost alone lets signals through again.
+int holders = 0;
+sigset_t maskBefore;
+
+}  // namespace
+
+void prepareProcess() {
+  for (int descriptor = 0; descriptor <= 2; ++descriptor) {
+    // The lowest free number is given out, which is this one, as all below it are taken.
+    if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
+  }
+  ::signal(SIGPIPE, SIG_DFL);
+}
+
+int nextOption(int argc, char** argv, const char* options) {
+  return ::getopt(argc, argv, options);
+}
+
+const char* optionArgument() {
+  return ::optarg;
+}
+
+void restartOptions() {
+#if defined(__GLIBC__)
+  ::optind = 0;
+#else
+  ::optind = 1;
+#endif
+}
+
+HeldSignals::HeldSignals(std::ostream* report) : _report(report) {
+  if (holders++ > 0) return;
+  const sigset_t held = heldSet();
+  ::sigprocmask(SIG_BLOCK, &held, &maskBefore);
+}
+
+HeldSignals::~HeldSignals() {
+  if (--holders > 0) return;
+  sigset_t pending;
+  ::sigpending(&pending);
+  for (const int signal : kHeld) {
+    if (sigismember(&pending, signal) == 1 && _report != nullptr) _report->flush();
+  }
+  ::sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
+}
+
+OutlivesReader::OutlivesReader() : _before(::signal(SIGPIPE, SIG_IGN)) {}
+
+OutlivesReader::~OutlivesReader() {
+  ::signal(SIGPIPE, _before);
+}
+
+}  // namespace cairnset

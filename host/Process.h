@@ -1,0 +1,47 @@
+// What a command-line program asks of the process that it runs in.
+#pragma once
+
+#include <iosfwd>
+
+namespace cairnset {
+
+/// To be called first. Descriptors 0 to 2 that are closed are opened on nothing, so that no preset
+/// file is ever given one of their numbers and a report written into it; writing to them still
+/// fails. A reader that goes away ends the process quietly, whatever the parent had asked for.
+void prepareProcess();
+
+/// The next option letter, as the system's getopt finds it; -1 at the end, '?' for one that is not
+/// in `options`, of which getopt has complained to standard error by itself.
+int nextOption(int argc, char** argv, const char* options);
+/// The argument of the option that was found last.
+const char* optionArgument();
+/// Starts over, for another set of arguments.
+void restartOptions();
+
+/// Holds SIGINT, SIGTERM and SIGHUP back as long as it lives, for steps that must not be left
+/// half-done. A signal that came meanwhile is delivered at the end, after `report` was flushed.
+class HeldSignals {
+ public:
+  explicit HeldSignals(std::ostream* report = nullptr);
+  ~HeldSignals();
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+
+ private:
+  std::ostream* _report;
+};
+
+/// As long as it lives, a reader of standard output that goes away makes writing fail instead of
+/// ending the process, for commands that change files.
+class OutlivesReader {
+ public:
+  OutlivesReader();
+  ~OutlivesReader();
+  OutlivesReader(const OutlivesReader&) = delete;
+  OutlivesReader& operator=(const OutlivesReader&) = delete;
+
+ private:
+  void (*_before)(int);
+};
+
+}  // namespace cairnset

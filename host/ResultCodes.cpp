@@ -1,0 +1,41 @@
+#include "host/ResultCodes.h"
+
+#include <cerrno>
+
+namespace cairnset {
+
+OSErr resultFromErrno(int error) {
+  switch (error) {
+    case 0:
+      return noErr;
+    case ENOENT:
+      return fnfErr;
+    case ENOTDIR:
+      return dirNFErr;
+    case EEXIST:
+      return dupFNErr;
+    case ENOTEMPTY:
+      return fBsyErr;
+    case ENOSPC:
+    case EDQUOT:
+      return dskFulErr;
+    case EMFILE:
+    case ENFILE:
+      return tmfoErr;
+    case EROFS:
+      return vLckdErr;
+    case EACCES:
+    case EPERM:
+      return permErr;
+    case EXDEV:
+      return diffVolErr;
+    case ENAMETOOLONG:
+      return bdNamErr;
+    case EINVAL:
+      return paramErr;
+    default:
+      return ioErr;  // EIO among them
+  }
+}
+
+}  // namespace cairnset

@@ -1,0 +1,51 @@
+// The system calls that the host layer makes on files, in one table.
+//
+// Everything under the File Manager goes through systemCalls(), so that a test can count the calls,
+// fail the n-th or cut it short by putting its own functions into the table. Each member has the
+// signature, the result and the errno of the call that it is named for. For the host layer and its
+// tests only.
+#pragma once
+
+#include <cstddef>
+#include <dirent.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/types.h>
+
+namespace cairnset {
+
+struct SystemCalls {
+  int (*open)(int folder, const char* path, int flags, mode_t mode);  // openat
+  int (*close)(int descriptor);
+  int (*fstat)(int descriptor, struct stat* out);
+  ssize_t (*pread)(int descriptor, void* buffer, size_t count, off_t offset);
+  ssize_t (*pwrite)(int descriptor, const void* buffer, size_t count, off_t offset);
+  int (*lstat)(int folder, const char* path, struct stat* out);  // fstatat, links not followed
+  int (*mkdir)(int folder, const char* path, mode_t mode);       // mkdirat
+  /// Renames without replacing: EEXIST where the new name is taken; EINVAL, ENOSYS or ENOTSUP where
+  /// the volume or the system has no such rename.
+  int (*renameNoReplace)(int oldFolder, const char* oldPath, int newFolder, const char* newPath);
+  int (*rename)(int oldFolder, const char* oldPath, int newFolder,
+                const char* newPath);                                                   // renameat
+  int (*link)(int oldFolder, const char* oldPath, int newFolder, const char* newPath);  // linkat
+  int (*unlink)(int folder, const char* path, int flags);                               // unlinkat
+  int (*symlink)(const char* target, int folder, const char* path);                     // symlinkat
+  ssize_t (*readlink)(int folder, const char* path, char* buffer, size_t size);  // readlinkat
+  char* (*realpath)(const char* path, char* resolved);
+  DIR* (*fdopendir)(int descriptor);
+  struct dirent* (*readdir)(DIR* listing);
+  int (*closedir)(DIR* listing);
+  /// An extended attribute of the item itself: the number of bytes got, or -1; ENODATA where the
+  /// item has none of that name, ENOTSUP where the volume has no such attributes.
+  ssize_t (*getAttribute)(const char* path, const char* name, void* value, size_t size);
+  int (*setAttribute)(const char* path, const char* name, const void* value, size_t size);
+  /// The item's birth time in whole seconds and nanoseconds since 1970; ENOTSUP where the volume
+  /// keeps none.
+  int (*birthTime)(int folder, const char* path, struct timespec* out);
+  int (*statvfs)(const char* path, struct statvfs* out);
+};
+
+/// The table in use. A test may change its members, and puts them back.
+SystemCalls& systemCalls();
+
+}  // namespace cairnset

@@ -1,0 +1,36 @@
+// Which system this is. The answers are the same on every host.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "host/HostTypes.h"
+
+namespace cairnset {
+
+inline constexpr std::uint32_t kSystemVersionSelector = 0x73797376;  // 'sysv'
+inline constexpr std::uint32_t kMinorVersionSelector = 0x73797332;   // 'sys2'
+
+/// What Gestalt answers; nothing is a query that fails. The program never changes it: it is there
+/// for tests of what an older system would do.
+struct GestaltAnswers {
+  std::optional<long> systemVersion = 0x1040;  // major, minor, fix in nibbles
+  std::optional<long> minorVersion = 4;
+};
+GestaltAnswers& gestaltAnswers();
+
+/// paramErr, leaving `response` as it was, for any other selector.
+OSErr Gestalt(std::uint32_t selector, long* response);
+
+/// Whether the system's version is at least 0x1000; false when the query fails.
+bool isRunningOSX();
+/// Whether it is at least 0x1040; false when the query fails.
+bool isRunningTiger();
+/// "Tiger" up to minor version 4; null for a later one, whose name is not known, and when the query
+/// fails. Meant so.
+const char* getSystemVersionString();
+bool isRunningBigEndian();
+/// Always false.
+bool isRunningWin();
+
+}  // namespace cairnset

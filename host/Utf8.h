@@ -1,0 +1,18 @@
+// UTF-8, one character at a time.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace cairnset {
+
+/// Appends a character as 1 to 4 bytes. A surrogate is written like any other character below
+/// U+10000, as 3 bytes; what is to be valid UTF-8 must hold none.
+void appendUtf8(char32_t character, std::string& out);
+
+/// Takes the first character off a text that is not empty. A byte that is not part of a valid
+/// sequence (overlong, cut short, a surrogate, beyond U+10FFFF) is taken by itself and answered as
+/// the surrogate U+DC00 + byte, which no valid sequence gives.
+char32_t takeUtf8(std::string_view& text);
+
+}  // namespace cairnset

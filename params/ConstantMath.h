@@ -1,0 +1,56 @@
+// Arithmetic that the compiler does while it builds the tables. No table is computed when the
+// program starts, so all of them are ready before the first line of any code runs, and no host's
+// mathematics library has a say in their last digit. Internal to the layer.
+#pragma once
+
+#include <cstdint>
+#include <numbers>
+
+namespace cairnset {
+
+/// 2 to the power of `x`, exactly for whole `x`, else to within a few units of the last place.
+constexpr double powerOfTwo(double x) {
+  double scale = 1.0;
+  for (; x < 0.0; x += 1.0)
+    scale /= 2.0;
+  for (; x >= 1.0; x -= 1.0)
+    scale *= 2.0;
+  double term = 1.0;
+  double sum = 1.0;
+  for (int k = 1; k <= 20; ++k) {
+    term *= x * std::numbers::ln2 / k;
+    sum += term;
+  }
+  return scale * sum;
+}
+
+/// The cosine of an angle from 0 to pi, to within 1e-15.
+constexpr double cosine(double angle) {
+  double term = 1.0;
+  double sum = 1.0;
+  for (int k = 1; k <= 32; k += 2) {
+    term *= -angle * angle / (k * (k + 1));
+    sum += term;
+  }
+  return sum;
+}
+
+/// The square root of a number from 0 to 16; that of 0 comes out as 1e-19.
+constexpr double squareRoot(double square) {
+  double root = 4.0;
+  for (int k = 0; k < 65; ++k)
+    root = (root + square / root) / 2.0;
+  return root;
+}
+
+/// The nearest whole number.
+constexpr std::int64_t nearestWhole(double x) {
+  return static_cast<std::int64_t>(x < 0.0 ? x - 0.5 : x + 0.5);
+}
+
+/// `x` with as many decimals as `unit` (a power of ten) has zeros, as a typed constant would be.
+constexpr float roundedTo(double x, double unit) {
+  return static_cast<float>(static_cast<double>(nearestWhole(x * unit)) / unit);
+}
+
+}  // namespace cairnset

@@ -1,0 +1,85 @@
+#include "presets/BrowserSorting.h"
+
+#include "host/Process.h"
+#include "params/Keysets.h"
+#include "presets/EffectsPresetList.h"
+#include "presets/ProgramPresetList.h"
+#include "presets/VelocityMapPresetList.h"
+
+namespace cairnset {
+
+namespace {
+
+constexpr const char* kFactory = "Factory";
+
+const char* factoryFolder(const Preset&) {
+  return kFactory;
+}
+
+const char* effectsFolder(const Preset& preset) {
+  return effectsFolderFor(preset.index());
+}
+
+const char* programFolder(const Preset& preset) {
+  return programFolderFor(static_cast<const ProgramPreset&>(preset).fields.pianoKeyset);
+}
+
+}  // namespace
+
+const char* effectsFolderFor(std::int32_t index) {
+  struct Range {
+    std::int32_t first, last;
+    const char* folder;
+  };
+  // The gaps are meant: what lies in one is not forgotten, it belongs in "Factory".
+  static constexpr Range kRanges[] = {
+      {1, 19, "Halls"},       {20, 29, "Small Rooms"},  {30, 59, "EQ Timbres"},
+      {100, 129, "Choruses"}, {180, 199, "Special FX"},
+  };
+  const std::int32_t remainder = index % 1000;  // negative for a negative index
+  for (const Range& range : kRanges) {
+    if (remainder >= range.first && remainder <= range.last) return range.folder;
+  }
+  return kFactory;
+}
+
+const char* programFolderFor(std::int32_t keyset) {
+  static constexpr const char* kFolders[] = {
+      "Synth",         "Concerto",        "Nordic D",       "Salon 7ft", "Alpine 10ft",
+      "Urban Upright", "Antique Upright", "Saloon Upright", "Pin Piano",
+  };
+  const unsigned long instrument = findInstrumentIDWithKeysetID(keyset);
+  return instrument < sizeof kFolders / sizeof *kFolders ? kFolders[instrument] : kFactory;
+}
+
+OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Preset&)) {
+  FSRef root, user;
+  list.getRootFSSpec(root);
+  list.getUserFSSpec(user);
+  OSStatus status = noErr;
+  for (TreeLeaf* leaf : list.leaves().entriesAs<TreeLeaf>()) {
+    auto& preset = static_cast<Preset&>(*leaf);
+    if (preset.isDefault()) continue;
+    const HeldSignals held;  // one file is moved whole or not at all
+    if (!preset.isROM()) {
+      status = preset.moveToFolder(user, false);
+      continue;
+    }
+    FSRef folder;
+    status = PresetList::findFolder(root, romFolder(preset), true, folder);
+    if (status == noErr) status = preset.moveToFolder(folder, true);
+  }
+  return status;
+}
+
+OSStatus VelocityMapPresetList::sortForBrowser() {
+  return sortLoosePresets(*this, factoryFolder);
+}
+OSStatus EffectsPresetList::sortForBrowser() {
+  return sortLoosePresets(*this, effectsFolder);
+}
+OSStatus ProgramPresetList::sortForBrowser() {
+  return sortLoosePresets(*this, programFolder);
+}
+
+}  // namespace cairnset

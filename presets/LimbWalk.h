@@ -1,0 +1,58 @@
+// Visiting a limb and all limbs below it, parents first.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "presets/TreeLimb.h"
+
+namespace cairnset {
+
+/// A pre-order walk: the limb itself, then each child limb with all its own before the next. Its
+/// memory is on the heap, for trees that are too deep for recursion. The tree must not change
+/// meanwhile.
+class LimbWalk {
+ public:
+  /// Whoever may look at a limb may change what hangs below it, so the limbs come without const.
+  explicit LimbWalk(const TreeLimb& top) : _top(const_cast<TreeLimb*>(&top)) {}
+
+  /// The next limb, or null at the end.
+  TreeLimb* next() {
+    if (_current == nullptr) {
+      if (_top == nullptr) return nullptr;
+      return enter(std::exchange(_top, nullptr));
+    }
+    while (!_levels.empty()) {
+      Level& level = _levels.back();
+      if (level.next != level.end) {
+        TreeLimb* limb = *level.next;
+        ++level.next;
+        return enter(limb);
+      }
+      _levels.pop_back();
+    }
+    return _current = nullptr;
+  }
+
+  /// How far the limb that next() answered lies below the top.
+  int depth() const { return static_cast<int>(_levels.size()) - 1; }
+
+ private:
+  using Iterator = PtrEntries<TreeLimb>::Iterator;
+  struct Level {
+    Iterator next, end;
+  };
+
+  TreeLimb* enter(TreeLimb* limb) {
+    const auto limbs = limb->limbs().entriesAs<TreeLimb>();
+    _levels.push_back({limbs.begin(), limbs.end()});
+    return _current = limb;
+  }
+
+  TreeLimb* _top;
+  TreeLimb* _current = nullptr;
+  std::vector<Level>
+      _levels;  // the child limbs yet to come, of the current limb and of all above it
+};
+
+}  // namespace cairnset

@@ -1,0 +1,343 @@
+#include "presets/Preset.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <ostream>
+
+#include "host/FileManager.h"
+#include "host/FileSystemHelpers.h"
+#include "host/NameConversions.h"
+#include "host/ReportText.h"
+#include "presets/PresetFields.h"
+#include "storage/VirtualFile.h"
+
+namespace cairnset {
+
+namespace {
+
+constexpr long kBlockSize = 128;
+constexpr long kNameField = 64;
+constexpr unsigned long kNameSize = 240;       // names are cut to this many bytes, NUL included
+constexpr unsigned long kLargestImage = 1024;  // no kind's image comes near it
+
+using FileName = char[kNameSize];
+
+void placeName(const FSRef& ref, FileName& out) {
+  HFSUniStr255 name;
+  out[0] = '\0';
+  if (placeOf(ref, nullptr, &name)) ConvertHFSUniStrToCString(&name, out, sizeof out);
+}
+
+}  // namespace
+
+std::uint32_t Preset::_index_count = 100000;
+unsigned long Preset::_file_changes = 0;
+
+Preset::Preset(const FSRef& ref, const char* name, long /*kind*/, bool create)
+    : _index(static_cast<std::int32_t>(_index_count)) {
+  if (!create) {
+    takeFile(ref);
+    takeNamesFromFile();
+    return;
+  }
+  ++_index_count;
+  takeTreeItemName(name);
+  HFSUniStr255 hostName;
+  ConvertCStringToHFSUniStr(name, &hostName);
+  FSRef file;
+  _status = FSCreateFileUnicode(&ref, hostName.length, hostName.unicode, &file, nullptr);
+  if (_status == dupFNErr) {
+    _status =
+        FSMakeFSRefUnicode(&ref, hostName.length, hostName.unicode, kTextEncodingUnknown, &file);
+  }
+  if (_status == noErr) {
+    takeFile(file);
+    _cf_name = file;
+  }
+}
+
+Preset::Preset(const FSRef& file, long /*kind*/, bool fresh)
+    : _index(static_cast<std::int32_t>(_index_count)) {
+  if (fresh) ++_index_count;
+  takeFile(file);
+  takeNamesFromFile();
+}
+
+Preset::Preset(const Preset& source, const unsigned char* newName, long /*kind*/,
+               const FSRef* folder)
+    : _index(source._index) {
+  FSRef parent;
+  if (folder != nullptr) {
+    parent = *folder;
+  } else {
+    getParent(parent, source._file_ref);
+  }
+  HFSUniStr255 hostName;
+  ConvertPStringToHFSUniStr(newName, &hostName);
+  FSRef file;
+  _status = FSCreateFileUnicode(&parent, hostName.length, hostName.unicode, &file, nullptr);
+  if (_status != noErr) return;
+  takeFile(file);
+  takeNamesFromFile();
+  _status = openForWriting();
+  close();
+}
+
+Preset::~Preset() {
+  delete _flat_file;
+  close();
+  if (_delete_on_destroy) FSDeleteObject(&_file_ref);
+}
+
+void Preset::takeFile(const FSRef& ref) {
+  _file_ref = ref;
+  placeOf(ref, &_parent_ref, nullptr);
+}
+
+void Preset::changeFile(const FSRef& ref) {
+  takeFile(ref);
+  ++_file_changes;
+}
+
+void Preset::takeNamesFromFile() {
+  FileName name;
+  placeName(_file_ref, name);
+  takeTreeItemName(name);
+  _cf_name = _file_ref;
+}
+
+// --- The record ----------------------------------------------------------------------------------
+
+void Preset::setData(const void* data, long size) {
+  const long count = std::min(getDataSize(), size);
+  if (count > 0) std::memcpy(payload(), data, static_cast<std::size_t>(count));
+}
+
+bool Preset::isDefault() const {
+  const char* name = getTreeItemName();
+  return isROM() && name != nullptr && std::strcmp(name, _default_preset_name) == 0;
+}
+
+void Preset::getName(unsigned char* out) const {
+  getPFilename(_file_ref, out);
+}
+
+void Preset::getListName(unsigned char* out) const {
+  getName(out);
+  if (!isROM()) return;
+  const std::size_t length = std::min<std::size_t>(out[0], 253);
+  std::memmove(out + 3, out + 1, length);
+  out[0] = static_cast<unsigned char>(length + 2);
+  out[1] = 0xA5;
+  out[2] = ' ';
+}
+
+bool Preset::equalNames(const Preset& other) const {
+  FileName a, b;
+  getCFilename(_file_ref, a, sizeof a);
+  getCFilename(other._file_ref, b, sizeof b);
+  return std::strcmp(a, b) == 0;
+}
+
+bool Preset::equalParams(const Preset& other) const {
+  const long size = getDataSize();
+  return size == other.getDataSize() &&
+         (size == 0 ||
+          std::memcmp(getData(), other.getData(), static_cast<std::size_t>(size)) == 0);
+}
+
+void Preset::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const {
+  // Put together by hand and written unformatted, so that the stream's own width stays as it was.
+  char digits[24];
+  const auto end = std::to_chars(digits, digits + sizeof digits, getTreeItemIndex()).ptr;
+  for (auto width = end - digits; width < 3; ++width)
+    os.put(' ');
+  os.write(digits, end - digits);
+  os.put(' ');
+  const char* kind = getTreeItemTypeName();
+  os.write(kind, static_cast<std::streamsize>(std::strlen(kind)));
+  os.write(isROM() ? " ROM  \"" : "      \"", 7);
+  if (const char* name = getTreeItemName(); name != nullptr) writeHeldName(os, name);
+  os.put('"');
+}
+
+// --- The file ------------------------------------------------------------------------------------
+
+OSErr Preset::open(std::int8_t permissions) {
+  close();
+  HFSUniStr255 forkName;
+  if (const OSErr result = FSGetDataForkName(&forkName); result != noErr) return result;
+  return FSOpenFork(&_file_ref, forkName.length, forkName.unicode, permissions, &_fork_ref);
+}
+
+OSErr Preset::openForReading() {
+  return open(fsRdPerm);
+}
+OSErr Preset::openForWriting() {
+  return open(fsRdWrPerm);
+}
+
+OSErr Preset::close() {
+  if (_fork_ref == 0) return noErr;
+  const std::int16_t fork = _fork_ref;
+  _fork_ref = 0;
+  return FSCloseFork(fork);
+}
+
+OSErr Preset::readIn() {
+  _status = openForReading();
+  if (_fork_ref == 0) return noErr;
+  _status = noErr;
+  VirtualFile file(kBlockSize);
+  file.load(_fork_ref, kLargestImage);
+  std::int64_t size = static_cast<std::int64_t>(file.size());
+  // Only the start of a large file is loaded, since it can only fail the size check or be read from
+  // its start.
+  if (file.size() >= kLargestImage) FSGetForkSize(_fork_ref, &size);
+  extractImage(file, static_cast<std::uint32_t>(std::min<std::int64_t>(size, UINT32_MAX)));
+  _edited = false;
+  close();
+  return _status;
+}
+
+OSErr Preset::writeOut() {
+  _status = openForWriting();
+  if (_fork_ref == 0) return noErr;
+  VirtualFile file(kBlockSize);
+  fillVirtualFile(file);
+  _status = static_cast<OSErr>(file.dump(_fork_ref, true));
+  _edited = false;
+  const OSErr closed = close();  // where some volumes first tell that a write was lost
+  if (_status == noErr) _status = closed;
+  return _status;
+}
+
+OSErr Preset::writeOutIfDeletedFromDisk() {
+  const OSErr opened = openForReading();
+  if (opened == noErr) {
+    close();
+    return noErr;
+  }
+  if (opened != fnfErr) return opened;
+  HFSUniStr255 name;
+  placeOf(_cf_name, nullptr, &name);
+  FSRef file;
+  const OSErr made = FSCreateFileUnicode(&_parent_ref, name.length, name.unicode, &file, nullptr);
+  if (made != noErr) return made;
+  changeFile(file);
+  return writeOut();
+}
+
+OSErr Preset::rename(const unsigned char* newName) {
+  HFSUniStr255 name;
+  ConvertPStringToHFSUniStr(newName, &name);
+  FSRef renamed;
+  _status = FSRenameUnicode(&_file_ref, name.length, name.unicode, kTextEncodingUnknown, &renamed);
+  if (_status != noErr) return _status;
+  changeFile(renamed);
+  FileName held;
+  placeName(renamed, held);
+  setTreeItemName(held);
+  return noErr;
+}
+
+OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
+  if (replace) {
+    HFSUniStr255 name;
+    placeOf(_cf_name, nullptr, &name);
+    FSRef there;
+    OSErr result =
+        FSMakeFSRefUnicode(&folder, name.length, name.unicode, kTextEncodingUnknown, &there);
+    if (result == noErr &&
+        there != _file_ref) {  // a preset must never make room by deleting itself
+      result = FSDeleteObject(&there);
+    } else if (result == fnfErr) {
+      result = noErr;
+    }
+    if (result != noErr) return result;
+  }
+  FSRef moved;
+  if (const OSErr result = FSMoveObject(&_file_ref, &folder, &moved); result != noErr) {
+    return result;
+  }
+  changeFile(moved);
+  return FSRefIsValid(_file_ref) == noErr ? 1 : 0;
+}
+
+bool Preset::readKind(std::int16_t fork, std::uint32_t& kind) {
+  char start[8];
+  if (FSReadFork(fork, fsFromStart, 0, sizeof start, start, nullptr) != noErr) return false;
+  VirtualFile file(start, sizeof start, true, kBlockSize);
+  std::uint32_t fileType = 0;
+  readField(file, fileType);
+  readField(file, kind);
+  return fileType == _file_type;
+}
+
+// --- The file's image ----------------------------------------------------------------------------
+
+void Preset::fillVirtualFile(VirtualFile& file) const {
+  constexpr std::uint32_t kSizeNotYetKnown = 0;
+  writeField(file, _file_type);
+  writeField(file, static_cast<std::uint32_t>(getPresetType()));
+  writeField(file, kSizeNotYetKnown);
+  file.writeStringAndPad(getTreeItemName(), kNameField);
+  writeField(file, _reserved1);
+  writeField(file, _reserved2);
+  writeField(file, _reserved3);
+  writeField(file, _rom);
+  writeField(file, _index);
+  fillVirtualFileData(file);
+  const auto size = static_cast<std::uint32_t>(file.size());
+  file.seekp(8);
+  writeField(file, size);
+}
+
+long Preset::extractVirtualFile(VirtualFile& file) {
+  return extractImage(file, static_cast<std::uint32_t>(file.size()));
+}
+
+long Preset::extractImage(VirtualFile& file, std::uint32_t size) {
+  std::uint32_t fileType = 0, kind = 0, statedSize = 0;
+  file.seekg(0);
+  readField(file, fileType);
+  readField(file, kind);
+  readField(file, statedSize);
+  if (fileType != _file_type) return _status = kWrongFileType;
+  if (kind != static_cast<std::uint32_t>(getPresetType())) return _status = kWrongKind;
+  if (statedSize != size) return _status = kWrongSize;
+  char name[kNameField] = {};
+  readField(file, name);
+  readField(file, _reserved1);
+  readField(file, _reserved2);
+  readField(file, _reserved3);
+  // Nothing is known of what a file may hold there, so none of it is carried on.
+  _reserved1 = 0;
+  _reserved2 = 0;
+  _reserved3 = 0;
+  readField(file, _rom);
+  readField(file, _index);
+  return extractVirtualFileData(file);
+}
+
+long Preset::getFlattenedPreset(char* /*unused*/) {
+  delete _flat_file;
+  _flat_file = new VirtualFile(kBlockSize);
+  fillVirtualFile(*_flat_file);
+  return static_cast<long>(_flat_file->size());
+}
+
+const char* Preset::flattenedData() const {
+  return _flat_file != nullptr ? _flat_file->buffer() : nullptr;
+}
+
+long Preset::setFlattenedPreset(const char* data, long size) {
+  delete _flat_file;
+  _flat_file = new VirtualFile(kBlockSize);
+  _flat_file->write(data, size);
+  _edited = true;
+  return extractVirtualFile(*_flat_file);
+}
+
+}  // namespace cairnset

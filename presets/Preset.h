@@ -1,0 +1,173 @@
+// One preset in memory, together with the file that stores it.
+//
+// A preset file is one data fork, all numbers big-endian, packed, without a checksum:
+//
+//   offset  size
+//        0     4  file type, 'OlPs'
+//        4     4  kind code (presets/PresetKinds.h)
+//        8     4  size of the whole file in bytes
+//       12    64  name: at most 63 characters, then zeros; written, and never read back
+//       76     8  reserved (2 + 2 + 4 bytes), written as zeros, dropped on reading
+//       84     1  ROM flag: 0 RAM, anything else ROM
+//       85     4  preset index, signed
+//       89        payload of the kind, whose first 4 bytes are its declared length
+//
+// which makes 103 bytes for a velocity map, 156 for an effects preset, 265 for a program and 243
+// for a session.
+#pragma once
+
+#include <cstdint>
+
+#include "host/HostTypes.h"
+#include "host/ResultCodes.h"
+#include "presets/TreeLeaf.h"
+
+namespace cairnset {
+
+class VirtualFile;
+
+/// The record that the four kinds share. The file's name is the preset's name; other presets refer
+/// to it by that name alone. Results are host result codes, 0 for success. The file is open only
+/// while one operation runs.
+class Preset : public TreeLeaf {
+ public:
+  static constexpr std::uint32_t _file_type = 0x4F6C5073;  // 'OlPs'
+  static constexpr const char* _default_preset_name = "Default";
+  /// The index that the next new preset takes, whatever its kind.
+  static std::uint32_t _index_count;
+
+  /// What status() says of a file that is no preset of this kind; negative values are host codes.
+  enum : OSErr { kWrongFileType = 1, kWrongKind = 2, kWrongSize = 3 };
+
+  /// A blank record without a file.
+  Preset() = default;
+  /// With `create`: makes the file `name` in the folder `ref`, with a new index. A file of that
+  /// name that is there already is taken over as it is, and is no failure. Without: the preset of
+  /// the existing file `ref`; `name` is not looked at and nothing is read yet. status() tells how
+  /// it went.
+  Preset(const FSRef& ref, const char* name, long kind, bool create);
+  /// The preset of an existing file, with a new index where it is `fresh`.
+  Preset(const FSRef& file, long kind, bool fresh);
+  /// Makes a file for a copy of `source` under the Pascal string `newName`, in `folder` or, where
+  /// that is null, beside the source. The copy is RAM and shares its source's index; that is meant.
+  Preset(const Preset& source, const unsigned char* newName, long kind, const FSRef* folder);
+  /// Member by member, name and flattened form shared. Of the two, one must never be destroyed.
+  Preset(const Preset&) = default;
+  Preset& operator=(const Preset&) = delete;
+  /// Closes the file, and deletes it from the disk where that was asked for.
+  ~Preset() override;
+
+  // --- What a kind adds ---
+
+  const char* getTreeItemTypeName() const override { return "Preset"; }
+  /// The tree index in three columns, kind, ROM mark and name, without a line end.
+  void printTreeItemInfo(std::ostream& os, unsigned long flags) const override;
+  /// The payload fields in memory, in the machine's byte order, spare bytes included; null where
+  /// there are none.
+  virtual const void* getData() const { return nullptr; }
+  virtual long getDataSize() const { return 0; }
+  /// Overwrites the first `size` bytes of the payload fields, or all of them if they are fewer.
+  virtual void setData(const void* data, long size);
+  virtual long getPresetType() const = 0;
+  virtual const char* getDefaultPresetName() const { return _default_preset_name; }
+  virtual void fillVirtualFileData(VirtualFile&) const {}
+  /// Answers the payload's declared length as read. It is not checked.
+  virtual long extractVirtualFileData(VirtualFile&) { return 0; }
+
+  // --- The record ---
+
+  /// The result of the last file operation, or how the file failed to be a preset of this kind.
+  OSErr status() const { return _status; }
+  const FSRef& fileRef() const { return _file_ref; }
+  bool isROM() const { return _rom != 0; }
+  void setROM(bool rom) { _rom = rom; }
+  std::int32_t index() const { return _index; }
+  void setIndex(std::int32_t index) { _index = index; }
+  bool edited() const { return _edited; }
+  void setEdited(bool edited) { _edited = edited; }
+  /// Has the destructor delete the file.
+  void deleteOnDestroy() { _delete_on_destroy = true; }
+  /// Whether this is the kind's default preset: ROM, and named exactly "Default".
+  bool isDefault() const;
+
+  /// The file's name as a Pascal string; empty where there is no file.
+  void getName(unsigned char* out) const;
+  /// The name for a list: the file's, with a bullet (Mac Roman 0xA5) and a blank before it for ROM.
+  void getListName(unsigned char* out) const;
+  /// The node number of the folder that holds the file, from the reference alone.
+  unsigned long getParentFolderID() const { return _parent_ref.node; }
+  /// Whether the two files have one name, byte for byte.
+  bool equalNames(const Preset& other) const;
+  /// Whether the payload fields agree in all bytes, spare ones too; presets of two kinds never do.
+  bool equalParams(const Preset& other) const;
+
+  /// Grows with every change of any preset's file reference after it was made.
+  static unsigned long fileChanges() { return _file_changes; }
+
+  // --- The file ---
+
+  OSErr openForReading();
+  OSErr openForWriting();
+  OSErr close();
+  /// Reads the record from the file and answers status(); 0 where the file could not be opened,
+  /// which only status() tells. What fails a check leaves the record as it was.
+  OSErr readIn();
+  /// Writes the file from its start and answers status(); 0 where it could not be opened, as
+  /// readIn. A longer file keeps its tail, and then fails the size check when it is read again.
+  OSErr writeOut();
+  /// Makes and writes the file anew where it is gone; 0 where it is there.
+  OSErr writeOutIfDeletedFromDisk();
+  /// Renames the file; the name in memory follows, the one inside the file only at the next
+  /// writeOut.
+  OSErr rename(const unsigned char* newName);
+  /// Moves the file. With `replace`, a file there that bears this preset's host name is deleted
+  /// first. On success the answer is not 0 but 1, for a file that is now valid: callers have always
+  /// had it so.
+  OSErr moveToFolder(const FSRef& folder, bool replace);
+
+  /// Whether an open file starts as a preset does, and of which kind: all that makes a file a
+  /// preset, whatever its name.
+  static bool readKind(std::int16_t fork, std::uint32_t& kind);
+
+  // --- The file's image ---
+
+  void fillVirtualFile(VirtualFile& file) const;
+  /// Checks and reads an image; on a failed check only status() changes, and the answer means
+  /// nothing. Otherwise answers what extractVirtualFileData does, and leaves status() alone.
+  long extractVirtualFile(VirtualFile& file);
+  /// Makes the image anew and answers its size. The bytes are flattenedData(), the preset's own.
+  long getFlattenedPreset(char* unused);
+  const char* flattenedData() const;
+  /// Reads the record from an image, and marks it edited.
+  long setFlattenedPreset(const char* data, long size);
+
+ protected:
+  void* payload() { return const_cast<void*>(getData()); }
+
+ private:
+  OSErr open(std::int8_t permissions);
+  void takeFile(const FSRef& ref);
+  void changeFile(const FSRef& ref);
+  void takeNamesFromFile();
+  long extractImage(VirtualFile& file, std::uint32_t size);
+
+  static unsigned long _file_changes;
+
+  OSErr _status = noErr;
+  std::int16_t _fork_ref = 0;  // 0 when closed
+  FSRef _file_ref;
+  /// A place whose last part is the preset's host name: the file's exact name when this preset was
+  /// made. A rename does not change it; that is meant.
+  FSRef _cf_name;
+  FSRef _parent_ref;  // the folder that the file is, or was, in
+  std::uint16_t _reserved1 = 0;
+  std::uint16_t _reserved2 = 0;
+  std::uint32_t _reserved3 = 0;
+  bool _delete_on_destroy = false;
+  bool _edited = false;
+  std::uint8_t _rom = 0;
+  std::int32_t _index = 0;
+  VirtualFile* _flat_file = nullptr;  // owned
+};
+
+}  // namespace cairnset

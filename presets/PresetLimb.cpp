@@ -1,0 +1,44 @@
+#include "presets/PresetLimb.h"
+
+#include <ostream>
+
+#include "host/FileManager.h"
+#include "host/FileSystemHelpers.h"
+#include "host/NameConversions.h"
+#include "host/PathStrings.h"
+#include "host/ReportText.h"
+
+namespace cairnset {
+
+void PresetLimb::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const {
+  os << getTreeItemTypeName() << ": ";
+  if (const char* name = getTreeItemName(); name != nullptr) writeHeldName(os, name);
+}
+
+void PresetLimb::setSpec(const FSRef& folder) {
+  HFSUniStr255 unicode;
+  char held[256] = "";
+  char name[256] = "";
+  if (placeOf(folder, nullptr, &unicode)) ConvertHFSUniStrToCString(&unicode, held, sizeof held);
+  // The name is the end of a path, so a "/" within the name (":" on the volume) or a "\" cuts off
+  // what stands before it. Meant so: reports have always shown such folders this way.
+  extractFilename(held, name);
+  setTreeItemName(name);
+  _folder_id = getFolderNode(&folder);
+  _folder = folder;
+  noteIDChange();
+}
+
+bool PresetLimb::isSameFolder(const FSRef& other) const {
+  return cairnset::isSameFolder(&_folder, &other);
+}
+
+PresetLimb* PresetLimb::findLimb(const FSRef& folder) const {
+  for (TreeLimb* child : limbs().entriesAs<TreeLimb>()) {
+    auto* limb = dynamic_cast<PresetLimb*>(child);
+    if (limb != nullptr && limb->isSameFolder(folder)) return limb;
+  }
+  return nullptr;
+}
+
+}  // namespace cairnset

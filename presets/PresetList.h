@@ -1,0 +1,179 @@
+// All presets of one kind: an ordered list of them, and the tree of the folders that they lie in.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "host/HostTypes.h"
+#include "host/ResultCodes.h"
+#include "presets/PresetLimb.h"
+#include "storage/PtrManager.h"
+
+namespace cairnset {
+
+class Preset;
+class PresetManager;
+
+/// The list is also the root limb of its tree. It owns its presets, which are destroyed with it;
+/// nothing is saved then. Positions count from 0 in list order. Statuses are host result codes, 0
+/// for success. A list opens, makes and duplicates presets only once it is confirmed, that is,
+/// knows its manager and two folders that exist.
+///
+/// Look-ups give what a walk from position 0 upward would find first. They are answered from
+/// indexes that this class alone keeps: each remembers up to which change of list, names, files or
+/// folders it is right, follows what this list adds by itself, and is made anew after any other
+/// change.
+class PresetList : public PtrManager, public PresetLimb {
+ public:
+  explicit PresetList(PresetManager* manager) : _manager(manager) {}
+  /// Folders, manager and current preset are copied; presets are not, and the copy's list and tree
+  /// are empty.
+  PresetList(const PresetList& other);
+  ~PresetList() override;
+
+  // --- Folders ---
+
+  /// Each answers confirm().
+  bool setManager(PresetManager* manager);
+  bool setRootFolder(const FSRef& folder);
+  bool setUserFolder(const FSRef& folder);
+  void getRootFSSpec(FSRef& out) const { out = _root_folder; }
+  void getUserFSSpec(FSRef& out) const { out = _user_folder; }
+  /// Looks whether the list may work now, and remembers it.
+  bool confirm();
+  bool confirmed() const { return _confirmed; }
+  /// The folder `name` in `parent`, made with `create` where there is none. On failure `out` is
+  /// no place at all.
+  static OSStatus findFolder(const FSRef& parent, const char* name, bool create, FSRef& out);
+
+  // --- Entries ---
+
+  /// Appends a Preset*, and hangs it in the tree under the limb of the folder that holds its file,
+  /// if there is one.
+  PtrLink* addPtr(void* preset) override;
+  /// Takes the preset out of list and tree; it is not destroyed.
+  void removePtr(void* preset) override;
+  /// Takes all out, and empties the tree; no preset is destroyed.
+  void removeAll() override;
+  /// Destroys all presets and empties list and tree.
+  void clearPresets();
+  PtrEntries<Preset> presets() const { return entriesAs<Preset>(); }
+
+  // --- Look-ups: the first match in list order, or null ---
+
+  /// By name: case does not count, marks do (fncmp).
+  Preset* findPreset(const char* name) const;
+  /// By file name, a Pascal string, compared as equalPString does.
+  Preset* findPreset(const unsigned char* name, bool caseSensitive) const;
+  Preset* findPresetInSameFolder(const Preset* other, const unsigned char* name,
+                                 bool caseSensitive) const;
+  Preset* findPresetInUserFolder(const unsigned char* name, bool caseSensitive) const;
+  Preset* findPresetUsingFileSpec(const FSRef& file) const;
+  /// The preset's position; 0 also where it is not in the list.
+  long findPresetIndex(const Preset* preset) const;
+
+  // --- By position: 0, false or null, and nothing done, where no preset stands there ---
+
+  Preset* presetAt(long index) const;
+  const char* getCName(long index) const;
+  void getPresetName(long index, unsigned char* out) const;
+  /// Empty where no preset stands there.
+  void getPresetListName(long index, unsigned char* out) const;
+  bool isROM(long index) const;
+  bool isRAM(long index) const;
+  /// In memory only.
+  void setROM(long index);
+  void setRAM(long index);
+  bool getEdited(long index) const;
+  void setEdited(long index, bool edited);
+  bool isDefault(long index) const;
+  OSStatus renamePreset(long index, const unsigned char* name);
+  OSStatus reloadPreset(long index);
+  OSStatus savePreset(long index);
+
+  Preset* currentPreset() const { return _current_preset; }
+  /// Null stands for the preset named "Default", if there is one.
+  void setCurrentPreset(Preset* preset);
+  void debugList() const {}
+
+  // --- Saving: the status of the last preset written ---
+
+  OSStatus saveAllPresets();
+  OSStatus saveAllRAMPresets();
+  /// Makes the files of those presets anew that are gone from the disk.
+  OSStatus saveMissingPresets();
+
+  // --- What each kind does in its own way ---
+
+  /// Makes and writes a preset. `name` is cleaned in place; a file of that name is taken over. The
+  /// second argument means nothing.
+  virtual OSStatus newPreset(unsigned char* name, bool unused, bool inUserFolder) = 0;
+  /// The preset of a file, read if it is not in the list yet; null where it could not be made.
+  virtual Preset* openPreset(const FSRef& file) = 0;
+  /// Copies a preset into the user folder. `newName` is cleaned in place.
+  virtual OSStatus duplicatePreset(long index, unsigned char* newName) = 0;
+  /// Takes the preset out, destroys it and deletes its file.
+  virtual void deletePreset(long index) = 0;
+  virtual long getPresetType() const = 0;
+
+  // --- Loading ---
+
+  /// Reads all presets of the kind below the root folder, sees to the "Default" preset, and orders
+  /// the list. Presets that are there already stay as they are.
+  void openPresets();
+  /// Reads one folder and all below it into `limb`.
+  OSStatus openPresetsRecursively(const FSRef& folder, PresetLimb* limb);
+  /// ROM presets first, each group by ascending index, equal ones as an exchange sort leaves
+  /// them; RAM presets are then numbered from 0. Writes nothing.
+  void reorderPresets();
+
+ protected:
+  const FSRef& newPresetFolder(bool inUserFolder) const {
+    return inUserFolder ? _user_folder : _root_folder;
+  }
+  void destroyWithFile(Preset* preset);
+
+ private:
+  struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(const char* name) const;
+    std::size_t operator()(const Preset* preset) const;
+  };
+  struct NameEqual {
+    using is_transparent = void;
+    template <typename A, typename B>
+    bool operator()(const A& a, const B& b) const;
+  };
+
+  /// Up to which changes an index is right.
+  struct Stamp {
+    unsigned long list = ~0ul, detail = ~0ul;
+    friend bool operator==(const Stamp&, const Stamp&) = default;
+  };
+
+  Stamp nameStamp() const;
+  Stamp fileStamp() const;
+  static Stamp limbStamp();
+  TreeLimb* limbOfFolder(unsigned long id);
+  PresetLimb* addFolderLimb(PresetLimb* parent, const FSRef& folder);
+  OSStatus readFolders(const FSRef& folder, PresetLimb* limb, bool& listed);
+  void makeSureOfDefault();
+  template <typename Lies>
+  Preset* findByFileName(const unsigned char* name, bool caseSensitive, Lies lies) const;
+
+  PresetManager* _manager;
+  FSRef _root_folder;
+  FSRef _user_folder;
+  bool _confirmed = false;
+  Preset* _current_preset = nullptr;
+
+  mutable std::unordered_set<Preset*, NameHash, NameEqual> _by_name;
+  mutable Stamp _by_name_stamp;
+  mutable std::unordered_map<std::uint32_t, Preset*> _by_file;
+  mutable Stamp _by_file_stamp;
+  std::unordered_map<unsigned long, TreeLimb*> _limb_by_folder;
+  Stamp _limb_by_folder_stamp;
+};
+
+}  // namespace cairnset

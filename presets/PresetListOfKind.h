@@ -1,0 +1,82 @@
+// What the lists of the four kinds do alike, each with its own class of preset.
+#pragma once
+
+#include <type_traits>
+
+#include "host/FileNameRules.h"
+#include "host/PascalStrings.h"
+#include "presets/PresetList.h"
+
+namespace cairnset {
+
+class KeymapManager;
+
+/// The list of the presets of class `Kind`. Programs are always made without keymaps.
+template <typename Kind>
+class PresetListOfKind : public PresetList {
+ public:
+  explicit PresetListOfKind(PresetManager* manager) : PresetList(manager) {}
+  /// The presets of the copy would be made from those of its own list, which is empty then. So a
+  /// copy holds none; that is meant.
+  PresetListOfKind(const PresetListOfKind&) = default;
+
+  long getPresetType() const override { return Kind::kKind; }
+
+  Preset* openPreset(const FSRef& file) override {
+    if (!confirmed()) return nullptr;
+    if (Preset* open = findPresetUsingFileSpec(file); open != nullptr) return open;
+    Kind* preset = make(file, static_cast<const char*>(nullptr), false);
+    if (preset->status() != noErr) {
+      delete preset;
+      return nullptr;
+    }
+    preset->readIn();  // a file that cannot be read still is a preset, with nothing in it
+    addPtr(static_cast<Preset*>(preset));
+    return preset;
+  }
+
+  OSStatus newPreset(unsigned char* name, bool /*unused*/, bool inUserFolder) override {
+    if (!confirmed()) return noErr;
+    RemoveAllIllegalFilenameCharsInPlace(name);
+    char text[256];
+    P2CCopy(text, name);
+    return keep(make(newPresetFolder(inUserFolder), static_cast<const char*>(text), true));
+  }
+
+  OSStatus duplicatePreset(long index, unsigned char* newName) override {
+    const auto* source = static_cast<const Kind*>(presetAt(index));
+    if (!confirmed() || source == nullptr) return noErr;
+    RemoveAllIllegalFilenameCharsInPlace(newName);
+    return keep(make(*source, static_cast<const unsigned char*>(newName), &newPresetFolder(true)));
+  }
+
+  void deletePreset(long index) override {
+    if (Preset* preset = presetAt(index); preset != nullptr) destroyWithFile(preset);
+  }
+
+  /// Moves the files that lie loose in the root folder into its sub-folders, see
+  /// presets/BrowserSorting.h. Answers the status of the last look-up or move.
+  virtual OSStatus sortForBrowser() = 0;
+
+ private:
+  template <typename... Args>
+  static Kind* make(const Args&... args) {
+    if constexpr (std::is_constructible_v<Kind, KeymapManager*, const Args&...>) {
+      return new Kind(static_cast<KeymapManager*>(nullptr), args...);
+    } else {
+      return new Kind(args...);
+    }
+  }
+
+  OSStatus keep(Kind* preset) {
+    if (const OSErr status = preset->status(); status != noErr) {
+      delete preset;
+      return status;
+    }
+    preset->writeOut();
+    addPtr(static_cast<Preset*>(preset));
+    return noErr;
+  }
+};
+
+}  // namespace cairnset

@@ -1,0 +1,164 @@
+#include "presets/PresetManager.h"
+
+#include "host/BrumePrefs.h"
+#include "host/FileManager.h"
+#include "host/FileSystemHelpers.h"
+
+namespace cairnset {
+
+namespace {
+
+constexpr const char* kPresetsFolder = "Presets";
+
+}  // namespace
+
+std::int32_t PresetManager::_count = 0;
+
+PresetManager::PresetManager(BrumeSynth* synth)
+    : VelocityMapPresetList(this),
+      EffectsPresetList(this),
+      ProgramPresetList(this),
+      SessionPresetList(this),
+      _synth(synth) {
+  ++_count;
+}
+
+PresetManager::PresetManager(const PresetManager& other)
+    : VelocityMapPresetList(other),
+      EffectsPresetList(other),
+      ProgramPresetList(other),
+      SessionPresetList(other),
+      _synth(other._synth) {
+  velocityMaps().setManager(this);
+  effects().setManager(this);
+  programs().setManager(this);
+  sessions().setManager(this);
+  ++_count;
+}
+
+PresetManager::~PresetManager() {
+  --_count;
+}
+
+OSStatus PresetManager::setOlvanItemsFSRef(const FSRef& items) {
+  if (const OSErr result = FSRefIsValid(items); result != noErr) return result;
+  FSRef presets;
+  const OSStatus found = PresetList::findFolder(items, kPresetsFolder, false, presets);
+  if (found == dirNFErr || found == fnfErr) {
+    const OSStatus made = PresetList::findFolder(items, kPresetsFolder, true, presets);
+    if (made != noErr) return made;
+  }
+  _presets_folder = presets;
+  return noErr;
+}
+
+void PresetManager::openAllPresets(BrumePrefs* prefs) {
+  const FSRef* items = prefs != nullptr ? prefs->getItemsFSRef() : nullptr;
+  if (items == nullptr || FSRefIsValid(*items) != noErr) return;
+  PresetList::findFolder(*items, kPresetsFolder, true, _presets_folder);
+  openAllPresetsOfType(kAllKinds);
+}
+
+void PresetManager::openKind(PresetList& list, const char* folder, bool hasUserFolder) {
+  // A folder that could be neither found nor made is no place at all, and leaves the list
+  // unconfirmed: it must never work on another kind's folder instead.
+  FSRef root, user;
+  PresetList::findFolder(_presets_folder, folder, true, root);
+  list.setRootFolder(root);
+  if (hasUserFolder) {
+    PresetList::findFolder(root, "User", true, user);
+  } else {
+    user = root;
+  }
+  list.setUserFolder(user);
+  list.openPresets();
+}
+
+void PresetManager::openAllPresetsOfType(long kind) {
+  const auto isAsked = [kind](PresetKind k) { return kind == kAllKinds || kind == long{k}; };
+  if (isAsked(kVelocityMapKind)) openKind(velocityMaps(), "Velocity Maps", true);
+  if (isAsked(kEffectsKind)) openKind(effects(), "Effects", true);
+  if (isAsked(kProgramKind)) openKind(programs(), "Programs", true);
+  if (isAsked(kSessionKind)) openKind(sessions(), "Sessions", false);
+}
+
+OSStatus PresetManager::openTopLevelPresets(long kind) {
+  PresetList* const lists[] = {&velocityMaps(), &effects(), &programs(), &sessions()};
+  FSIterator iterator = 0;
+  FSOpenIterator(&_presets_folder, 0, &iterator);
+  FSRef file;
+  std::size_t actual = 0;
+  while (FSGetCatalogInfoBulk(iterator, 1, &actual, kFSCatInfoNone, nullptr, &file), actual > 0) {
+    std::int16_t fork = 0;
+    if (FSOpenFork(&file, 0, nullptr, fsRdPerm, &fork) != noErr) continue;
+    std::uint32_t fileKind = 0;
+    if (Preset::readKind(fork, fileKind) && (kind == kAllKinds || kind == long{fileKind})) {
+      for (PresetList* list : lists) {
+        if (list->getPresetType() == long{fileKind}) list->openPreset(file);
+      }
+    }
+    FSCloseFork(fork);
+  }
+  return FSCloseIterator(iterator);
+}
+
+OSStatus PresetManager::synchronizeVelocityMapList() {
+  openAllPresetsOfType(kVelocityMapKind);
+  return velocityMaps().saveMissingPresets();
+}
+
+OSStatus PresetManager::synchronizeEffectsList() {
+  openAllPresetsOfType(kEffectsKind);
+  return effects().saveMissingPresets();
+}
+
+OSStatus PresetManager::synchronizeProgramList() {
+  openAllPresetsOfType(kProgramKind);
+  return programs().saveMissingPresets();
+}
+
+OSStatus PresetManager::synchronizeSessionList() {
+  openAllPresetsOfType(kSessionKind);
+  return sessions().saveMissingPresets();
+}
+
+void PresetManager::synchronizePresetList(long kind) {
+  const auto isAsked = [kind](PresetKind k) { return kind == kAllKinds || kind == long{k}; };
+  if (isAsked(kVelocityMapKind)) synchronizeVelocityMapList();
+  if (isAsked(kEffectsKind)) synchronizeEffectsList();
+  if (isAsked(kProgramKind)) synchronizeProgramList();
+  if (isAsked(kSessionKind)) synchronizeSessionList();
+}
+
+OSStatus PresetManager::saveAllPresets() {
+  velocityMaps().saveAllPresets();
+  effects().saveAllPresets();
+  programs().saveAllPresets();
+  return sessions().saveAllPresets();
+}
+
+OSStatus PresetManager::sortAllForBrowser() {
+  velocityMaps().sortForBrowser();
+  effects().sortForBrowser();
+  return programs().sortForBrowser();
+}
+
+void PresetManager::debugCheckDependencies() {
+  SessionPresetList& sessionList = sessions();
+  sessionList.iterReset();
+  while (const void* entry = sessionList.iterNext()) {
+    const auto& fields =
+        static_cast<const SessionPreset*>(static_cast<const Preset*>(entry))->fields;
+    (void)velocityMaps().findPreset(nameInField(fields.velocityMapName).c_str());
+    (void)programs().findPreset(nameInField(fields.programName).c_str());
+  }
+  ProgramPresetList& programList = programs();
+  programList.iterReset();
+  while (const void* entry = programList.iterNext()) {
+    const auto& fields =
+        static_cast<const ProgramPreset*>(static_cast<const Preset*>(entry))->fields;
+    (void)effects().findPreset(nameInField(fields.effectsName).c_str());
+  }
+}
+
+}  // namespace cairnset

@@ -1,0 +1,44 @@
+// What the four kinds have in common: a payload of fixed fields behind the header.
+#pragma once
+
+#include "presets/Preset.h"
+#include "presets/PresetFields.h"
+
+namespace cairnset {
+
+/// A preset whose payload is `Fields`: a plain struct, its size and layout those that getData()
+/// promises, which says its kind code, its mark in reports, the length that it declares in the
+/// file, and which fields are stored there in which order.
+template <typename Fields>
+class PresetOfKind : public Preset {
+ public:
+  static constexpr std::uint32_t kKind = Fields::kKind;
+
+  const char* getTreeItemTypeName() const override { return Fields::kTypeName; }
+  const void* getData() const override { return &fields; }
+  long getDataSize() const override { return sizeof fields; }
+  long getPresetType() const override { return kKind; }
+
+  void fillVirtualFileData(VirtualFile& file) const override {
+    writeField(file, Fields::kDeclaredLength);
+    Fields::forEach(fields, [&file](const auto& field) { writeField(file, field); });
+  }
+
+  long extractVirtualFileData(VirtualFile& file) override {
+    std::int32_t declaredLength = 0;
+    readField(file, declaredLength);
+    Fields::forEach(fields, [&file](auto& field) { readField(file, field); });
+    return declaredLength;
+  }
+
+  /// All zero until read or given defaults.
+  Fields fields{};
+
+ protected:
+  PresetOfKind(const FSRef& ref, const char* name, bool create)
+      : Preset(ref, name, kKind, create) {}
+  PresetOfKind(const PresetOfKind& source, const unsigned char* newName, const FSRef* folder)
+      : Preset(source, newName, kKind, folder), fields(source.fields) {}
+};
+
+}  // namespace cairnset

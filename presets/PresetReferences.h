@@ -1,0 +1,30 @@
+// Who refers to whom: the three references between presets, each a name in a field of 64 bytes.
+#pragma once
+
+#include <string>
+
+#include "presets/Preset.h"
+#include "presets/PresetKinds.h"
+
+namespace cairnset {
+
+/// One of the references. A preset of kind `from` names one of kind `to`.
+struct PresetReference {
+  static constexpr std::size_t kWidth = 64;
+
+  PresetKind from;
+  PresetKind to;
+  /// The field, in a preset of kind `from`.
+  char (&(*field)(Preset& preset))[kWidth];
+
+  /// The name as stored, at most 64 bytes.
+  std::string name(const Preset& preset) const;
+  /// Stores a name, zeros behind it; of a longer one the first 64 bytes. In memory only.
+  void setName(Preset& preset, const char* name) const;
+};
+
+extern const PresetReference kProgramEffectsReference;
+extern const PresetReference kSessionProgramReference;
+extern const PresetReference kSessionVelocityMapReference;
+
+}  // namespace cairnset

@@ -1,0 +1,54 @@
+// The global set-up: a velocity map and a program by name, tuning and engine settings.
+#pragma once
+
+#include "presets/PresetKinds.h"
+#include "presets/PresetOfKind.h"
+
+namespace cairnset {
+
+/// Payload in the file, 154 bytes: declared length 150 (4), then the fields below in order without
+/// the spare bytes.
+struct SessionFields {
+  static constexpr std::uint32_t kKind = kSessionKind;
+  static constexpr const char* kTypeName = "[Sess]";
+  static constexpr std::uint32_t kDeclaredLength = 150;
+
+  char velocityMapName[64];
+  char programName[64];
+  std::uint8_t stereoPerspective;
+  std::uint8_t tuning;
+  std::uint16_t voices;
+  std::uint16_t bufferSize;  // the converter's index, not a size
+  std::uint16_t octave;
+  std::uint16_t transpose;
+  std::uint8_t spare[2];
+  std::int32_t fineTune;
+  float gain;
+  float a440;
+
+  /// Every field of the file, in its order.
+  template <typename Self, typename Each>
+  static void forEach(Self& f, Each each) {
+    each(f.velocityMapName);
+    each(f.programName);
+    each(f.stereoPerspective);
+    each(f.tuning);
+    each(f.voices);
+    each(f.bufferSize);
+    each(f.octave);
+    each(f.transpose);
+    each(f.fineTune);
+    each(f.gain);
+    each(f.a440);
+  }
+};
+static_assert(sizeof(SessionFields) == 152);
+
+class SessionPreset : public PresetOfKind<SessionFields> {
+ public:
+  /// As the base's constructor; a new preset has the defaults of the parameter table.
+  SessionPreset(const FSRef& ref, const char* name, bool create);
+  SessionPreset(const SessionPreset& source, const unsigned char* newName, const FSRef* folder);
+};
+
+}  // namespace cairnset

@@ -1,0 +1,70 @@
+// The base of everything that stands in a preset tree.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+
+namespace cairnset {
+
+class TreeLimb;
+
+enum TreeItemType : std::uint32_t { kTreeLimb = 1, kTreeLeaf = 2 };
+
+/// A named node of a tree: a limb (folder) or a leaf (file). It owns its name and nothing else; the
+/// parent is set by the limb that it is added to.
+class TreeItem {
+ public:
+  /// Takes the next index; no name, no parent, ID 0.
+  explicit TreeItem(TreeItemType type) : _type(type), _index(++_current_index) {}
+  virtual ~TreeItem();
+  TreeItem& operator=(const TreeItem&) = delete;
+
+  /// The name, Mac Roman for files and folders; null where there is none.
+  virtual const char* getTreeItemName() const { return _name; }
+  virtual unsigned long getTreeItemIndex() const { return _index; }
+  virtual void setTreeItemID(unsigned long id);
+  virtual unsigned long getTreeItemID() const { return _id; }
+  virtual const char* getTreeItemTypeName() const { return "TreeItem"; }
+  /// Describes the item on one line, without ending it. The flags mean nothing so far.
+  virtual void printTreeItemInfo(std::ostream& os, unsigned long flags) const;
+  virtual void setTreeItemIndex(unsigned long index) { _index = static_cast<std::uint32_t>(index); }
+
+  /// Keeps a copy of `name`, of any length; null leaves the item without a name.
+  void setTreeItemName(const char* name);
+
+  TreeItemType type() const { return _type; }
+  /// The limb that the item was last added to; removing does not clear it.
+  TreeLimb* parent() const { return _parent; }
+
+  /// Grow with every change of any item's name, and of any item's ID: what was derived from names
+  /// or IDs still holds as long as these are what they were then.
+  static unsigned long nameChanges() { return _name_changes; }
+  static unsigned long idChanges() { return _id_changes; }
+
+  /// The index given out last. Indexes start at 1 and are unique within a run.
+  static std::uint32_t _current_index;
+
+ protected:
+  /// The copy has the index of its source and shares its name. Both would free that name, so one of
+  /// the two must never be destroyed.
+  TreeItem(const TreeItem&) = default;
+
+  /// setTreeItemName for constructors: what is not in any tree or list yet changes nothing there.
+  void takeTreeItemName(const char* name);
+  static void noteIDChange() { ++_id_changes; }
+
+ private:
+  friend class TreeLimb;
+
+  static unsigned long _name_changes;
+  static unsigned long _id_changes;
+
+  TreeItemType _type;
+  bool _name_owned = false;
+  const char* _name = nullptr;
+  std::uint32_t _index;
+  std::uint32_t _id = 0;
+  TreeLimb* _parent = nullptr;
+};
+
+}  // namespace cairnset

@@ -1,0 +1,17 @@
+// A leaf of a preset tree: a file.
+#pragma once
+
+#include "presets/TreeItem.h"
+
+namespace cairnset {
+
+class TreeLeaf : public TreeItem {
+ public:
+  TreeLeaf() : TreeItem(kTreeLeaf) {}
+  /// Shares the source's name, see TreeItem; only for the member-wise copy of a preset.
+  TreeLeaf(const TreeLeaf&) = default;
+
+  const char* getTreeItemTypeName() const override { return "File"; }
+};
+
+}  // namespace cairnset

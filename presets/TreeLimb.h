@@ -1,0 +1,102 @@
+// An inner node of a preset tree: a folder with its sub-folders and files.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+
+#include "presets/TreeItem.h"
+#include "storage/PtrManager.h"
+
+namespace cairnset {
+
+class TreeLeaf;
+
+/// A node with two ordered lists of children. It owns its limbs, which go with it; its leaves
+/// belong to somebody else. Everything that walks the tree does so without recursion, so that a
+/// tree may be as deep as folders can be nested.
+class TreeLimb : public TreeItem {
+ public:
+  TreeLimb();
+  ~TreeLimb() override;
+  TreeLimb(const TreeLimb&) = delete;
+
+  const char* getTreeItemTypeName() const override { return "TreeLimb"; }
+  /// Lists this limb and all below it, a line each, indented by `depth` and more tabs: the limb,
+  /// its leaves, then each child limb in the same way.
+  virtual void listRecursively(std::ostream& os, unsigned long flags, int depth) const;
+
+  // --- Children ---
+
+  void addLimb(TreeLimb* limb);
+  void addLeaf(TreeLeaf* leaf);
+  /// Adds a limb or a leaf by its type; null is nothing.
+  void addItem(TreeItem* item);
+  /// Takes the item out of this limb's own children, if it is there. It is not deleted, and its
+  /// parent() stays what it was.
+  void removeItem(TreeItem* item);
+  static void removeItemFromParent(TreeItem* item);
+  /// The direct child at a position, leaves first and then limbs; null past the end.
+  TreeItem* getItem(long i) const;
+  const PtrManager& limbs() const { return _limbs; }
+  const PtrManager& leaves() const { return _leaves; }
+  /// Lets go of the leaves here and below, and deletes all limbs below.
+  void deleteItemsRecursively();
+
+  /// What is below this limb, at any depth.
+  long countItemsRecursively() const;
+  long countLimbsRecursively() const;
+  long countLeafsRecursively() const;
+
+  // --- Searches: the first match, or null. An item without a name matches no name. ---
+
+  /// This limb, then its child limbs in order, each with all its own before the next.
+  TreeLimb* findLimbWithIndexRecursively(unsigned long index);
+  TreeLimb* findLimbWithIDRecursively(unsigned long id);
+  TreeLimb* findLimbWithNameRecursively(const char* name);
+  /// This limb, then its direct children (leaves before limbs), then the same in each child limb:
+  /// all children of a limb come before any grandchild.
+  TreeItem* findItemWithIndexRecursively(unsigned long index);
+  TreeItem* findItemWithIDRecursively(unsigned long id);
+  TreeItem* findItemWithNameRecursively(const char* name);
+  /// The leaves of this limb, then those of each child limb; never a limb.
+  TreeLeaf* findLeafWithIndexRecursively(unsigned long index);
+  TreeLeaf* findLeafWithIDRecursively(unsigned long id);
+  TreeLeaf* findLeafWithNameRecursively(const char* name);
+
+  // --- The leaf walk ---
+
+  /// The place in the walk: the number of leaves that have been passed. Set it to 0 to start one.
+  void setLeafCursor(std::uint32_t cursor) { _leaf_cursor = cursor; }
+  std::uint32_t leafCursor() const { return _leaf_cursor; }
+  /// The next of all leaves below, each folder's own before those of its sub-folders; null at the
+  /// end. Only the number of leaves passed counts: a leaf that is added or removed during the walk
+  /// shifts what comes after it. The place is remembered, so that a step costs no walk from the top
+  /// as long as no tree has changed.
+  TreeLeaf* recursiveLeafIterNext();
+
+  void debugRecursively(int /*depth*/) const {}
+
+  /// Grows with every limb that is added to or taken from any tree.
+  static unsigned long limbChanges() { return _limb_changes; }
+
+ private:
+  class LeafWalk;
+
+  template <typename Matches>
+  TreeLimb* findLimb(Matches matches);
+  template <typename Matches>
+  TreeItem* findItem(Matches matches);
+  template <typename Matches>
+  TreeLeaf* findLeaf(Matches matches);
+
+  static unsigned long _limb_changes;
+  static unsigned long _leaf_changes;
+
+  PtrManager _limbs;   // of TreeLimb*, owned
+  PtrManager _leaves;  // of TreeLeaf*
+  std::uint32_t _leaf_cursor = 0;
+  std::unique_ptr<LeafWalk> _leaf_walk;  // where the cursor stands; may be out of date
+};
+
+}  // namespace cairnset

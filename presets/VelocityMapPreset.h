@@ -1,0 +1,41 @@
+// How key velocity is mapped.
+#pragma once
+
+#include "presets/PresetKinds.h"
+#include "presets/PresetOfKind.h"
+
+namespace cairnset {
+
+/// Payload in the file, 14 bytes: declared length 10 (4), then the fields below in order without
+/// the spare bytes.
+struct VelocityMapFields {
+  static constexpr std::uint32_t kKind = kVelocityMapKind;
+  static constexpr const char* kTypeName = "[VMap]";
+  static constexpr std::uint32_t kDeclaredLength = 10;
+
+  std::uint32_t type;  // a four-character code
+  float hardness;
+  std::uint8_t minimumVelocity;
+  std::uint8_t maximumVelocity;
+  std::uint8_t spare[2];
+
+  /// Every field of the file, in its order.
+  template <typename Self, typename Each>
+  static void forEach(Self& f, Each each) {
+    each(f.type);
+    each(f.hardness);
+    each(f.minimumVelocity);
+    each(f.maximumVelocity);
+  }
+};
+static_assert(sizeof(VelocityMapFields) == 12);
+
+class VelocityMapPreset : public PresetOfKind<VelocityMapFields> {
+ public:
+  /// As the base's constructor; a new preset has the defaults of the parameter table.
+  VelocityMapPreset(const FSRef& ref, const char* name, bool create);
+  VelocityMapPreset(const VelocityMapPreset& source, const unsigned char* newName,
+                    const FSRef* folder);
+};
+
+}  // namespace cairnset

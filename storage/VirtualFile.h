@@ -1,0 +1,235 @@
+// A file in memory: the stream through which preset files are loaded, parsed, rebuilt and written.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <iosfwd>
+#include <string>
+
+namespace cairnset {
+
+/// What an offset counts from.
+enum from_pos { from_start = 0, from_current = 1, from_end = 2 };
+
+/// Reverse 4 and 8 bytes in place, at any alignment.
+void swapFour(void* bytes);
+void swapEight(void* bytes);
+
+/// One growable run of bytes with a read and a write position that move independently.
+///
+/// Bytes are kept as they are given; only the operations with a `swap` argument reverse any
+/// (storage/ByteOrder.h has the flag for preset files). Where nothing else is said an operation
+/// answers 1 for success and 0 for failure, and changes nothing where it fails. Nothing throws. A
+/// negative number of bytes is a failure, and so is everything on a file whose memory could not be
+/// had, until a clear() gets some. Content is limited to 600 MiB. Positions are offsets from
+/// the start and never lie past the end of the content.
+class VirtualFile {
+ public:
+  /// An empty file. Memory comes in multiples of `blockSize` bytes, which is at least 1.
+  explicit VirtualFile(long blockSize);
+  /// A file with content, to be read from its start and written at its end. In place, `data` is the
+  /// buffer until the file outgrows it; it stays the caller's to free and must live as long.
+  /// Otherwise the bytes are copied. Content over the limit is treated as memory that could
+  /// not be had.
+  VirtualFile(char* data, unsigned long length, bool useInPlace, long blockSize);
+  VirtualFile(const VirtualFile&) = delete;
+  VirtualFile& operator=(const VirtualFile&) = delete;
+  ~VirtualFile();
+
+  // --- Content ---
+
+  /// Null where memory could not be had. Any growth moves the buffer.
+  char* buffer() const { return _buffer; }
+  char* rptr() const { return _rptr; }
+  char* wptr() const { return _wptr; }
+  unsigned long size() const { return _size; }
+  /// As resize_buffer.
+  int size(unsigned long n) { return resize_buffer(n); }
+  /// Makes the content `n` bytes long; -1 for more than the limit. New bytes are zero, but those
+  /// that were cut off by an earlier call come back as they were.
+  int resize_buffer(unsigned long n);
+  /// Makes the content `n` bytes long, and answers it for the caller to fill; null on failure.
+  char* reserve(long n);
+  /// Starts again, empty, with new memory of one block.
+  int clear();
+  /// 1, or -1 where there is no memory or the size had to be cut to it.
+  int confirm() { return normalise() ? 1 : -1; }
+  bool good() { return confirm() > 0; }
+
+  // --- Binary writes, over what is there and on past the end ---
+
+  /// `src` may lie in this file.
+  int write(const void* src, long n);
+  /// Takes the bytes at `src`'s read position, and moves that on. Does not check that there are so
+  /// many: past its content come whatever bytes its memory holds there, past its memory
+  /// zeros. `src` may be this file: it gets the bytes as they were before.
+  int write(VirtualFile& src, long n);
+  int writeZeroes(long n);
+  /// A field of exactly `fieldLength` bytes (1 or more), cut or filled so as to end in a zero byte.
+  int writeStringAndPad(const char* s, long fieldLength);
+  int write2(const void* p, bool swap) { return writeWord(p, 2, swap); }
+  int write4(const void* p, bool swap) { return writeWord(p, 4, swap); }
+  int write8(const void* p, bool swap) { return writeWord(p, 8, swap); }
+  /// Writes at the end and leaves the write position where it is.
+  int append(const void* src, long n);
+  /// Writes `length` bytes from `offset` to `dst` (may be this file) at its write position. Leaves
+  /// the read position where it is, and answers it.
+  long copyData(VirtualFile& dst, unsigned long offset, unsigned long length);
+
+  // --- Binary reads ---
+
+  /// A read past the end succeeds too, but oddly: with k of n bytes left it copies these k, and
+  /// then clears the first n - k bytes of `dst`, not the last. What neither covers keeps its value,
+  /// so give it an initialised `dst`.
+  int read(void* dst, long n);
+  int read2(void* dst, bool swap) { return readWord(dst, 2, swap); }
+  int read4(void* dst, bool swap) { return readWord(dst, 4, swap); }
+  int read8(void* dst, bool swap) { return readWord(dst, 8, swap); }
+
+  // --- Numbers as decimal text ---
+
+  /// Skip white space and parse, never past the end of the content; without a number the value is 0
+  /// and the position stays. Integers saturate at the 32-bit range and are then narrowed to
+  /// their type; a char is a number from -128 to 127, whatever the machine's char is.
+  VirtualFile& get(char& v) { return take(v, static_cast<signed char>(parseSigned())); }
+  VirtualFile& get(unsigned char& v) { return take(v, parseUnsigned()); }
+  VirtualFile& get(short& v) { return take(v, parseSigned()); }
+  VirtualFile& get(unsigned short& v) { return take(v, parseUnsigned()); }
+  VirtualFile& get(long& v) { return take(v, parseSigned()); }
+  VirtualFile& get(int& v) { return take(v, parseSigned()); }
+  VirtualFile& get(float& v) { return take(v, parseReal()); }
+  VirtualFile& get(double& v) { return take(v, parseReal()); }
+  template <typename T>
+  VirtualFile& operator>>(T& v) {
+    skipspace();
+    return get(v);
+  }
+
+  int put(int v) { return put(static_cast<long>(v)); }
+  int put(short v) { return put(static_cast<long>(v)); }
+  int put(long v);
+  int put(unsigned char v) { return put(static_cast<long>(v)); }
+  /// The character's code, -128 to 127: 'A' is written as 65.
+  int put(char v) { return put(static_cast<long>(static_cast<signed char>(v))); }
+  /// With nine digits after the point.
+  int put(double v);
+  /// Only what stands before the point.
+  int put(float v);
+  /// The text without its terminator; null writes nothing.
+  int put(const char* s);
+
+  VirtualFile& operator<<(double v) { return put(v), *this; }
+  VirtualFile& operator<<(float v) { return put(v), *this; }
+  VirtualFile& operator<<(int v) { return put(v), *this; }
+  VirtualFile& operator<<(short v) { return put(v), *this; }
+  VirtualFile& operator<<(long v) { return put(v), *this; }
+  VirtualFile& operator<<(const char* s) { return put(s), *this; }
+  VirtualFile& operator<<(char v) { return put(v), *this; }
+
+  // --- Characters and strings ---
+
+  /// The string up to a zero byte or the end; the caller frees it with delete[]. Moves past the
+  /// zero byte. Null, without moving, where memory ran out.
+  VirtualFile& get(char** out);
+  /// Skips a byte.
+  void get();
+  /// Steps back and stores `c` there; nothing at the start.
+  void putback(char& c);
+  /// Skips spaces, tabs, line feeds and carriage returns.
+  void skipspace();
+  /// The next line without its end, which is LF, CR, CR LF or the end of the content; zero bytes
+  /// are part of it. False, `line` untouched, at the end of the content or where memory ran out.
+  bool getLine(std::string& line);
+
+  // --- Positions: all answer the new one ---
+
+  bool eof() const { return _rptr >= _end; }
+  long tellg() const { return static_cast<long>(_rptr - _buffer); }
+  long tellp() const { return static_cast<long>(_wptr - _buffer); }
+  /// Positions outside the content become its start or end.
+  long seekg(long pos);
+  long seekg(long off, from_pos whence);
+  /// Past the end, the content grows up to there; where it cannot the position stays.
+  long seekp(long pos);
+  long seekp(long off, from_pos whence);
+
+  // --- Whole files ---
+
+  /// 0 where both are of one size and equal in the range, else 1.
+  int compare(const VirtualFile& other, unsigned long offset, unsigned long length) const;
+  int compare(const VirtualFile& other) const { return compare(other, 0, _size); }
+
+  /// Write the whole content, from the start of the target or where it stands. 0 for success and
+  /// for empty content, which writes nothing; -1 where confirm() fails; else an error: the result
+  /// code of the fork, 1 for a stream that took nothing (FILE) or not everything (ostream).
+  int dump(short forkRef, bool fromStart);
+  int dump(std::FILE* stream, bool rewindFirst);
+  int dump(std::ostream& out, bool fromStart);
+
+  /// Replace the content by that of a source from its start, and answer the number of bytes read,
+  /// -1 where confirm() fails. Reading ends at a read of nothing, also one that failed, and once
+  /// the content takes no more. The read position is then at the start, the write position at the
+  /// end. `maxBytes` is looked at only after each chunk of 1024 bytes, so that up to 1023 more come
+  /// in, and one chunk for a limit of 0.
+  long load(std::FILE* stream);
+  long load(short forkRef, unsigned long maxBytes);
+  long load(short forkRef);
+  long load(std::istream& in);
+
+  // --- 64-bit checksums (storage/Checksums.h has the terms) ---
+
+  /// Appends zero bytes up to a multiple of 8.
+  int padTo8ByteBoundary();
+  /// Pads, and appends the sum of the words. Swapped, the words are taken as little-endian numbers
+  /// and the trailer is little-endian too.
+  int append64BitChecksum(bool swapped);
+  /// The sum of all whole words but the last, which is taken for the trailer; 0 for content of
+  /// fewer than 8 bytes.
+  unsigned long long calculateRaw64BitChecksum() const;
+  /// The sum of all but the last 8 bytes as little-endian words, save that a partial word counts as
+  /// big-endian; 0 for content of fewer than 8 bytes.
+  unsigned long long calculateSwapped64BitChecksum() const;
+  /// The last 8 bytes as a big-endian number; leaves the read position at the end.
+  unsigned long long getAppended64BitChecksum();
+  /// 1 where the last 8 bytes are the raw sum of all before, partial word included, else 0. The sum
+  /// goes to `*computed` (may be null). Moves the read position as getAppended64BitChecksum.
+  int confirmRawAppended64BitChecksum(unsigned long long* computed);
+  /// 1 where the last 8 bytes, as a big-endian number, are the swapped sum, else 0. So it refuses
+  /// what append64BitChecksum(true) wrote, unless that sum reads the same both ways.
+  int confirmSwappedAppended64BitChecksum() const;
+
+ private:
+  bool normalise();
+  std::uint32_t capacityFor(unsigned long n) const;
+  bool reallocate(std::uint32_t capacity);
+  void release();
+  void startEmpty();
+  bool makeRoomToWrite(long n);
+  long offsetInBuffer(const void* p) const;
+  long absolute(long off, from_pos whence, long current) const;
+  int writeWord(const void* p, long width, bool swap);
+  int readWord(void* dst, long width, bool swap);
+  template <typename ReadChunk>
+  long loadChunks(ReadChunk readChunk, unsigned long maxBytes);
+
+  std::int32_t parseSigned();
+  std::uint32_t parseUnsigned();
+  double parseReal();
+  template <typename T, typename Parsed>
+  VirtualFile& take(T& v, Parsed parsed) {
+    v = static_cast<T>(parsed);
+    return *this;
+  }
+
+  std::int32_t _block_size;
+  char* _buffer;
+  std::uint32_t _capacity;
+  std::uint32_t _size;
+  char* _wptr;
+  char* _rptr;
+  char* _end;
+  std::int32_t _precision = 9;
+  bool _owns_buffer;
+};
+
+}  // namespace cairnset

@@ -1,0 +1,237 @@
+#include <array>
+#include <cfloat>
+#include <climits>
+#include <new>
+#include <random>
+#include <sstream>
+#include <vector>
+
+#include "storage/ByteOrder.h"
+#include "storage/VirtualFile.h"
+#include "tests/storage/StorageTest.h"
+
+// Array allocations of the whole test program, to see how large they are and to let them fail.
+static bool outOfMemory = false;
+static std::size_t lastArraySize = 0;
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  lastArraySize = size;
+  return outOfMemory ? nullptr : std::malloc(size);
+}
+void* operator new[](std::size_t size) {
+  return operator new[](size, std::nothrow);
+}
+void operator delete[](void* p) noexcept {
+  std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept {
+  std::free(p);
+}
+
+namespace cairnset {
+namespace {
+
+TEST(VirtualFile, RandomOperationsMatchAString) {
+  std::mt19937 random(20);
+  VirtualFile f(7);
+  std::string memory;  // everything ever stored; the content is its beginning
+  std::size_t size = 0, readAt = 0, writeAt = 0;
+  const auto resize = [&](std::size_t n) {
+    memory.resize(std::max(memory.size(), size = n));
+    readAt = std::min(readAt, n), writeAt = std::min(writeAt, n);
+  };
+  const auto store = [&](std::size_t at, const std::string& bytes) {
+    resize(std::max(size, at + bytes.size()));
+    memory.replace(at, bytes.size(), bytes);
+    return at + bytes.size();
+  };
+  for (int step = 0; step < 60000; ++step) {
+    const std::size_t n = random() % (random() % 10 == 0 ? 300 : 20), operation = random() % 7;
+    const auto length = static_cast<long>(n);
+    const std::string bytes(n, static_cast<char>(step));
+    int result = 1;
+    if (operation == 0) {
+      result = f.write(bytes.data(), length);
+      writeAt = store(writeAt, bytes);
+    } else if (operation == 1) {
+      result = f.append(bytes.data(), length);
+      store(size, bytes);
+    } else if (operation == 2) {
+      result = f.write(f, length);
+      writeAt = store(writeAt, (memory + std::string(n, '\0')).substr(readAt, n));
+      readAt = std::min(readAt + n, size);
+    } else if (operation == 3) {  // a short read clears the start of what it brings
+      std::string got(n, 'x'), want = got;
+      const std::size_t held = std::min(n, size - readAt);
+      want.replace(0, held, memory, readAt, held).replace(0, n - held, n - held, '\0');
+      result = f.read(got.data(), length) == 1 && got == want;
+      readAt += held;
+    } else if (operation == 4) {
+      result = f.resize_buffer(n);
+      resize(n);
+    } else {
+      const auto whence = static_cast<from_pos>(random() % 3);
+      std::size_t& at = operation == 5 ? readAt : writeAt;
+      const long base = static_cast<long>(whence == 0 ? 0 : whence == 1 ? at : size);
+      const auto target = static_cast<std::size_t>(std::max(0l, base + length - 10));
+      if (operation == 6) resize(std::max(size, target));
+      at = std::min(target, size);
+      operation == 5 ? f.seekg(length - 10, whence) : f.seekp(length - 10, whence);
+    }
+    ASSERT_TRUE(result == 1 && contentOf(f) == memory.substr(0, size) &&
+                f.tellg() == static_cast<long>(readAt) && f.tellp() == static_cast<long>(writeAt))
+        << "step " << step << ", operation " << operation << ", " << n << " bytes";
+  }
+}
+
+TEST(VirtualFile, RefusesImpossibleSizes) {
+  Filled f("abc"), other("");
+  char byte = 'x';
+  for (const unsigned long n : {629145601ul, ULONG_MAX / 2 + 6, ULONG_MAX}) {
+    EXPECT_EQ(f.resize_buffer(n) + VirtualFile(&byte, n, true, 16).confirm(), -2) << n;
+    EXPECT_EQ(f.compare(f, 2, n) + f.compare(f, n, 2) + f.copyData(other, 0, n), 2) << n;
+  }
+  for (const long n : {-1l, LONG_MIN, 629145600l, LONG_MAX}) {
+    EXPECT_EQ(f.write(&byte, n) + f.write(other, n) + f.writeZeroes(n) + f.append(&byte, n), 0)
+        << n;
+    EXPECT_EQ(f.seekg(n, from_end), n == -1 ? 2 : n < 0 ? 0 : 3) << n;
+    EXPECT_EQ(n < 0 ? f.read(&byte, n) + f.writeStringAndPad("", n) : f.seekp(n, from_end) - 3, 0);
+  }
+  EXPECT_EQ(f.size() + other.size(), 3u);
+}
+
+TEST(VirtualFile, AllocatesBlocksAndSurvivesLackOfMemory) {
+  std::string bytes(300, 'x');
+  for (const auto& [from, to, capacity] :
+       {std::array{300u, 300u, 384u}, {256u, 256u, 384u}, {127u, 128u, 128u}, {127u, 256u, 384u}}) {
+    VirtualFile f(bytes.data(), from, false, 128);
+    EXPECT_EQ(f.size(to), 1);
+    EXPECT_EQ(lastArraySize, capacity) << from << " to " << to;
+  }
+  Filled grown("abcdef");
+  outOfMemory = true;
+  Filled f("");
+  EXPECT_EQ(grown.resize_buffer(100) + grown.resize_buffer(20), 0);
+  outOfMemory = false;
+  EXPECT_EQ(contentOf(grown), "abcdef");
+  EXPECT_EQ(grown.resize_buffer(20), 1);
+  EXPECT_EQ(f.read8(bytes.data(), true) + f.resize_buffer(0) + f.put("") + f.writeZeroes(1), 0);
+  EXPECT_EQ(f.write(grown, 2) + grown.write(f, 2) + f.append("", 0) + f.seekp(5), 0);
+  EXPECT_EQ(f.confirm() + f.dump(short{0}, true) + f.load(short{0}), -3);
+  EXPECT_EQ(f.clear() + f.append64BitChecksum(true), 2);
+}
+
+TEST(VirtualFile, LeavesTheCallersMemoryToTheCaller) {
+  char bytes[] = {'a', 'b', 'c'};
+  VirtualFile grown(bytes, 3, true, 4), cleared(bytes, 3, true, 4);
+  EXPECT_EQ(grown.write(grown.buffer(), 2), 1);
+  EXPECT_EQ(contentOf(grown), "abcab");
+  EXPECT_EQ(static_cast<int>(cleared.seekp(1)) + cleared.put("X") + cleared.clear(), 3);
+  EXPECT_EQ(std::string(bytes, 3), "aXc");
+}
+
+TEST(VirtualFile, BinaryFieldsAreTheseBytes) {
+  for (const bool swap : {kSwapToFileOrder, !kSwapToFileOrder}) {
+    const std::uint16_t two = 0x0102;
+    const std::uint32_t four = 0x03040506;
+    const std::uint64_t eight = 0x0708090A0B0C0D0E;
+    std::uint64_t back = 0;
+    Filled f("");
+    EXPECT_EQ(f.write8(&eight, swap) + f.write4(&four, swap) + f.write2(&two, swap), 3);
+    EXPECT_EQ(contentOf(f), swap == kSwapToFileOrder ? "\7\10\11\12\13\14\15\16\3\4\5\6\1\2"
+                                                     : "\16\15\14\13\12\11\10\7\6\5\4\3\2\1");
+    EXPECT_EQ(f.read8(&back, swap), 1);
+    EXPECT_EQ(back, eight);
+  }
+  Filled f("");
+  EXPECT_EQ(f.writeStringAndPad("abc", 3) + f.writeStringAndPad(nullptr, 4), 2);
+  EXPECT_EQ(f.writeStringAndPad("abc", 4) + f.writeStringAndPad("de", 5), 2);
+  EXPECT_EQ(contentOf(f), "ab\0\0\0\0\0abc\0de\0\0\0"s);
+}
+
+TEST(VirtualFile, PutsNumbersAsText) {
+  Filled f(""), longest("");
+  f << 3.75f << "|" << -0.5f << "|" << -FLT_MAX << "|" << 3.75 << "|" << 'A' << "|"
+    << static_cast<char>(0x80) << "|" << -1 << short{2} << 3l << static_cast<const char*>(nullptr);
+  EXPECT_EQ(contentOf(f), "3|-0|-340282346638528859811704183484516925440|3.750000000|65|-128|-123");
+  longest.put(-DBL_MAX);
+  EXPECT_EQ(longest.size(), 1u + 309 + 1 + 9);
+}
+
+// The value, and where the parse stopped. The text's memory ends with its last byte.
+template <typename T>
+std::string parsed(const std::string& text) {
+  std::vector<char> bytes(text.begin(), text.end());
+  VirtualFile f(bytes.data(), bytes.size(), true, 1), value(64);
+  T v = 1;
+  value << f.get(v).tellg() << " bytes: " << v;
+  return contentOf(value);
+}
+
+TEST(VirtualFile, ParsesNumbersAsWith32Bits) {
+  for (const char* none : {"", " ", "x", " -", "+-1"})
+    EXPECT_EQ(parsed<int>(none), "0 bytes: 0");
+  EXPECT_EQ(parsed<int>(" \t\v+012x"), "7 bytes: 12");
+  EXPECT_EQ(parsed<long>("2147483648"), "10 bytes: 2147483647");
+  EXPECT_EQ(parsed<long>("-99999999999999999999"), "21 bytes: -2147483648");
+  EXPECT_EQ(parsed<char>("200,"), "3 bytes: -56");
+  EXPECT_EQ(parsed<unsigned char>("-1"), "2 bytes: 255");
+  EXPECT_EQ(parsed<unsigned short>("-4294967297"), "11 bytes: 65535");
+  EXPECT_EQ(parsed<double>(" -1.5e3e+"), "7 bytes: -1500.000000000");
+  EXPECT_EQ(parsed<float>(" .e5"), "0 bytes: 0");
+}
+
+TEST(VirtualFile, SplitsLinesAndStrings) {
+  Filled f("ab\r\ncd\r\r\n\n\0x\re"s);
+  std::string lines, line;
+  while (f.getLine(line))
+    lines += line + "|";
+  EXPECT_EQ(lines, "ab|cd|||\0x|e|"s);
+  char *rest = nullptr, tab = '\t';
+  f.seekg(11);
+  f.get(&rest).putback(tab);
+  EXPECT_STREQ(rest, "x\re");
+  delete[] rest;
+  f.skipspace();
+  EXPECT_TRUE(f.eof());
+  f.seekg(0);
+  f.putback(tab);
+  EXPECT_EQ(contentOf(f), "ab\r\ncd\r\r\n\n\0x\r\t"s);
+}
+
+TEST(VirtualFile, ComparesRangesOfEqualSizesOnly) {
+  const Filled a("abcd"), b("abXd"), longer("abcde");
+  EXPECT_EQ(a.compare(a) + a.compare(b, 0, 2) + a.compare(b, 3, 1) + a.compare(b, 4, 0), 0);
+  EXPECT_EQ(a.compare(b, 1, 2) + a.compare(b, 3, 2) + a.compare(longer, 0, 2), 3);
+}
+
+// Through a fork, a FILE* or a standard stream, empty at first.
+template <typename Target>
+void expectRoundTrip(Target&& target, const std::string& content) {
+  Filled f(content), loaded("to be replaced");
+  for (const bool fromStart : {true, false, true})
+    EXPECT_EQ(f.dump(target, fromStart), 0);
+  EXPECT_EQ(loaded.load(target), static_cast<long>(2 * content.size()));
+  EXPECT_TRUE(contentOf(loaded) == content + content) << content.size();
+  EXPECT_TRUE(loaded.tellg() == 0 && loaded.wptr() == loaded.buffer() + 2 * content.size());
+}
+
+TEST(VirtualFile, DumpsAndLoadsWholeFiles) {
+  for (const std::size_t size : {0u, 1u, 217u, 512u, 1025u, 200001u}) {
+    std::string content(size, '\0');
+    for (std::size_t i = 0; i < size; ++i)
+      content[i] = static_cast<char>(i * 7 + i / 1024);
+    std::FILE* const stream = std::tmpfile();
+    expectRoundTrip(stream, content);
+    std::fclose(stream);
+    expectRoundTrip(std::stringstream(), content);
+    expectRoundTrip(ForkFile("").fork, content);
+  }
+  Filled f("abc");
+  EXPECT_EQ(f.dump(short{0}, true), rfNumErr);
+  const ForkFile file(std::string(5000, 'x'));
+  EXPECT_EQ(f.load(file.fork, 1024), 1024);
+  EXPECT_EQ(f.load(file.fork, 1025), 2048);
+}
+
+}  // namespace
+}  // namespace cairnset

@@ -1,0 +1,42 @@
+#include "tool/BulkMaintenance.h"
+
+#include <iostream>
+
+#include "host/Process.h"
+#include "presets/PresetManager.h"
+#include "tool/LeafIteration.h"
+#include "tool/Session.h"
+#include "tool/WriteFailures.h"
+
+namespace cairnset {
+
+void sortIntoSubdirectories() {
+  const OutlivesReader outlives;
+  if (_pm != nullptr) _pm->sortAllForBrowser();
+  (void)instantiate();  // where this fails there is no library left to report on
+  std::cout << "Sorting presets has finished.\n";
+}
+
+void setROM(PresetList* list, bool rom) {
+  forEachPreset(list, [rom](Preset& preset) {
+    if (preset.isROM() == rom) return;
+    preset.setROM(rom);
+    (void)writeAndReport(preset);
+  });
+}
+
+void makeAllROM() {
+  const OutlivesReader outlives;
+  for (PresetList* list : {_v, _e, _p, _s})
+    setROM(list, true);
+  std::cout << "Setting all presets to ROM has finished.\n";
+}
+
+void makeAllRAM() {
+  const OutlivesReader outlives;
+  for (PresetList* list : {_v, _e, _p, _s})
+    setROM(list, false);
+  std::cout << "Setting all presets to RAM has finished.\n";
+}
+
+}  // namespace cairnset

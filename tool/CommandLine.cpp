@@ -1,0 +1,116 @@
+#include "tool/CommandLine.h"
+
+#include <cstring>
+#include <iostream>
+
+#include "host/Process.h"
+#include "tool/BulkMaintenance.h"
+#include "tool/FilenameRepair.h"
+#include "tool/Reports.h"
+#include "tool/Session.h"
+
+namespace cairnset {
+
+namespace {
+
+struct Option {
+  char letter;
+  CommandFlag flag;
+};
+
+constexpr Option kOptions[] = {
+    {'p', kListPresets},  {'d', kListDependencies}, {'r', kListParents}, {'s', kSort},
+    {'z', kFixFilenames}, {'y', kCheckFilenames},   {'h', kShowUsage},   {'e', kExplicitPath},
+};
+
+// False where the path does not fit; nothing is ever cut, since a cut path can be another folder.
+bool takePath(const char* path) {
+  const std::size_t length = std::strlen(path);
+  if (length >= kPathStringSize) {
+    std::cerr << "Cairnset: the -e path is too long (" << length << " bytes, at most "
+              << kPathStringSize - 1 << "): [" << path << "]\n";
+    return false;
+  }
+  std::memcpy(path_string, path, length + 1);
+  std::cout << "Cairnset explicit path set to: [" << path_string << "]\n";
+  return true;
+}
+
+// Unknown options are ignored; getopt has complained of them.
+bool readOptions(int argc, char** argv, unsigned& flags) {
+  restartOptions();
+  for (int letter = 0; (letter = nextOption(argc, argv, "e:pdrszhy")) != -1;) {
+    for (const Option& option : kOptions) {
+      if (letter == option.letter) flags |= option.flag;
+    }
+    if (letter == 'e' && !takePath(optionArgument())) return false;
+  }
+  return true;
+}
+
+int runCommands(unsigned flags) {
+  if (flags == 0 || (flags & kShowUsage) != 0) printUsage();
+  if ((flags & kSort) != 0) sortIntoSubdirectories();
+  if ((flags & kCheckFilenames) != 0) {
+    if (const int status = checkFilenames(); status != kSuccess) return status;
+  }
+  if ((flags & kFixFilenames) != 0) {
+    if (const int status = fixFilenames(); status != kSuccess) return status;
+  }
+  if ((flags & kListPresets) != 0) listPresets();
+  if ((flags & kListDependencies) != 0) {
+    if (const int status = listAllDependencies(); status != kSuccess) return status;
+  }
+  if ((flags & kListParents) != 0) listParents();
+  return kSuccess;
+}
+
+int runSession(int argc, char** argv) {
+  unsigned flags = 0;
+  path_string[0] = '\0';
+  printVersionAndCopyright();
+  if (!readOptions(argc, argv, flags)) return kPathNotResolved;
+  std::cout.flush();  // loading can take a while
+  int status = instantiate();
+  if (status == kSuccess) status = runCommands(flags);
+  deinstantiate();
+  return status;
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+  const int status = runSession(argc, argv);
+  std::cout.flush();
+  if (!std::cout) {
+    std::cerr << "Cairnset: the report could not be written\n";
+    return status == kSuccess ? kReportNotWritten : status;
+  }
+  return status;
+}
+
+void printVersionAndCopyright() {
+  // The build's date is part of the name, so to speak: the same on every machine.
+  std::cout << "\n"
+               "Cairnset v1.71.00  Jul 11 2008 09:28:09\n"
+               "Copyright (c) 2008-2026 the Cairnset authors\n";
+}
+
+void printUsage() {
+  std::cout
+      << "\n"
+         "Cairnset is a command-line utility for managing Quenholt Olvan presets.\n"
+         "\n"
+         "Cairnset options:\n"
+         "\t -e \t Specify an explicit Olvan Items folder to search in\n"
+         "\t -p \t List presets hierarchically\n"
+         "\t -d \t Print and check dependencies\n"
+         "\t -r \t List parents\n"
+         "\t -s \t Auto-sort presets into subdirectories\n"
+         "\t -y \t Check file names for Windows incompatibility\n"
+         "\t -z \t Fix any file names that are Windows-incompatible and relink their parents\n"
+         "\t -h \t Help (you're reading it)\n"
+         "\n";
+}
+
+}  // namespace cairnset

@@ -1,0 +1,20 @@
+// Names that Windows rejects: finding them, and renaming without breaking references.
+#pragma once
+
+namespace cairnset {
+
+/// Null where the name is acceptable, else the corrected name, which stays valid until the next
+/// call. Of a name longer than 255 bytes the first 255 count.
+const char* isIllegalFilename(const char* name);
+
+/// Prints a line for each preset of the session, saying whether Windows would take its name.
+/// Answers kIncompatibleNames where it would not take one, else kSuccess.
+int checkFilenames();
+
+/// Renames each preset whose name Windows rejects, and rewrites those that named it. Answers
+/// kReferencesNotWritten where one of these could not be written (told on standard error; the rest
+/// goes on), else kSuccess. Signals are held back while one preset is handled with all
+/// that named it.
+int fixFilenames();
+
+}  // namespace cairnset
