@@ -49,7 +49,11 @@ void appendSyllable(char32_t index, std::u32string& out) {
 }
 
 void appendDecomposed(char32_t character, std::u32string& out) {
-  constexpr char32_t kFirstSyllable = 0xAC00, kLastSyllable = 0xD7A3;
+  constexpr char32_t kFirstDecomposed = 0xC0, kFirstSyllable = 0xAC00, kLastSyllable = 0xD7A3;
+  if (character < kFirstDecomposed) {
+    out += character;
+    return;
+  }
   if (character >= kFirstSyllable && character <= kLastSyllable) {
     appendSyllable(character - kFirstSyllable, out);
     return;

@@ -24,25 +24,6 @@ constexpr double powerOfTwo(double x) {
   return scale * sum;
 }
 
-/// The cosine of an angle from 0 to pi, to within 1e-15.
-constexpr double cosine(double angle) {
-  double term = 1.0;
-  double sum = 1.0;
-  for (int k = 1; k <= 32; k += 2) {
-    term *= -angle * angle / (k * (k + 1));
-    sum += term;
-  }
-  return sum;
-}
-
-/// The square root of a number from 0 to 16; that of 0 comes out as 1e-19.
-constexpr double squareRoot(double square) {
-  double root = 4.0;
-  for (int k = 0; k < 65; ++k)
-    root = (root + square / root) / 2.0;
-  return root;
-}
-
 /// The nearest whole number.
 constexpr std::int64_t nearestWhole(double x) {
   return static_cast<std::int64_t>(x < 0.0 ? x - 0.5 : x + 0.5);

@@ -48,10 +48,9 @@ constexpr double frequencyOfNote(double note) {
   return 440.0 * powerOfTwo((note - 57.0) / 12.0);
 }
 
-constexpr float lowpassCoefficient(double fractionOfSamplingRate) {
-  const double fraction = fractionOfSamplingRate > 0.5 ? 0.5 : fractionOfSamplingRate;
-  const double b = 2.0 - cosine(2.0 * std::numbers::pi * fraction);
-  return roundedTo(b - squareRoot(b * b - 1.0), 1e6);
+constexpr double lowpassCoefficient(double fractionOfSamplingRate) {
+  const double exponent = -2.0 * std::numbers::pi * fractionOfSamplingRate;
+  return powerOfTwo(exponent / std::numbers::ln2);
 }
 
 /// The entry of a note; negative ones, which are 128 and up where char has no sign, are the first.

@@ -25,13 +25,11 @@ extern const std::array<float, 128> midi_freq;
 /// (n / 127)^2.
 extern const std::array<float, 128> midi_volume_table;
 
-/// Feedback coefficient of a one-pole low-pass filter, y = x + (y' - x) * coefficient, whose
-/// half-power point is at i/2000 of the sampling rate: with b = 2 - cos(2 pi i/2000) it is
-/// b - sqrt(b^2 - 1), rounded to six decimals. Falls from 1.0.
+/// Feedback coefficient of a one-pole low-pass filter with its corner at i/2000 of the sampling
+/// rate, exp(-2 pi i/2000). Falls from 1.0.
 extern const std::array<float, 1000> lp1p_coef;
 
-/// The same for the frequencies of midi_freq at 48,000 Hz. The last of them lies above half the
-/// sampling rate and counts as being there. Falls from 0.997862.
+/// The same for the frequencies of midi_freq at 48,000 Hz. Falls from 0.997862.
 extern const std::array<float, 128> midi_1plp_coef_at_48000_table;
 
 /// Pitch ratio of -128 to 128 semitones, 2^((k - 128) / 12), and its centre entry.

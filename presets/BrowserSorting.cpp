@@ -48,6 +48,8 @@ const char* programFolderFor(std::int32_t keyset) {
       "Synth",         "Concerto",        "Nordic D",       "Salon 7ft", "Alpine 10ft",
       "Urban Upright", "Antique Upright", "Saloon Upright", "Pin Piano",
   };
+  // A keyset that nobody knows has instrument 0 too, but is not a synth.
+  if (findKeysetNameWithID(keyset) == nullptr) return kFactory;
   const unsigned long instrument = findInstrumentIDWithKeysetID(keyset);
   return instrument < sizeof kFolders / sizeof *kFolders ? kFolders[instrument] : kFactory;
 }

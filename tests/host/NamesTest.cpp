@@ -1,182 +1,160 @@
 #include <random>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
 #include "host/MacRoman.h"
+#include "host/NameConversions.h"
 #include "host/Names.h"
 #include "host/ResultCodes.h"
 
 namespace cairnset {
-namespace {
 
-using namespace std::string_literals;
-
-std::string sortKey(std::string_view name) {
+static std::string sortKey(std::string_view name) {
   std::string key = "before";
   appendSortKey(name, key);
-  EXPECT_EQ(key.substr(0, 6), "before");
-  return key.substr(6);
+  return key.starts_with("before") ? key.substr(6) : "not appended";
 }
 
-TEST(NamesTest, HeldNames) {
-  const struct {
-    std::string volume, held;
-  } cases[] = {
-      {"", ""},
-      {"Mix: a/b?\x01.txt ", "Mix/ a:b?\x01.txt "},
-      {"caf\u00E9", "caf\x8E"},
-      {"cafe\u0301", "caf\x8E"},
-      {"A\u030A\u00C5", "\x81\x81"},
-      {"\u03A9\u20AC\uF8FF\u2260=\u0338", "\xBD\xDB\xF0\xAD\xAD"},
-      {"\u4E2D\U0001F3B9x", "__x"},
-      {"b\u0301c", "_c"},                       // does not compose
-      {"e\u0301\u0323x \u1EB9\u0301", "_x _"},  // one cluster each
-      {"\u0301\u0302a", "_a"},                  // marks with nothing to stand on
-      {"?\u0301*\u0301\u0302:\u0301", "?_*_/_"},
-      {"\x01\u0301", "\x01_"},
-      {"\xFF\xC3(\xE2\x82", "__(__"},
-      {"\xFF\u0301", "__"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(heldNameFromVolumeName(c.volume), c.held) << c.volume;
-    EXPECT_EQ(heldNameFromUnicode(unicodeFromVolumeName(c.volume)), c.held) << c.volume;
-  }
+static std::string volumeName(std::u16string_view name) {
+  std::string out = "left over";
+  return volumeNameFromUnicode(name, out) == bdNamErr ? "bdNamErr" + out : out;
 }
 
-TEST(NamesTest, UnicodeNames) {
-  const struct {
-    std::string volume;
-    std::u16string unicode;
-  } cases[] = {
-      {"a:b", u"a/b"},
-      {"\xC3\xA9 e\xCC\x81", u"\u00E9 e\u0301"},
-      {"\xF0\x9F\x8E\xB9\xF4\x8F\xBF\xBF", u"\xD83C\xDFB9\xDBFF\xDFFF"},
-      {"\x80", u"\xDC80"},                                // a trailing byte alone
-      {"\xC0\xAF", u"\xDCC0\xDCAF"},                      // overlong, of 2 ...
-      {"\xE0\x9F\xBF", u"\xDCE0\xDC9F\xDCBF"},            // ... 3 ...
-      {"\xF0\x8F\xBF\xBF", u"\xDCF0\xDC8F\xDCBF\xDCBF"},  // ... and 4 bytes
-      {"\xED\xA0\x80\xED\xBF\xBF", u"\xDCED\xDCA0\xDC80\xDCED\xDCBF\xDCBF"},  // surrogates
-      {"\xED\x9F\xBF\xEE\x80\x80", u"\uD7FF\uE000"},                          // their neighbours
-      {"\xF4\x90\x80\x80", u"\xDCF4\xDC90\xDC80\xDC80"},                      // beyond U+10FFFF
-      {"\xF8\x88\x80\x80\x80", u"\xDCF8\xDC88\xDC80\xDC80\xDC80"},            // 5 bytes
-      {"\xE2\x82z", u"\xDCE2\xDC82z"},                                        // cut short
-      {"\xE2\x82\xC3\xA9", u"\xDCE2\xDC82\u00E9"},  // resumes at the next lead
-      {"\xF0\x9F\x8E", u"\xDCF0\xDC9F\xDC8E"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(unicodeFromVolumeName(c.volume), c.unicode) << c.volume;
-    std::string back;
-    EXPECT_EQ(volumeNameFromUnicode(c.unicode, back), noErr) << c.volume;
-    EXPECT_EQ(back, c.volume);
+TEST(NamesTest, ThreeForms) {
+  const std::tuple<std::string, std::u16string, std::string> cases[] = {
+      {"Mix: a?\x01. ", u"Mix/ a?\x01. ", "Mix/ a?\x01. "},
+      {"\u00E9e\u0301A\u030A", u"\u00E9e\u0301A\u030A", "\x8E\x8E\x81"},
+      {"\u03A9\u20AC\u2260=\u0338", u"\u03A9\u20AC\u2260=\u0338", "\xBD\xDB\xAD\xAD"},
+      {"\u4E2D\U0001F3B9\U0010FFFF", u"\u4E2D\xD83C\xDFB9\xDBFF\xDFFF", "___"},
+      {"b\u0301e\u0301\u0323\u1EB9\u0301c", u"b\u0301e\u0301\u0323\u1EB9\u0301c", "___c"},
+      // Marks with nothing to stand on; on punctuation, which stays illegal; on what is no letter.
+      {"\u0301\u0302a", u"\u0301\u0302a", "_a"},
+      {"?\u0301\u0302:\u0301", u"?\u0301\u0302/\u0301", "?_/_"},
+      {"\x01\u0301\xFF\u0301", u"\x01\u0301\xDCFF\u0301", "\x01___"},
+      // Not UTF-8: a trailing byte, overlong forms of 2, 3 and 4 bytes, surrogates (but not their
+      // neighbours), beyond U+10FFFF, 5 bytes, cut short.
+      {"\x80(\xC0\xAF(", u"\xDC80(\xDCC0\xDCAF(", "_(__("},
+      {"\xE0\x9F\xBF(\xF0\x8F\xBF\xBF", u"\xDCE0\xDC9F\xDCBF(\xDCF0\xDC8F\xDCBF\xDCBF", "___(____"},
+      {"\xED\xA0\x80\xED\xBF\xBF", u"\xDCED\xDCA0\xDC80\xDCED\xDCBF\xDCBF", "______"},
+      {"\xED\x9F\xBF\xEE\x80\x80\xF4\x90\x80\x80", u"\uD7FF\uE000\xDCF4\xDC90\xDC80\xDC80",
+       "______"},
+      {"\xF8\x88\x80\x80\x80", u"\xDCF8\xDC88\xDC80\xDC80\xDC80", "_____"},
+      {"\xE2\x82\xC3\xA9(\xF0\x9F\x8E", u"\xDCE2\xDC82\u00E9(\xDCF0\xDC9F\xDC8E", "__\x8E(___"}};
+  for (const auto& [volume, unicode, held] : cases) {
+    EXPECT_EQ(unicodeFromVolumeName(volume), unicode) << volume;
+    EXPECT_EQ(volumeName(unicode), volume);
+    EXPECT_EQ(heldNameFromVolumeName(volume), held) << volume;
   }
+  EXPECT_EQ(unicodeFromVolumeName({"\xE2\x82\xAC", 2}), u"\xDCE2\xDC82");
 }
 
 TEST(NamesTest, RefusesNamesThatNoEntryHas) {
-  const std::u16string refused[] = {
-      u"",
-      u".",
-      u"..",
-      u"a:b",
-      u"a\0b"s,
-      std::u16string(256, u'a'),
-      std::u16string(128, u'\u00E9'),
-      u"\xD800x",
-      u"x\xD83C",
-      u"\xDC41",
-      u"\xDD00",
-      u"\xDFB9\xD83C",
-      u"\xDCC3\xDCA9",
-  };
-  for (const auto& name : refused) {
-    std::string out = "old";
-    EXPECT_EQ(volumeNameFromUnicode(name, out), bdNamErr) << testing::PrintToString(name);
-    EXPECT_EQ(out, "");
-  }
-  std::string out;
-  EXPECT_EQ(volumeNameFromUnicode(std::u16string(127, u'\u00E9') + u"...", out), bdNamErr);
-  EXPECT_EQ(volumeNameFromUnicode(std::u16string(127, u'\u00E9') + u".", out), noErr);
-}
-
-TEST(NamesTest, EveryVolumeNameComesBackFromItsUnicodeName) {
-  const std::string pieces[] = {"a",        ":",        "\xC3",     "\xA9",     "\xE2\x82",
-                                "\xAC",     "\xED\xA0", "\xF0\x9F", "\x8E\xB9", "e\xCC\x81",
-                                "\xF4\x8F", "\xBF",     "\xFE"};
-  std::mt19937 random(20061);
-  for (int round = 0; round < 20000; ++round) {
-    std::string name = "x";
-    for (auto left = random() % 12; left > 0; --left) {
-      const auto byte = static_cast<char>(1 + random() % 255);
-      name +=
-          round % 2 == 0 ? pieces[random() % std::size(pieces)] : std::string(byte != '/', byte);
-    }
-    std::string back;
-    ASSERT_EQ(volumeNameFromUnicode(unicodeFromVolumeName(name), back), noErr) << name;
-    ASSERT_EQ(back, name);
+  const std::u16string e127(127, u'\u00E9');
+  EXPECT_EQ(volumeName(e127 + u".").size(), 255u);
+  EXPECT_EQ(volumeName(e127 + u".."), "bdNamErr");
+  EXPECT_EQ(volumeName({u"a\0b", 3}), "bdNamErr");
+  for (const auto* name :
+       {u"", u".", u"..", u"a:b", u"\xD800x", u"\xDC41", u"\xDD00", u"\xDCC3\xDCA9"}) {
+    EXPECT_EQ(volumeName(name), "bdNamErr") << testing::PrintToString(std::u16string(name));
   }
 }
 
-TEST(NamesTest, EveryHeldNameComesBackFromItsVolumeName) {
+TEST(NamesTest, RandomNamesComeBack) {
+  const std::string pieces[] = {"a",        ":",        "\xC3",     "\xA9",      "\xE2\x82", "\xAC",
+                                "\xED\xA0", "\xF0\x9F", "\x8E\xB9", "e\xCC\x81", "\xF4\x8F"};
   std::mt19937 random(1904);
-  for (int round = 0; round < 2000; ++round) {
-    std::string held = "x", volume;
+  for (int round = 0; round < 20000; ++round) {
+    std::string volume = "x", held = "x";
     std::u16string unicode = u"x";
-    for (int i = 0; i < 40; ++i) {
+    for (auto left = random() % 20; left > 0; --left) {
       const auto byte = static_cast<unsigned char>(1 + random() % 255);
+      const std::string one(byte != '/', static_cast<char>(byte));
+      volume += round % 2 == 0 ? pieces[random() % std::size(pieces)] : one;
       if (byte == ':') continue;
       held += static_cast<char>(byte);
       unicode += unicodeFromMacRoman(byte);
     }
-    ASSERT_EQ(volumeNameFromUnicode(unicode, volume), noErr);
-    ASSERT_EQ(heldNameFromVolumeName(volume), held) << volume;
+    ASSERT_EQ(volumeName(unicodeFromVolumeName(volume)), volume);
+    ASSERT_EQ(heldNameFromVolumeName(volumeName(unicode)), held);
   }
 }
 
 TEST(NamesTest, ComposedAndDecomposedCopiesAreOneName) {
-  const struct {
-    std::string composed, decomposed;
-  } cases[] = {
-      {"\u00E9", "e\u0301"},
-      {"\u1EBF", "e\u0302\u0301"},        // over two steps
-      {"\u00E4\u0327", "a\u0327\u0308"},  // the cedilla comes first
-      {"\u0344x", "\u0308\u0301x"},
-      {"\uD55C\uAC00", "\u1112\u1161\u11AB\u1100\u1161"},
-      {"\uD7A3", "\u1112\u1175\u11C2"},
-      {"\u304C", "\u304B\u3099"},
-      {"\u09CB", "\u09C7\u09BE"},
-      {"\uFB2C", "\u05E9\u05BC\u05C1"},
-      {"\U0001D160", "\U0001D158\U0001D165\U0001D16E"},
-      {"\u037E", ";"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(heldNameFromVolumeName(c.composed), heldNameFromVolumeName(c.decomposed))
-        << c.composed;
-    EXPECT_EQ(sortKey(c.composed), sortKey(c.decomposed)) << c.composed;
+  // Also over two steps, with marks that change places, Hangul, kana, a vowel in two parts, a
+  // character of one other.
+  constexpr const char* cases[][2] = {{"\u00E9", "e\u0301"},
+                                      {"\u1EBF", "e\u0302\u0301"},
+                                      {"\u00E4\u0327", "a\u0327\u0308"},
+                                      {"\uD55C\uAC00", "\u1112\u1161\u11AB\u1100\u1161"},
+                                      {"\uD7A3", "\u1112\u1175\u11C2"},
+                                      {"\u304C", "\u304B\u3099"},
+                                      {"\u09CB", "\u09C7\u09BE"},
+                                      {"\U0001D160", "\U0001D158\U0001D165\U0001D16E"},
+                                      {"\u037E", ";"}};
+  for (const auto& [composed, other] : cases) {
+    EXPECT_EQ(heldNameFromVolumeName(composed), heldNameFromVolumeName(other)) << composed;
+    EXPECT_EQ(sortKey(composed), sortKey(other)) << composed;
   }
-  EXPECT_EQ(heldNameFromVolumeName("\uD55C\u304C"), "__");
-  // The instrument's host leaves these as they are.
-  EXPECT_NE(sortKey("\u2260"), sortKey("=\u0338"));
+  EXPECT_NE(sortKey("\u2260"), sortKey("=\u0338"));  // left alone by the instrument's host
   EXPECT_NE(sortKey("\uF900"), sortKey("\u8C48"));
-  EXPECT_NE(sortKey("\U0002F800"), sortKey("\u4E3D"));
 }
 
 TEST(NamesTest, OrderOfAFolder) {
-  const std::vector<std::string> ordered = {
-      "",           " b",         "-",    ":",      "9",      ";",         "_",
-      "Alpha",      "alphab",     "Beta", "cafe",   "cafeb",  "caf\u00C9", "cafe\u0301s",
-      "caff",       "Z",          "~",    "\u00C6", "\u0141", "\u03A9a",   "\u03C9b",
-      "\U00010400", "\U00010401", "\xFF", "\uFF21",
-  };
-  for (std::size_t i = 1; i < ordered.size(); ++i) {
+  const std::string ordered[] = {"",        " b",         "-",          ":",           "9",
+                                 ";",       "_",          "Alpha",      "alphab",      "Beta",
+                                 "cafe",    "cafeb",      "caf\u00C9",  "cafe\u0301s", "caff",
+                                 "Z",       "~",          "\u00C6",     "\u0141",      "\u03A9a",
+                                 "\u03C9b", "\U00010400", "\U00010401", "\xFF",        "\uFF21"};
+  for (std::size_t i = 1; i < std::size(ordered); ++i) {
     EXPECT_LT(sortKey(ordered[i - 1]), sortKey(ordered[i])) << ordered[i - 1] << " " << ordered[i];
   }
-  EXPECT_EQ(sortKey("\u00C4:\U00010400"), "a\xCC\x88/\xED\xA0\x81\xED\xB0\xA8");
-  for (char c = 1; c > 0 && c < 127; ++c) {  // a name of ASCII alone is ordered like any other
-    const std::string ascii(c != '/', c);
-    EXPECT_EQ(sortKey(ascii + "\u00E9"), sortKey(ascii) + sortKey("\u00E9")) << ascii;
+  EXPECT_EQ(sortKey("\u1EA4:\U00010400"), "a\xCC\x82\xCC\x81/\xED\xA0\x81\xED\xB0\xA8");
+  for (char c = '0'; c <= '~'; ++c) {  // names of ASCII alone are ordered like any other
+    EXPECT_EQ(sortKey(c + std::string("\u00E9")), sortKey({&c, 1}) + sortKey("\u00E9")) << c;
   }
 }
 
-}  // namespace
+TEST(MacRomanTest, BytesCharactersAndUpperCase) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const auto b = static_cast<unsigned char>(byte);
+    const char32_t c = unicodeFromMacRoman(b);
+    EXPECT_EQ(macRomanFromUnicode(c), b) << byte;
+    // As Latin-1 has its letters, and the two that it lacks.
+    const bool isLower = (c >= 'a' && c <= 'z') || (c >= 0xE0 && c <= 0xFE && c != 0xF7);
+    const char32_t upper = isLower ? c - 0x20 : c == 0x153 ? 0x152 : c == 0xFF ? 0x178 : c;
+    EXPECT_EQ(macRomanToUpper(b), macRomanFromUnicode(upper)) << byte;
+  }
+  EXPECT_EQ(utf8FromMacRoman("/\x80\x8F\x90\x9F\xA0\xAF\xB0\xBD\xC0\xCA\xD0\xDB\xE0\xEF\xF0\xFF"),
+            "/\u00C4\u00E8\u00EA\u00FC\u2020\u00D8\u221E\u03A9\u00BF\u00A0\u2013\u20AC\u2021\u00D4"
+            "\uF8FF\u02C7");
+  EXPECT_FALSE(macRomanFromUnicode(0xA4) || macRomanFromUnicode(0x100C4));
+}
+
+TEST(NameConversionsTest, BothWays) {
+  HFSUniStr255 name;
+  for (const std::string& text :
+       {std::string(), std::string("Warm/\x8E:"), std::string(255, '\x8E')}) {
+    const std::string pascal = static_cast<char>(text.size()) + text;
+    char back[256] = "old";
+    EXPECT_EQ(ConvertCStringToHFSUniStr(text.c_str(), &name), text.empty() ? 4 : 0);
+    EXPECT_EQ(ConvertHFSUniStrToCString(&name, back, sizeof back), 0);
+    EXPECT_EQ(back, text.substr(0, 254));
+    name.length = 9;
+    ConvertPStringToHFSUniStr(reinterpret_cast<const unsigned char*>(pascal.data()), &name);
+    EXPECT_EQ(heldNameFromUnicode({name.unicode, name.length}), text.substr(0, 254));
+  }
+  EXPECT_EQ(ConvertCStringToHFSUniStr(nullptr, &name), 5);
+  const std::u16string wide(300, u'\u4E2D');
+  EXPECT_EQ(ConvertCFStringRefToHFSUniStr(nullptr, &name), 4);
+  EXPECT_EQ(ConvertCFStringRefToHFSUniStr(&wide, &name), 0);
+  EXPECT_EQ(std::u16string(name.unicode, name.length), wide.substr(0, 255));
+  char text[4] = "old";
+  EXPECT_EQ(ConvertHFSUniStrToCString(&name, text, 3), 0);
+  EXPECT_STREQ(text, "__");
+  EXPECT_EQ(ConvertHFSUniStrToCString(nullptr, text, 3), -1);
+  EXPECT_STREQ(text, "");
+}
+
 }  // namespace cairnset

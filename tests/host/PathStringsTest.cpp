@@ -1,158 +1,132 @@
 #include <cstring>
+#include <memory>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
 #include "host/PathStrings.h"
 #include "host/SystemVersion.h"
+#include "host/Tokenizer.h"
 
 namespace cairnset {
-namespace {
 
-class PathStringsTest : public testing::Test {
- protected:
+struct PathStringsTest : testing::Test {
   ~PathStringsTest() override { gestaltAnswers() = {}; }
 };
 
-using SystemVersionTest = PathStringsTest;
-
 TEST_F(PathStringsTest, PartsOfAPath) {
-  const struct {
-    const char *path, *file, *folder, *olderFolder;
-  } cases[] = {
-      {"Presets/Programs/Warm", "Warm", "Presets/Programs/", "Presets/Programs"},
-      {"Warm", "Warm", "", ""},
-      {"/Users/a/b", "b", "/Users/a/", "/Users/a"},
-      {"/b", "b", "", ""},
-      {"a/b:c", "c", "a/b:", "a/b"},
-      {"a:b\\c", "c", "a:b\\", "a:b"},
-      {"a/b/", "", "a/b/", "a/b"},
-      {"", "", "", ""},
-  };
-  for (const auto& c : cases) {
-    char out[64] = "?";
-    extractFilename(c.path, out);
-    EXPECT_STREQ(out, c.file) << c.path;
-    gestaltAnswers().systemVersion = 0x1000;
-    extractPath(c.path, out);
-    EXPECT_STREQ(out, c.folder) << c.path;
-    gestaltAnswers().systemVersion = 0x0922;
-    extractPath(c.path, out);
-    EXPECT_STREQ(out, c.olderFolder) << c.path;
+  // The last two columns: the folder, and whether the path is absolute, on an older system.
+  const std::tuple<const char*, const char*, const char*, bool, const char*, bool> cases[] = {
+      {"Presets/Programs/Warm", "Warm", "Presets/Programs/", false, "Presets/Programs", true},
+      {"Warm", "Warm", "", false, "", true},
+      {"/Users/a/b", "b", "/Users/a/", true, "/Users/a", true},
+      {"/b", "b", "", true, "", true},
+      {":a/b:c", "c", ":a/b:", false, ":a/b", false},
+      {"a:b\\c", "c", "a:b\\", false, "a:b", true},
+      {"", "", "", false, "", true}};
+  for (const auto& [path, file, folder, absolute, olderFolder, olderAbsolute] : cases) {
+    char part[64];
+    extractFilename(path, part);
+    EXPECT_STREQ(part, file) << path;
+    for (const bool isOlder : {false, true}) {
+      gestaltAnswers().systemVersion = isOlder ? 0x0FFF : 0x1000;
+      extractPath(path, part);
+      EXPECT_STREQ(part, isOlder ? olderFolder : folder) << path;
+      EXPECT_EQ(isAbsolutePath(path), isOlder ? olderAbsolute : absolute) << path;
+      EXPECT_EQ(isRelativePath(path), !(isOlder ? olderAbsolute : absolute)) << path;
+    }
   }
-  char out[] = "same", path[] = "a\\b/c\\d:e";
-  extractFilename(static_cast<const char*>(nullptr), out);
-  extractPath(nullptr, out);
-  EXPECT_STREQ(out, "same");
-  extractFilename("x", static_cast<char*>(nullptr));
-  extractPath("x", nullptr);
+  EXPECT_FALSE(isAbsolutePath(nullptr) || isRelativePath(nullptr));
+  char path[] = "a\\b/c\\d:e";
   EXPECT_EQ(findFileFromPath(path), path + 6);
 }
 
-TEST_F(PathStringsTest, AbsoluteAndRelative) {
-  const struct {
-    const char* path;
-    bool absolute, olderAbsolute;
-  } cases[] = {{"/a", true, true}, {"a", false, true}, {":a", false, false}, {"", false, true}};
-  for (const auto& c : cases) {
-    gestaltAnswers() = {};
-    EXPECT_EQ(isAbsolutePath(c.path), c.absolute) << c.path;
-    EXPECT_EQ(isRelativePath(c.path), !c.absolute) << c.path;
-    gestaltAnswers().systemVersion.reset();
-    EXPECT_EQ(isAbsolutePath(c.path), c.olderAbsolute) << c.path;
-    EXPECT_EQ(isRelativePath(c.path), !c.olderAbsolute) << c.path;
-  }
-  EXPECT_FALSE(isAbsolutePath(nullptr));
-  EXPECT_FALSE(isRelativePath(nullptr));
-}
-
 TEST_F(PathStringsTest, ChangedInPlace) {
-  const auto uniform = [](char* path) { makePathUniform(path); };
-  const auto native = [](char* path) { convertToNativePathFormat(path); };
-  const auto olderNative = [](char* path) {
-    gestaltAnswers().systemVersion = 0x0922;
-    convertToNativePathFormat(path);
+  // u: made uniform; n: made native; o: the same on an older system. "Rooted" begins with the
+  // default volume's name.
+  const std::tuple<char, const char*, const char*> cases[] = {
+      {'u', "/a/b//", "/a/b"},
+      {'u', "/", ""},
+      {'n', "Data:Presets", "/Volumes/Data/Presets"},
+      {'n', ":Presets:Programs", "Presets/Programs"},
+      {'n', "::a", "/Volumes/a"},
+      {'n', "Volumes:X", "/Volumes/X"},
+      {'n', "Rooted:a", "/Rooted/a"},
+      {'o', "/Data/Presets", "Data:Presets"},
+      {'o', "//a:b", ":a:b"}};
+  for (const auto& [change, path, result] : cases) {
+    const auto buffer = std::make_unique<char[]>(std::strlen(path) + 9 + 1);
+    std::strcpy(buffer.get(), path);
     gestaltAnswers() = {};
-  };
-  const struct {
-    void (*change)(char*);
-    const char *path, *result;
-  } cases[] = {
-      {uniform, "/a/b//", "/a/b"},
-      {uniform, "/", ""},
-      {uniform, "", ""},
-      {uniform, "a:", "a:"},
-      {native, "Data:Presets", "/Volumes/Data/Presets"},
-      {native, ":Presets:Programs", "Presets/Programs"},
-      {native, "::a", "/Volumes/a"},
-      {native, "Volumes:X", "/Volumes/X"},
-      {native, "Volumes", "/Volumes/Volumes"},
-      {native, "Root:a", "/Root/a"},
-      {native, "Rooted:a", "/Rooted/a"},  // begins with the default volume's name
-      {native, ":Root", "Root"},
-      {native, "", "/Volumes/"},
-      {olderNative, "/Data/Presets", "Data:Presets"},
-      {olderNative, "//a", ":a"},
-      {olderNative, "a/b:c", "a:b:c"},
-  };
-  for (const auto& c : cases) {
-    const std::size_t room = std::strlen(c.path) + 9 + 1;
-    std::string buffer(room, '\0');
-    buffer.replace(0, std::strlen(c.path), c.path);
-    buffer.resize(room, '\0');
-    c.change(buffer.data());
-    EXPECT_STREQ(buffer.c_str(), c.result) << c.path;
+    if (change == 'o') gestaltAnswers().systemVersion.reset();
+    change == 'u' ? makePathUniform(buffer.get()) : convertToNativePathFormat(buffer.get());
+    EXPECT_STREQ(buffer.get(), result) << path;
   }
-  makePathUniform(nullptr);
 }
 
 TEST_F(PathStringsTest, NamesInAnFSSpec) {
-  unsigned char name[256] = "\x04Warm";
+  unsigned char name[65] = "\x04Warm";
   FSSpec spec;
-  std::memset(spec.name, 'x', sizeof spec.name);
   setFilename(&spec, name);
+  std::memset(name, 200, sizeof name);
+  extractFilename(&spec, name);
+  EXPECT_EQ(std::string(name, name + 65), "\x04Warm" + std::string(59, '\0') + "\xC8");
+  std::memset(spec.name, 200, sizeof spec.name);
   char text[64];
   extractCFilename(&spec, text);
-  EXPECT_STREQ(text, "Warm");
-  std::memset(name, 0xFF, sizeof name);
-  extractFilename(&spec, name);
-  EXPECT_EQ(std::memcmp(name, spec.name, 64), 0);
-  EXPECT_EQ(name[64], 0xFF);
-  std::memset(name, 200, sizeof name);
-  setFilename(&spec, name);
-  EXPECT_EQ(spec.name[0], 63);
-  std::memset(spec.name, 200, sizeof spec.name);
-  extractCFilename(&spec, text);
-  EXPECT_EQ(std::string(text), std::string(63, '\xC8'));
+  EXPECT_EQ(text, std::string(63, '\xC8'));
 }
 
-TEST_F(SystemVersionTest, Questions) {
-  long answer = 7;
-  EXPECT_EQ(Gestalt(0x73797376, &answer), 0);
-  EXPECT_EQ(answer, 0x1040);
-  EXPECT_EQ(Gestalt(0x73797332, &answer), 0);
-  EXPECT_EQ(answer, 4);
-  EXPECT_EQ(Gestalt(0x73797331, &answer), -50);
-  EXPECT_EQ(answer, 4);
-  const struct {
-    std::optional<long> version, minor;
-    bool isX, isTiger;
-    const char* name;
-  } cases[] = {{0x1040, 4, true, true, "Tiger"},   {0x1050, 5, true, true, nullptr},
-               {0x1039, 3, true, false, "Tiger"},  {0x1000, 0, true, false, "Tiger"},
-               {0x0FFF, 9, false, false, nullptr}, {{}, {}, false, false, nullptr}};
-  for (const auto& c : cases) {
-    gestaltAnswers() = {c.version, c.minor};
-    EXPECT_EQ(isRunningOSX(), c.isX) << c.version.value_or(-1);
-    EXPECT_EQ(isRunningTiger(), c.isTiger) << c.version.value_or(-1);
-    EXPECT_STREQ(getSystemVersionString(), c.name) << c.version.value_or(-1);
+TEST_F(PathStringsTest, SystemVersions) {
+  EXPECT_TRUE(isRunningTiger());
+  EXPECT_STREQ(getSystemVersionString(), "Tiger");
+  const std::tuple<GestaltAnswers, bool, bool, const char*> cases[] = {
+      {{0x1050, 5}, true, true, nullptr},
+      {{0x1039, 4}, true, false, "Tiger"},
+      {{0x0FFF, 9}, false, false, nullptr},
+      {{{}, {}}, false, false, nullptr}};
+  for (const auto& [answers, isX, isTiger, name] : cases) {
+    gestaltAnswers() = answers;
+    EXPECT_EQ(std::tuple(isRunningOSX(), isRunningTiger()), std::tuple(isX, isTiger));
+    EXPECT_STREQ(getSystemVersionString(), name);
   }
-  const std::uint32_t one = 1;
-  unsigned char first;
-  std::memcpy(&first, &one, 1);
-  EXPECT_EQ(isRunningBigEndian(), first == 0);
-  EXPECT_FALSE(isRunningWin());
 }
 
-}  // namespace
+TEST(TokenizerTest, Steps) {
+  // t: getToken; l: skipLine; j: skipJunk. Then the text, the place reached, the token's length.
+  const std::tuple<char, std::string, long, long> cases[] = {{'t', "  \"Grand Hall\",x", 3, 10},
+                                                             {'t', "abc,def ghi", 0, 7},
+                                                             {'t', ",\t ,ab\tc", 4, 2},
+                                                             {'t', "ab\"c\nd", 0, 4},
+                                                             {'t', "ab\rc", 0, 2},
+                                                             {'t', "\nab", 0, 0},
+                                                             {'t', " , ", 3, 0},
+                                                             {'t', "", 0, 0},
+                                                             {'t', "\"", 1, 0},
+                                                             {'t', "\"a, b", 1, 4},
+                                                             {'t', "\"a\tc\"", 1, 1},
+                                                             {'t', "\"a\rc\"", 1, 1},
+                                                             {'l', "ab\ncd", 3, 0},
+                                                             {'l', "ab\r\nc", 3, 0},
+                                                             {'l', "ab", 2, 0},
+                                                             {'l', {"ab\0c\n", 5}, 2, 0},
+                                                             {'j', ", \tx ", 3, 0},
+                                                             {'j', ",,", 2, 0}};
+  for (const auto& [step, content, reached, length] : cases) {
+    const auto text = std::make_unique<char[]>(content.size());  // ends where the text does
+    std::memcpy(text.get(), content.data(), content.size());
+    char *pos = text.get(), *end = pos + content.size();
+    EXPECT_EQ(step == 't' ? getToken(&pos, end) : 0, length) << content;
+    if (step == 'l') skipLine(&pos, end);
+    if (step == 'j') skipJunk(&pos, end);
+    EXPECT_EQ(pos - text.get(), reached) << content;
+  }
+  char text[] = "ab cd", *beyond = text + 3, *none = nullptr;
+  skipJunk(&beyond, text + 2);
+  skipLine(&beyond, text + 2);
+  EXPECT_EQ(beyond, text + 3);
+  EXPECT_EQ(getToken(nullptr, text) + getToken(&none, text) + getToken(&beyond, text + 2), 0);
+}
+
 }  // namespace cairnset

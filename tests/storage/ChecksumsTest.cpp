@@ -30,28 +30,23 @@ TEST(Checksums, AppendsPaddingAndSum) {
     EXPECT_EQ(f.confirmRawAppended64BitChecksum(nullptr), !c.swapped) << c.content;
     EXPECT_EQ(confirmFork(c.content + c.appended), !c.swapped) << c.content;
     EXPECT_EQ(f.confirmSwappedAppended64BitChecksum(), c.content.empty()) << "by its byte order";
+    ++f.buffer()[f.size() / 2];
+    EXPECT_EQ(f.confirmRawAppended64BitChecksum(nullptr) + confirmFork(contentOf(f)), 0);
   }
 }
 
 // Ten bytes of content: the word 4142434445464748 and the partial word 494A.
 TEST(Checksums, EachFormHasItsOwnRange) {
-  const std::string content = "ABCDEFGHIJ", good = content + "\x8A\x8C" + "CDEFGH";
+  const std::string content = "ABCDEFGHIJ";
   unsigned long long computed = 0;
-  Filled raw(good);
+  Filled raw(content + "\x8A\x8C" + "CDEFGH"), tiny("ABCDEFG");
   EXPECT_EQ(raw.calculateRaw64BitChecksum(), 0x4142434445464748u);
   EXPECT_EQ(raw.calculateSwapped64BitChecksum(), 0x9191464544434241u);
   EXPECT_EQ(raw.confirmRawAppended64BitChecksum(&computed) + raw.eof(), 2);
   EXPECT_EQ(computed, 0x8A8C434445464748u);
   EXPECT_EQ(Filled(content + "\x91\x91" + "FEDCBA").confirmSwappedAppended64BitChecksum(), 1);
-  for (std::size_t i = 0; i < good.size(); ++i) {
-    std::string bad = good;
-    bad[i] = static_cast<char>(bad[i] ^ 1);
-    EXPECT_EQ(Filled(bad).confirmRawAppended64BitChecksum(nullptr) + confirmFork(bad), 0) << i;
-  }
-  Filled tiny("ABCDEFG");
   EXPECT_EQ(tiny.calculateRaw64BitChecksum() + tiny.calculateSwapped64BitChecksum(), 0u);
-  EXPECT_EQ(tiny.confirmRawAppended64BitChecksum(nullptr), 0);
-  EXPECT_EQ(tiny.confirmSwappedAppended64BitChecksum() + confirmFork("ABCDEFG"), 0);
+  EXPECT_EQ(tiny.confirmRawAppended64BitChecksum(nullptr) + confirmFork("ABCDEFG"), 0);
 }
 
 std::vector<float> seen;

@@ -22,7 +22,6 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
     const auto changes = list.changes(), n = model.size(), operation = random() % 100;
     const std::size_t i = random() % (2 * n + 1), j = random() % (2 * n + 1);
     void* const p = pointer(1 + random() % 12);
-    SCOPED_TRACE(testing::Message() << "step " << step << ", operation " << operation);
     if (operation < 35) {
       list.addPtr(p);
       model.push_back(p);
@@ -52,11 +51,11 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
     for (const long at : {static_cast<long>(i), static_cast<long>(j), -1l, count}) {
       const auto index = static_cast<std::size_t>(count == 0 ? 0 : std::max(at, 0l) % count);
       void* const want = count == 0 ? nullptr : model[index];
-      ASSERT_EQ(list.getPtr(at), want) << at;
+      ASSERT_EQ(list.getPtr(at), want) << at << " after step " << step;
       ASSERT_EQ(list.getPtrCheckRange(at), at >= 0 && at < count ? want : nullptr) << at;
     }
-    ASSERT_TRUE(list.count() == count && std::ranges::equal(list.entries(), model));
-    ASSERT_TRUE(model == before || list.changes() > changes);
+    ASSERT_TRUE(list.count() == count && std::ranges::equal(list.entries(), model)) << operation;
+    ASSERT_TRUE(model == before || list.changes() > changes) << operation;
   }
 }
 

@@ -1,4 +1,3 @@
-#include <array>
 #include <cfloat>
 #include <climits>
 #include <new>
@@ -50,11 +49,11 @@ TEST(VirtualFile, RandomOperationsMatchAString) {
     const std::string bytes(n, static_cast<char>(step));
     int result = 1;
     if (operation == 0) {
-      result = f.write(bytes.data(), length);
-      writeAt = store(writeAt, bytes);
-    } else if (operation == 1) {
       result = f.append(bytes.data(), length);
       store(size, bytes);
+    } else if (operation == 1) {
+      result = f.write(bytes.data(), length);
+      writeAt = store(writeAt, bytes);
     } else if (operation == 2) {
       result = f.write(f, length);
       writeAt = store(writeAt, (memory + std::string(n, '\0')).substr(readAt, n));
@@ -96,24 +95,23 @@ TEST(VirtualFile, RefusesImpossibleSizes) {
     EXPECT_EQ(f.seekg(n, from_end), n == -1 ? 2 : n < 0 ? 0 : 3) << n;
     EXPECT_EQ(n < 0 ? f.read(&byte, n) + f.writeStringAndPad("", n) : f.seekp(n, from_end) - 3, 0);
   }
-  EXPECT_EQ(f.size() + other.size(), 3u);
 }
 
 TEST(VirtualFile, AllocatesBlocksAndSurvivesLackOfMemory) {
   std::string bytes(300, 'x');
-  for (const auto& [from, to, capacity] :
-       {std::array{300u, 300u, 384u}, {256u, 256u, 384u}, {127u, 128u, 128u}, {127u, 256u, 384u}}) {
-    VirtualFile f(bytes.data(), from, false, 128);
-    EXPECT_EQ(f.size(to), 1);
-    EXPECT_EQ(lastArraySize, capacity) << from << " to " << to;
-  }
+  const auto capacity = [&bytes](unsigned long from, unsigned long to) {
+    return VirtualFile(bytes.data(), from, false, 128).size(to) == 1 ? lastArraySize : 0;
+  };
+  EXPECT_EQ(capacity(300, 300), 384u);
+  EXPECT_EQ(capacity(127, 128), 128u);
+  EXPECT_EQ(capacity(127, 256), 384u);
   Filled grown("abcdef");
   outOfMemory = true;
   Filled f("");
   EXPECT_EQ(grown.resize_buffer(100) + grown.resize_buffer(20), 0);
   outOfMemory = false;
-  EXPECT_EQ(contentOf(grown), "abcdef");
-  EXPECT_EQ(grown.resize_buffer(20), 1);
+  EXPECT_EQ(grown.put("g"), 1);
+  EXPECT_EQ(contentOf(grown), "abcdefg");
   EXPECT_EQ(f.read8(bytes.data(), true) + f.resize_buffer(0) + f.put("") + f.writeZeroes(1), 0);
   EXPECT_EQ(f.write(grown, 2) + grown.write(f, 2) + f.append("", 0) + f.seekp(5), 0);
   EXPECT_EQ(f.confirm() + f.dump(short{0}, true) + f.load(short{0}), -3);
@@ -123,29 +121,24 @@ TEST(VirtualFile, AllocatesBlocksAndSurvivesLackOfMemory) {
 TEST(VirtualFile, LeavesTheCallersMemoryToTheCaller) {
   char bytes[] = {'a', 'b', 'c'};
   VirtualFile grown(bytes, 3, true, 4), cleared(bytes, 3, true, 4);
-  EXPECT_EQ(grown.write(grown.buffer(), 2), 1);
-  EXPECT_EQ(contentOf(grown), "abcab");
-  EXPECT_EQ(static_cast<int>(cleared.seekp(1)) + cleared.put("X") + cleared.clear(), 3);
-  EXPECT_EQ(std::string(bytes, 3), "aXc");
+  EXPECT_EQ(grown.write(grown.buffer(), 2) + cleared.clear(), 2);
+  EXPECT_EQ(grown.write(grown.buffer(), 5), 1);
+  EXPECT_EQ(contentOf(grown), "abcababcab");
 }
 
-TEST(VirtualFile, BinaryFieldsAreTheseBytes) {
-  for (const bool swap : {kSwapToFileOrder, !kSwapToFileOrder}) {
-    const std::uint16_t two = 0x0102;
-    const std::uint32_t four = 0x03040506;
-    const std::uint64_t eight = 0x0708090A0B0C0D0E;
-    std::uint64_t back = 0;
-    Filled f("");
-    EXPECT_EQ(f.write8(&eight, swap) + f.write4(&four, swap) + f.write2(&two, swap), 3);
-    EXPECT_EQ(contentOf(f), swap == kSwapToFileOrder ? "\7\10\11\12\13\14\15\16\3\4\5\6\1\2"
-                                                     : "\16\15\14\13\12\11\10\7\6\5\4\3\2\1");
-    EXPECT_EQ(f.read8(&back, swap), 1);
-    EXPECT_EQ(back, eight);
-  }
+TEST(VirtualFile, FieldsAreTheseBytes) {
+  const std::uint16_t two = 0x0102;
+  const std::uint32_t four = 0x03040506;
+  const std::uint64_t eight = 0x0708090A0B0C0D0E;
+  std::uint64_t back = 0;
   Filled f("");
+  EXPECT_EQ(f.write2(&two, kSwapToFileOrder) + f.write4(&four, kSwapToFileOrder), 2);
+  EXPECT_EQ(f.write8(&eight, kSwapToFileOrder) + f.write4(&four, !kSwapToFileOrder), 2);
+  EXPECT_EQ(f.seekg(6) + f.read8(&back, kSwapToFileOrder), 7);
+  EXPECT_EQ(back, eight);
   EXPECT_EQ(f.writeStringAndPad("abc", 3) + f.writeStringAndPad(nullptr, 4), 2);
   EXPECT_EQ(f.writeStringAndPad("abc", 4) + f.writeStringAndPad("de", 5), 2);
-  EXPECT_EQ(contentOf(f), "ab\0\0\0\0\0abc\0de\0\0\0"s);
+  EXPECT_EQ(contentOf(f), "\1\2\3\4\5\6\7\10\11\12\13\14\15\16\6\5\4\3ab\0\0\0\0\0abc\0de\0\0\0"s);
 }
 
 TEST(VirtualFile, PutsNumbersAsText) {
@@ -153,8 +146,7 @@ TEST(VirtualFile, PutsNumbersAsText) {
   f << 3.75f << "|" << -0.5f << "|" << -FLT_MAX << "|" << 3.75 << "|" << 'A' << "|"
     << static_cast<char>(0x80) << "|" << -1 << short{2} << 3l << static_cast<const char*>(nullptr);
   EXPECT_EQ(contentOf(f), "3|-0|-340282346638528859811704183484516925440|3.750000000|65|-128|-123");
-  longest.put(-DBL_MAX);
-  EXPECT_EQ(longest.size(), 1u + 309 + 1 + 9);
+  EXPECT_EQ(longest.put(-DBL_MAX) + longest.tellp(), 1 + 1 + 309 + 1 + 9);
 }
 
 // The value, and where the parse stopped. The text's memory ends with its last byte.
@@ -174,33 +166,31 @@ TEST(VirtualFile, ParsesNumbersAsWith32Bits) {
   EXPECT_EQ(parsed<long>("2147483648"), "10 bytes: 2147483647");
   EXPECT_EQ(parsed<long>("-99999999999999999999"), "21 bytes: -2147483648");
   EXPECT_EQ(parsed<char>("200,"), "3 bytes: -56");
-  EXPECT_EQ(parsed<unsigned char>("-1"), "2 bytes: 255");
+  EXPECT_EQ(parsed<unsigned short>("-1"), "2 bytes: 65535");
   EXPECT_EQ(parsed<unsigned short>("-4294967297"), "11 bytes: 65535");
   EXPECT_EQ(parsed<double>(" -1.5e3e+"), "7 bytes: -1500.000000000");
   EXPECT_EQ(parsed<float>(" .e5"), "0 bytes: 0");
 }
 
 TEST(VirtualFile, SplitsLinesAndStrings) {
-  Filled f("ab\r\ncd\r\r\n\n\0x\re"s);
-  std::string lines, line;
+  std::string lines, line, text = "ab\r\ncd\r\r\n\n\0x\re\r"s;
+  std::vector<char> bytes(text.begin(), text.end());
+  VirtualFile f(bytes.data(), bytes.size(), true, 1);
   while (f.getLine(line))
     lines += line + "|";
   EXPECT_EQ(lines, "ab|cd|||\0x|e|"s);
   char *rest = nullptr, tab = '\t';
   f.seekg(11);
   f.get(&rest).putback(tab);
-  EXPECT_STREQ(rest, "x\re");
-  delete[] rest;
   f.skipspace();
-  EXPECT_TRUE(f.eof());
-  f.seekg(0);
-  f.putback(tab);
-  EXPECT_EQ(contentOf(f), "ab\r\ncd\r\r\n\n\0x\r\t"s);
+  EXPECT_STREQ(rest, "x\re\r");
+  EXPECT_TRUE(f.eof() && f.rptr()[-1] == tab);
+  delete[] rest;
 }
 
 TEST(VirtualFile, ComparesRangesOfEqualSizesOnly) {
   const Filled a("abcd"), b("abXd"), longer("abcde");
-  EXPECT_EQ(a.compare(a) + a.compare(b, 0, 2) + a.compare(b, 3, 1) + a.compare(b, 4, 0), 0);
+  EXPECT_EQ(a.compare(a) + a.compare(b, 0, 2) + a.compare(b, 3, 1), 0);
   EXPECT_EQ(a.compare(b, 1, 2) + a.compare(b, 3, 2) + a.compare(longer, 0, 2), 3);
 }
 
@@ -216,7 +206,7 @@ void expectRoundTrip(Target&& target, const std::string& content) {
 }
 
 TEST(VirtualFile, DumpsAndLoadsWholeFiles) {
-  for (const std::size_t size : {0u, 1u, 217u, 512u, 1025u, 200001u}) {
+  for (const std::size_t size : {0u, 217u, 512u, 1025u, 200001u}) {
     std::string content(size, '\0');
     for (std::size_t i = 0; i < size; ++i)
       content[i] = static_cast<char>(i * 7 + i / 1024);
@@ -227,10 +217,9 @@ TEST(VirtualFile, DumpsAndLoadsWholeFiles) {
     expectRoundTrip(ForkFile("").fork, content);
   }
   Filled f("abc");
-  EXPECT_EQ(f.dump(short{0}, true), rfNumErr);
   const ForkFile file(std::string(5000, 'x'));
-  EXPECT_EQ(f.load(file.fork, 1024), 1024);
-  EXPECT_EQ(f.load(file.fork, 1025), 2048);
+  EXPECT_EQ(f.dump(short{0}, true), rfNumErr);
+  EXPECT_EQ(f.load(file.fork, 1024) + f.load(file.fork, 1025), 1024 + 2048);
 }
 
 }  // namespace

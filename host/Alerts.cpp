@@ -1,0 +1,167 @@
+#include "host/Alerts.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "host/FileManager.h"
+#include "host/NameConversions.h"
+#include "host/PathStrings.h"
+#include "host/ReportText.h"
+
+namespace cairnset {
+
+namespace {
+
+std::int32_t _show_alerts = 1;
+std::int32_t stdout_mode = 0;
+[[maybe_unused]] TEHandle _te_handle = nullptr;
+[[maybe_unused]] DialogRef _dialog = nullptr;
+
+constexpr const char* kUnknownError = "An unknown Olvan error has occurred";
+constexpr std::size_t kMostDetail = 1023;
+constexpr std::size_t kMostName = 1024;
+constexpr std::size_t kSpecNameSize = sizeof(FSSpec::name);
+
+// What printf would print for a format with one text as its argument, or none where that is null.
+// Texts hold names, and names hold any "%": what printf would look up in arguments that were never
+// passed is left in the text instead.
+std::string formatted(std::string_view format, const char* argument) {
+  std::string out;
+  while (!format.empty()) {
+    std::size_t taken = 1;
+    if (format.starts_with("%%")) {
+      out += '%';
+      taken = 2;
+    } else if (argument != nullptr && format.starts_with("%s")) {
+      out += argument;
+      argument = nullptr;
+      taken = 2;
+    } else {
+      out += format.front();
+    }
+    format.remove_prefix(taken);
+  }
+  return out;
+}
+
+void writeLine(std::ostream& os, std::string_view text) {
+  writeHeldName(os, text);
+  os << '\n' << std::flush;
+}
+
+// The detail's carriage return is a line break of the instrument's host. On a terminal it would
+// send the source place over the line's beginning.
+void writeAlertLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\r', '\n');
+  writeLine(std::cerr, text);
+}
+
+std::string sourcePlace(const char* sourceFile, int line) {
+  if (sourceFile == nullptr) return {};
+  return std::string("\r") + sourceFile + ":" + std::to_string(line);
+}
+
+void displayWithResultCode(const std::string& text, long code, const char* sourceFile, int line) {
+  std::string detail =
+      "Result code = " + std::to_string(code) + "." + sourcePlace(sourceFile, line);
+  detail.resize(std::min(detail.size(), kMostDetail));
+  displayErrorStrings(text.c_str(), detail.c_str());
+}
+
+}  // namespace
+
+void displayErrorStrings(const char* text, const char* detail, void* /*unused*/) {
+  if (stdout_mode != 0) {
+    if (text != nullptr) writeLine(std::cout, formatted(text, detail != nullptr ? detail : ""));
+    if (detail != nullptr) writeLine(std::cout, formatted(detail, nullptr));
+  }
+  if (_show_alerts == 0) return;
+  writeAlertLine(text != nullptr ? text : kUnknownError);
+  if (detail != nullptr) writeAlertLine(detail);
+}
+
+OSStatus displayErrorStringsAsyncTask(void* pair) {
+  const auto* texts = static_cast<const char* const*>(pair);
+  displayErrorStrings(texts[0], texts[1]);
+  return noErr;
+}
+
+void displayErrorStringsWithCode(const char* text, char* detail, const char* sourceFile, int line) {
+  if (detail != nullptr) std::strcat(detail, sourcePlace(sourceFile, line).c_str());
+  displayErrorStrings(text, detail);
+}
+
+void displayFileManagerError(long code, const char* sourceFile, int line) {
+  displayWithResultCode("A system disk error has occurred within Olvan.", code, sourceFile, line);
+}
+
+void displayFileManagerErrorWhile(long code, const char* action, const char* name,
+                                  const char* sourceFile, int line) {
+  std::string text = "Olvan reports a file system error while ";
+  if (action != nullptr) text += action;
+  text += ' ';
+  if (name != nullptr) text += std::string_view(name).substr(0, kMostName);
+  displayWithResultCode(text + ".", code, sourceFile, line);
+}
+
+void displayFileManagerErrorWhileOpening(long code, const char* name, const char* sourceFile,
+                                         int line) {
+  displayFileManagerErrorWhile(code, "opening", name, sourceFile, line);
+}
+
+void displayFileManagerErrorWhileOpening(long code, const FSSpec* spec, const char* sourceFile,
+                                         int line) {
+  char name[kSpecNameSize] = "?";
+  if (spec != nullptr) extractCFilename(spec, name);
+  displayFileManagerErrorWhileOpening(code, name, sourceFile, line);
+}
+
+// Not by way of the catalogue: it has no specification for an item that is missing, which is what
+// most of these messages are about, and gives a name with accents a number that nobody knows.
+void displayFileManagerErrorWhileOpening(long code, const FSRef* ref, const char* sourceFile,
+                                         int line) {
+  char name[kSpecNameSize] = "?";
+  HFSUniStr255 unicode;
+  if (ref != nullptr && placeOf(*ref, nullptr, &unicode)) {
+    ConvertHFSUniStrToCString(&unicode, name, sizeof name);
+  }
+  displayFileManagerErrorWhileOpening(code, name, sourceFile, line);
+}
+
+void displayCantInstantiateError() {
+  displayErrorStrings("There is not enough memory to instantiate Olvan",
+                      "Unload other plugins or allocate more memory to the host");
+}
+
+void displayOutOfMemoryError() {
+  displayErrorStrings("Olvan has run out of memory",
+                      "Try allocating more memory to the host or decreasing the amount of used "
+                      "resources");
+}
+
+void displayUnkownError() {
+  displayErrorStrings(kUnknownError, nullptr);
+}
+
+void setPIAlertStdOut() {
+  stdout_mode = 1;
+}
+
+void disablePIAlertWindows() {
+  _show_alerts = 0;
+}
+
+void setPIAlertTEHandle(TEHandle handle) {
+  _te_handle = handle;
+}
+
+bool modalFilterProc(DialogRef dialog, EventRecord* /*event*/, short* /*item*/) {
+  _dialog = dialog;
+  return false;
+}
+
+}  // namespace cairnset
