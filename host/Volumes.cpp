@@ -35,13 +35,17 @@ std::string preferencesPath() {
 #endif
 }
 
+// Makes the folder and those above it. What stops it is told by the first failure, but counts only
+// if the folder is not there in the end: a folder that exists can refuse to be made in many ways.
 OSErr makeFolders(const std::string& path) {
+  OSErr result = noErr;
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
     const std::string stretch = path.substr(0, end);
-    if (systemCalls().mkdir(AT_FDCWD, stretch.c_str(), 0700) != 0 && errno != EEXIST) {
-      return resultFromErrno(errno);
+    if (systemCalls().mkdir(AT_FDCWD, stretch.c_str(), 0700) != 0 && errno != EEXIST &&
+        result == noErr) {
+      result = resultFromErrno(errno);
     }
-    if (end == std::string::npos) return noErr;
+    if (end == std::string::npos) return result;
   }
 }
 
@@ -64,11 +68,10 @@ OSErr FSFindFolder(std::int16_t /*domain*/, std::uint32_t folderType, bool creat
   if (folderType != kPreferencesFolderType) return paramErr;
   const std::string path = preferencesPath();
   if (path.empty()) return fnfErr;
-  if (create) {
-    if (const OSErr result = makeFolders(path); result != noErr) return result;
-  }
+  const OSErr made = create ? makeFolders(path) : noErr;
   bool isFolder = false;
   const OSErr result = FSPathMakeRef(path.c_str(), folder, &isFolder);
+  if (result != noErr && made != noErr) return made;
   if (result != noErr) return result == dirNFErr ? fnfErr : result;
   return isFolder ? noErr : dirNFErr;
 }

@@ -24,7 +24,7 @@ int instantiate() {
   } else {
     _prefs = new BrumePrefs;
     _prefs->initPrefs(nullptr);
-    if (_prefs->getItemsFSRef() == nullptr) {
+    if (!_prefs->isInitialised()) {
       std::cerr << "Preferences were not inited!\n";
       return kNoPreferences;
     }
