@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "host/FileManager.h"
 #include "host/NameConversions.h"
+#include "host/Names.h"
+#include "host/NodeTable.h"
+#include "host/PascalStrings.h"
 #include "host/SystemVersion.h"
 
 namespace cairnset {
@@ -54,24 +58,27 @@ bool fileExists(const FSRef* /*ref*/) {
   return false;
 }
 
+void getPlaceName(const FSRef& ref, char* name, std::size_t size) {
+  const NodeTable& table = NodeTable::shared();
+  const std::string held =
+      heldNameFromVolumeName(table.contains(ref.node) ? table.name(ref.node) : std::string_view());
+  const std::size_t length = std::min(held.size(), size - 1);
+  std::memcpy(name, held.data(), length);
+  name[length] = '\0';
+}
+
 void getCFilename(const FSRef& ref, char* name, unsigned long size) {
   if (name == nullptr || size == 0) return;
   name[0] = '\0';
-  HFSUniStr255 unicode;
-  if (FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, &unicode, nullptr, nullptr) != noErr) return;
-  ConvertHFSUniStrToCString(&unicode, name, static_cast<long>(std::min(size, 256ul)));
+  if (FSRefIsValid(ref) == noErr) getPlaceName(ref, name, size);
 }
 
 OSErr getPFilename(const FSRef& ref, unsigned char* name) {
-  char held[256];
   name[0] = 0;
-  HFSUniStr255 unicode;
-  const OSErr result = FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, &unicode, nullptr, nullptr);
-  if (result != noErr) return result;
-  ConvertHFSUniStrToCString(&unicode, held, sizeof held);
-  const std::size_t length = std::strlen(held);
-  name[0] = static_cast<unsigned char>(length);
-  std::memcpy(name + 1, held, length);
+  if (const OSErr result = FSRefIsValid(ref); result != noErr) return result;
+  char held[256];
+  getPlaceName(ref, held, sizeof held);
+  C2PCopy(name, held);
   return noErr;
 }
 

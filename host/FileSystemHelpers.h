@@ -4,6 +4,7 @@
 // answer a flag, a number or a name give false, 0 or an empty name on any failure.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "host/HostTypes.h"
@@ -25,7 +26,10 @@ bool fileExists(const FSRef* ref);
 
 // --- Names -----------------------------------------------------------------------------------
 
-/// The held name of an existing item, cut to `size` bytes, NUL included.
+/// The held name of a place, cut to `size` bytes (1 or more), NUL included. It is read off the
+/// reference: no system call, and nothing is said of what exists.
+void getPlaceName(const FSRef& ref, char* name, std::size_t size);
+/// The same of an item that exists.
 void getCFilename(const FSRef& ref, char* name, unsigned long size);
 OSErr getPFilename(const FSRef& ref, unsigned char* name);
 /// Renames nothing: makes `ref` the reference of the existing item `name` in the folder that the

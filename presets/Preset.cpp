@@ -23,12 +23,6 @@ constexpr unsigned long kLargestImage = 1024;  // no kind's image comes near it
 
 using FileName = char[kNameSize];
 
-void placeName(const FSRef& ref, FileName& out) {
-  HFSUniStr255 name;
-  out[0] = '\0';
-  if (placeOf(ref, nullptr, &name)) ConvertHFSUniStrToCString(&name, out, sizeof out);
-}
-
 }  // namespace
 
 std::uint32_t Preset::_index_count = 100000;
@@ -102,7 +96,7 @@ void Preset::changeFile(const FSRef& ref) {
 
 void Preset::takeNamesFromFile() {
   FileName name;
-  placeName(_file_ref, name);
+  getPlaceName(_file_ref, name, sizeof name);
   takeTreeItemName(name);
   _cf_name = _file_ref;
 }
@@ -189,12 +183,14 @@ OSErr Preset::readIn() {
   _status = openForReading();
   if (_fork_ref == 0) return noErr;
   _status = noErr;
-  VirtualFile file(kBlockSize);
-  file.load(_fork_ref, kLargestImage);
-  std::int64_t size = static_cast<std::int64_t>(file.size());
-  // Only the start of a large file is loaded, since it can only fail the size check or be read from
-  // its start.
-  if (file.size() >= kLargestImage) FSGetForkSize(_fork_ref, &size);
+  char image[kLargestImage];
+  std::size_t loaded = 0;
+  FSReadFork(_fork_ref, fsFromStart, 0, sizeof image, image, &loaded);
+  // Only the start of a large file is loaded: that is all that can be read from it, and its size
+  // all that else counts.
+  auto size = static_cast<std::int64_t>(loaded);
+  if (loaded == sizeof image) FSGetForkSize(_fork_ref, &size);
+  VirtualFile file(image, loaded, true, kBlockSize);
   extractImage(file, static_cast<std::uint32_t>(std::min<std::int64_t>(size, UINT32_MAX)));
   _edited = false;
   close();
@@ -237,7 +233,7 @@ OSErr Preset::rename(const unsigned char* newName) {
   if (_status != noErr) return _status;
   changeFile(renamed);
   FileName held;
-  placeName(renamed, held);
+  getPlaceName(renamed, held, sizeof held);
   setTreeItemName(held);
   return noErr;
 }

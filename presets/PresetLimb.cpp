@@ -2,9 +2,7 @@
 
 #include <ostream>
 
-#include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
-#include "host/NameConversions.h"
 #include "host/PathStrings.h"
 #include "host/ReportText.h"
 
@@ -16,10 +14,9 @@ void PresetLimb::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) co
 }
 
 void PresetLimb::setSpec(const FSRef& folder) {
-  HFSUniStr255 unicode;
-  char held[256] = "";
-  char name[256] = "";
-  if (placeOf(folder, nullptr, &unicode)) ConvertHFSUniStrToCString(&unicode, held, sizeof held);
+  char held[256];
+  char name[256];
+  getPlaceName(folder, held, sizeof held);
   // The name is the end of a path, so a "/" within the name (":" on the volume) or a "\" cuts off
   // what stands before it. Meant so: reports have always shown such folders this way.
   extractFilename(held, name);

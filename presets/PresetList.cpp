@@ -192,11 +192,9 @@ template <typename Lies>
 Preset* PresetList::findByFileName(const unsigned char* name, bool caseSensitive, Lies lies) const {
   for (Preset* preset : presets()) {
     if (preset == nullptr) break;
-    HFSUniStr255 unicode;
-    Str255 held;
-    if (!placeOf(preset->fileRef(), nullptr, &unicode)) continue;
     char text[256];
-    ConvertHFSUniStrToCString(&unicode, text, sizeof text);
+    Str255 held;
+    getPlaceName(preset->fileRef(), text, sizeof text);
     C2PCopy(held, text);
     if (!equalPString(held, name, caseSensitive)) continue;
     // A file that is gone has no name. Only a match is worth asking the disk for it.
