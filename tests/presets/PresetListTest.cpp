@@ -9,6 +9,7 @@
 #include "host/PascalStrings.h"
 #include "host/SystemCalls.h"
 #include "presets/PresetManager.h"
+#include "tests/CountedCalls.h"
 #include "tests/TestFolder.h"
 
 namespace cairnset {
@@ -260,6 +261,28 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
     list.setUserFolder(folder);
     ASSERT_EQ(list.findPresetInUserFolder(pascal(name), false), byFileName) << "step " << step;
   }
+}
+
+// Noise-free, and so the gate against a step that has become quadratic or asks the disk twice.
+// readdir is left out: how many names one call brings is the system's affair.
+TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
+  load();
+  const std::string bytes = read("Presets/Velocity Maps/Default");
+  long calls[2] = {};
+  for (const int round : {0, 1}) {
+    for (int i = 0; i < 100; ++i) {
+      const std::string folder = "Presets/Velocity Maps/f" + std::to_string(i % 10);
+      if (!exists(folder)) makeFolder(folder);
+      write(folder + "/" + std::to_string(100 * round + i), bytes);
+    }
+    list.clearPresets();
+    const CountedCalls counted;
+    load();
+    calls[round] = CountedCalls::count;
+    ASSERT_EQ(list.count(), 101 + 100 * round);
+  }
+  EXPECT_EQ(calls[1] - calls[0], 4 * 100) << "open, fstat, pread, close";
+  EXPECT_LE(calls[0], 4 * 101 + 12 * 12 + 20) << "12 folders, and what is paid once";
 }
 
 TEST_F(PresetListTest, ManagersCountAndCopyWithoutPresets) {
