@@ -24,6 +24,7 @@ OSErr readAlias(const FSRef& ref, std::string& target) {
   char buffer[PATH_MAX];
   const ssize_t n = systemCalls().readlink(place.folder(), place.path(), buffer, sizeof buffer);
   if (n < 0) return failureAt(ref, errno);
+  if (n == 0) return fnfErr;  // some systems let a link be empty; it points to nothing
   if (static_cast<std::size_t>(n) == sizeof buffer) return bdNamErr;
   target.assign(buffer, static_cast<std::size_t>(n));
   return noErr;
@@ -58,9 +59,10 @@ OSErr FSResolveAliasFile(FSRef* ref, bool resolveChains, bool* targetIsFolder, b
     const std::size_t slash = target.rfind('/');
     FSRef folder;
     result = FSPathMakeRef(slash == 0 ? "/" : target.substr(0, slash).c_str(), &folder, nullptr);
-    if (result != noErr) return result;
     const std::string last = target.substr(slash + 1);
-    if (last.empty() || last == "." || last == "..") {
+    if (result != noErr) {
+      // told below
+    } else if (last.empty() || last == "." || last == "..") {
       result = FSPathMakeRef(target.c_str(), &found, &isFolder);
     } else {
       found.node = nodes().intern(folder.node, last);

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <climits>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "host/FileManager.h"
@@ -31,15 +32,17 @@ std::uint64_t packDate(std::int64_t seconds, std::int64_t nanoseconds) {
 std::uint64_t creationDate(const FSRef& ref, const struct stat& info) {
   const Location place(ref);
   unsigned char bytes[8];
-  if (place.isAbsolute() && systemCalls().getAttribute(place.path(), kCreationDateAttribute, bytes,
-                                                       sizeof bytes) == sizeof bytes) {
+  if (place.status() == noErr && place.isAbsolute() &&
+      systemCalls().getAttribute(place.path(), kCreationDateAttribute, bytes, sizeof bytes) ==
+          sizeof bytes) {
     std::uint64_t date = 0;
     for (const unsigned char byte : bytes)
       date = date << 8 | byte;
     return date;
   }
   struct timespec birth;
-  if (systemCalls().birthTime(place.folder(), place.path(), &birth) == 0) {
+  if (place.status() == noErr &&
+      systemCalls().birthTime(place.folder(), place.path(), &birth) == 0) {
     return packDate(birth.tv_sec, birth.tv_nsec);
   }
 #if defined(__APPLE__)
@@ -50,14 +53,14 @@ std::uint64_t creationDate(const FSRef& ref, const struct stat& info) {
 }
 
 // The name field of an FSSpec. `shortened` tells a name that could not stand as it is: a long one,
-// or one with letters beyond ASCII, of which the held name does not tell how the volume spells
-// them.
+// one with letters beyond ASCII, of which the held name does not tell how the volume spells them,
+// or one with a "#", which could look like another item's number.
 void specName(std::uint32_t node, unsigned char (&out)[64], bool& shortened) {
   constexpr std::size_t kMost = sizeof out - 1;
   const std::string_view volumeName = nodes().name(node);
   std::string held = heldNameFromVolumeName(volumeName);
   shortened = held.size() > kMost || std::any_of(volumeName.begin(), volumeName.end(), [](char c) {
-                return static_cast<unsigned char>(c) >= 0x80;
+                return static_cast<unsigned char>(c) >= 0x80 || c == '#';
               });
   if (shortened) {
     char mark[1 + 8] = "#";
@@ -156,8 +159,8 @@ bool placeOf(const FSRef& ref, FSRef* folder, HFSUniStr255* name) {
   if (name != nullptr) {
     const std::u16string text =
         known ? unicodeFromVolumeName(nodes().name(ref.node)) : std::u16string();
-    name->length = static_cast<std::uint16_t>(text.size());
-    std::copy(text.begin(), text.end(), name->unicode);
+    // Some FUSE volumes list names of up to 1024 bytes.
+    name->length = static_cast<std::uint16_t>(text.copy(name->unicode, std::size(name->unicode)));
   }
   return known;
 }

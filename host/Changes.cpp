@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
+#include <string_view>
 
 #include "host/FileManager.h"
 #include "host/Location.h"
@@ -17,16 +18,28 @@ NodeTable& nodes() {
   return NodeTable::shared();
 }
 
-// The item itself under another case of its name, on a volume that takes both for one name.
+// Whether something is at both places and is one and the same; `info` is then what it is.
+bool isOneItem(const Location& a, const Location& b, struct stat& info) {
+  struct stat other;
+  return systemCalls().lstat(a.folder(), a.path(), &info) == 0 &&
+         systemCalls().lstat(b.folder(), b.path(), &other) == 0 && info.st_dev == other.st_dev &&
+         info.st_ino == other.st_ino;
+}
+
+std::string sortKeyOf(const Location& place) {
+  const std::string_view path = place.path();
+  std::string key;
+  appendSortKey(path.substr(path.rfind('/') + 1), key);
+  return key;
+}
+
+// The item itself under another case of its name, on a volume that takes both for one name. The
+// names are looked at too, as there are volumes whose file numbers mean nothing.
 bool isSameItemInOtherCase(const Location& from, const Location& to) {
-  struct stat a, b;
-  if (systemCalls().lstat(from.folder(), from.path(), &a) != 0 ||
-      systemCalls().lstat(to.folder(), to.path(), &b) != 0) {
-    return false;
-  }
+  struct stat info;
+  if (!isOneItem(from, to, info) || sortKeyOf(from) != sortKeyOf(to)) return false;
   // Two hard links to one file are two names that are both taken, whatever their case.
-  const bool linkedTwice = !S_ISDIR(a.st_mode) && a.st_nlink > 1;
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino && !linkedTwice;
+  return S_ISDIR(info.st_mode) || info.st_nlink <= 1;
 }
 
 OSErr plainRename(const Location& from, const Location& to) {
@@ -46,7 +59,14 @@ OSErr renameByLink(const Location& from, const Location& to) {
   if (calls.link(from.folder(), from.path(), to.folder(), to.path()) == 0) {
     if (calls.unlink(from.folder(), from.path(), 0) == 0) return noErr;
     const int error = errno;
-    calls.unlink(to.folder(), to.path(), 0);
+    // Over a network a call can be done and yet be answered by an error: the new name goes again
+    // only where the old one is seen to be left.
+    struct stat info;
+    if (isOneItem(from, to, info)) {
+      calls.unlink(to.folder(), to.path(), 0);
+    } else if (calls.lstat(from.folder(), from.path(), &info) != 0 && errno == ENOENT) {
+      return noErr;
+    }
     return resultFromErrno(error);
   }
   if (errno == EEXIST) return nameIsTaken(from, to);
@@ -69,9 +89,7 @@ OSErr renameWithoutReplacing(const FSRef& ref, const FSRef& newFolder, const std
   OSErr result = noErr;
   if (systemCalls().renameNoReplace(from.folder(), from.path(), to.folder(), to.path()) != 0) {
     const int error = errno;
-    if (error == ENOENT) {
-      result = failureAt(ref, error);
-    } else if (error == EEXIST) {
+    if (error == EEXIST) {
       result = nameIsTaken(from, to);
     } else if (error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EOPNOTSUPP) {
       result = renameByLink(from, to);
@@ -79,6 +97,7 @@ OSErr renameWithoutReplacing(const FSRef& ref, const FSRef& newFolder, const std
       result = resultFromErrno(error);
     }
   }
+  if (result == fnfErr) return failureAt(ref, ENOENT);
   if (result != noErr) return result;
   const FSRef renamed{nodes().intern(newFolder.node, newName)};
   if (renamed != ref) forgetOpenForks(ref);

@@ -9,6 +9,7 @@
 
 #include "host/FileManager.h"
 #include "host/Location.h"
+#include "host/NodeTable.h"
 #include "host/SystemCalls.h"
 
 namespace cairnset {
@@ -46,6 +47,7 @@ Fork* forkAt(std::int16_t number) {
 }
 
 OpenFile* sharedFile(std::uint32_t node, std::int8_t permissions) {
+  if (node == 0) return nullptr;  // no place, which a file that was forgotten has too
   for (const auto& file : openFiles) {
     if (file->forks > 0 && file->node == node && (file->permissions & permissions) == permissions) {
       return file.get();
@@ -121,7 +123,7 @@ OSErr readThroughFirstBytes(OpenFile& file, char* buffer, std::size_t count, std
   }
   got = 0;
   const auto start = static_cast<std::size_t>(position);
-  if (start < file.firstByteCount) {
+  if (start < file.firstByteCount && count > 0) {
     got = std::min(count, file.firstByteCount - start);
     std::memcpy(buffer, file.firstBytes + start, got);
   }
@@ -164,8 +166,12 @@ OSErr positionFor(const Fork& fork, std::uint16_t mode, std::int64_t offset, std
 }  // namespace
 
 void forgetOpenForks(const FSRef& ref) {
+  const NodeTable& table = NodeTable::shared();
   for (const auto& file : openFiles) {
-    if (file->node == ref.node) file->node = 0;
+    std::uint32_t node = file->node;
+    while (node != 0 && node != ref.node)
+      node = table.folder(node);
+    if (node == ref.node) file->node = 0;
   }
 }
 
@@ -220,10 +226,9 @@ OSErr FSWriteFork(std::int16_t number, std::uint16_t positionMode, std::int64_t 
   OSErr result = positionFor(*fork, positionMode, offset, position);
   if (result != noErr) return result;
   for (const auto& file : openFiles) {
-    if (file.get() == fork->file || (file->node != 0 && file->node == fork->file->node)) {
-      file->firstBytesKnown = false;
-      file->sizeWhenOpened = -1;
-    }
+    // Of all files: one may be this very file by another name, or from before a rename.
+    file->firstBytesKnown = false;
+    file->sizeWhenOpened = -1;
   }
   const auto* bytes = static_cast<const char*>(buffer);
   std::size_t written = 0;

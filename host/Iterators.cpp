@@ -76,10 +76,15 @@ struct Entries {
   }
 };
 
-bool isFolderEntry(int folder, const struct dirent& entry) {
-  if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+// An entry whose kind cannot be told is an error too: a folder taken for a file is a folder lost.
+// One that has gone since it was listed is told from the rest by fnfErr.
+OSErr isFolderEntry(int folder, const struct dirent& entry, bool& isFolder) {
+  isFolder = entry.d_type == DT_DIR;
+  if (entry.d_type != DT_UNKNOWN) return noErr;
   struct stat info;
-  return systemCalls().lstat(folder, entry.d_name, &info) == 0 && S_ISDIR(info.st_mode);
+  if (systemCalls().lstat(folder, entry.d_name, &info) != 0) return resultFromErrno(errno);
+  isFolder = S_ISDIR(info.st_mode);
+  return noErr;
 }
 
 OSErr readEntries(DIR* listing, Entries& entries) {
@@ -91,7 +96,11 @@ OSErr readEntries(DIR* listing, Entries& entries) {
     if (entry == nullptr) return resultFromErrno(errno);
     const std::string_view name = entry->d_name;
     if (name == "." || name == "..") continue;
-    entries.add(name, isFolderEntry(folder, *entry));
+    bool isFolder = false;
+    const OSErr result = isFolderEntry(folder, *entry, isFolder);
+    if (result == fnfErr) continue;
+    if (result != noErr) return result;
+    entries.add(name, isFolder);
   }
 }
 

@@ -53,8 +53,8 @@ OSErr requireFolder(const FSRef& folder);
 /// missing folder (dirNFErr).
 OSErr failureAt(const FSRef& ref, int error);
 
-/// Makes the forks that are open on a place strangers to it, after the place was renamed, moved or
-/// deleted: whoever opens the place again must not be handed the old file.
+/// Makes the forks that are open on a place, or on any place within it, strangers to it, after it
+/// was renamed, moved or deleted: whoever opens the place again must not be handed the old file.
 void forgetOpenForks(const FSRef& ref);
 
 }  // namespace cairnset

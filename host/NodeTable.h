@@ -27,7 +27,7 @@ class NodeTable {
   /// volume name (host/Names.h): any bytes but "/" and NUL.
   std::uint32_t intern(std::uint32_t folder, std::string_view name);
 
-  bool contains(std::uint32_t node) const { return node != 0 && node < _nodes.size(); }
+  bool contains(std::uint32_t node) const { return node != 0 && node < _nodes.size() - 1; }
   /// The folder that the place is in; 0 for the root.
   std::uint32_t folder(std::uint32_t node) const { return _nodes[node].folder; }
   /// The volume name; valid until the next intern. Empty for the root.

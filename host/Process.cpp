@@ -31,6 +31,7 @@ void prepareProcess() {
     if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
   }
   ::signal(SIGPIPE, SIG_DFL);
+  ::signal(SIGXFSZ, SIG_IGN);
 }
 
 int nextOption(int argc, char** argv, const char* options) {

@@ -7,7 +7,8 @@ namespace cairnset {
 
 /// To be called first. Descriptors 0 to 2 that are closed are opened on nothing, so that no preset
 /// file is ever given one of their numbers and a report written into it; writing to them still
-/// fails. A reader that goes away ends the process quietly, whatever the parent had asked for.
+/// fails. A reader that goes away ends the process quietly, whatever the parent had asked for. A
+/// limit on the size of files makes a write fail instead of ending the process half-way.
 void prepareProcess();
 
 /// The next option letter, as the system's getopt finds it; -1 at the end, '?' for one that is not

@@ -30,6 +30,7 @@ OSErr resultFromErrno(int error) {
     case EXDEV:
       return diffVolErr;
     case ENAMETOOLONG:
+    case EILSEQ:  // some volumes take only names in UTF-8
       return bdNamErr;
     case EINVAL:
       return paramErr;

@@ -12,7 +12,11 @@ namespace cairnset {
 namespace {
 
 int openFile(int folder, const char* path, int flags, mode_t mode) {
-  return ::openat(folder, path, flags, mode);
+  int descriptor;
+  do
+    descriptor = ::openat(folder, path, flags, mode);
+  while (descriptor < 0 && errno == EINTR);
+  return descriptor;
 }
 
 int lstatFile(int folder, const char* path, struct stat* out) {

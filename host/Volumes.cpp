@@ -69,11 +69,14 @@ OSErr FSFindFolder(std::int16_t /*domain*/, std::uint32_t folderType, bool creat
   const std::string path = preferencesPath();
   if (path.empty()) return fnfErr;
   const OSErr made = create ? makeFolders(path) : noErr;
+  FSRef found;
   bool isFolder = false;
-  const OSErr result = FSPathMakeRef(path.c_str(), folder, &isFolder);
+  const OSErr result = FSPathMakeRef(path.c_str(), &found, &isFolder);
   if (result != noErr && made != noErr) return made;
   if (result != noErr) return result == dirNFErr ? fnfErr : result;
-  return isFolder ? noErr : dirNFErr;
+  if (!isFolder) return dirNFErr;
+  *folder = found;
+  return noErr;
 }
 
 OSErr FindFolder(std::int16_t domain, std::uint32_t folderType, bool create, std::int16_t* vRefNum,

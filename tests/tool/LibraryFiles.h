@@ -56,9 +56,9 @@ struct PresetFile {
       payload += static_cast<char>('!' + payload.size() % 64);  // no float of these is a NaN
     if (keyset >= 0) payload.replace(68, 4, big(static_cast<unsigned long>(keyset)));
     if (isZero) payload.assign(kind.payload, '\0');
-    return std::string("OlPs") + kind.code + big(93 + kind.payload) + field(name.substr(0, 63), 64) +
-           std::string(8, '\0') + (rom ? '\1' : '\0') + big(static_cast<unsigned long>(index)) +
-           big(kind.declared) + payload;
+    return std::string("OlPs") + kind.code + big(93 + kind.payload) +
+           field(name.substr(0, 63), 64) + std::string(8, '\0') + (rom ? '\1' : '\0') +
+           big(static_cast<unsigned long>(index)) + big(kind.declared) + payload;
   }
 };
 
