@@ -141,7 +141,7 @@ PtrLink* PresetList::addPtr(void* entry) {
     _by_name_stamp = nameStamp();
   }
   if (filesAreRight) {
-    _by_file.try_emplace(preset->fileRef().node, preset);
+    _by_file.add(preset->fileRef(), preset);
     _by_file_stamp = fileStamp();
   }
   if (TreeLimb* limb = limbOfFolder(preset->getParentFolderID()); limb != nullptr) {
@@ -227,12 +227,11 @@ Preset* PresetList::findPresetUsingFileSpec(const FSRef& file) const {
     _by_file.clear();
     for (Preset* preset : presets()) {
       if (preset == nullptr) break;
-      _by_file.try_emplace(preset->fileRef().node, preset);
+      _by_file.add(preset->fileRef(), preset);
     }
     _by_file_stamp = fileStamp();
   }
-  const auto found = _by_file.find(file.node);
-  return found != _by_file.end() && file.node != 0 ? found->second : nullptr;
+  return file.node != 0 ? _by_file.find(file) : nullptr;
 }
 
 long PresetList::findPresetIndex(const Preset* preset) const {

@@ -7,6 +7,7 @@
 
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
+#include "presets/FileIndex.h"
 #include "presets/PresetLimb.h"
 #include "storage/PtrManager.h"
 
@@ -170,7 +171,7 @@ class PresetList : public PtrManager, public PresetLimb {
 
   mutable std::unordered_set<Preset*, NameHash, NameEqual> _by_name;
   mutable Stamp _by_name_stamp;
-  mutable std::unordered_map<std::uint32_t, Preset*> _by_file;
+  mutable FileIndex _by_file;
   mutable Stamp _by_file_stamp;
   std::unordered_map<unsigned long, TreeLimb*> _limb_by_folder;
   Stamp _limb_by_folder_stamp;
