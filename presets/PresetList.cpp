@@ -1,12 +1,11 @@
 #include "presets/PresetList.h"
 
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
-#include "host/MacRoman.h"
 #include "host/NameConversions.h"
 #include "host/PascalStrings.h"
 #include "presets/ExchangeOrder.h"
@@ -14,36 +13,6 @@
 #include "presets/Preset.h"
 
 namespace cairnset {
-
-namespace {
-
-const char* nameOf(const char* name) {
-  return name;
-}
-const char* nameOf(const Preset* preset) {
-  const char* name = preset->getTreeItemName();
-  return name != nullptr ? name : "";
-}
-
-}  // namespace
-
-// Equal under fncmp is equal under this: it folds the same bytes.
-std::size_t PresetList::NameHash::operator()(const char* name) const {
-  std::uint64_t hash = 0xCBF29CE484222325u;
-  for (std::size_t i = 0; i < 255 && name[i] != '\0'; ++i) {
-    hash = (hash ^ macRomanToUpper(static_cast<unsigned char>(name[i]))) * 0x100000001B3u;
-  }
-  return static_cast<std::size_t>(hash ^ (hash >> 32));
-}
-
-std::size_t PresetList::NameHash::operator()(const Preset* preset) const {
-  return (*this)(nameOf(preset));
-}
-
-template <typename A, typename B>
-bool PresetList::NameEqual::operator()(const A& a, const B& b) const {
-  return fncmp(nameOf(a), nameOf(b)) == 0;
-}
 
 PresetList::PresetList(const PresetList& other)
     : PtrManager(),
@@ -137,7 +106,7 @@ PtrLink* PresetList::addPtr(void* entry) {
   if (preset == nullptr) return link;
   // A preset at the end of the list is found only where nothing before it is.
   if (namesAreRight) {
-    _by_name.insert(preset);
+    _by_name.add(preset);
     _by_name_stamp = nameStamp();
   }
   if (filesAreRight) {
@@ -179,13 +148,13 @@ Preset* PresetList::findPreset(const char* name) const {
   if (name == nullptr) return nullptr;
   if (_by_name_stamp != nameStamp()) {
     _by_name.clear();
+    _by_name.reserve(static_cast<std::size_t>(count()));
     for (Preset* preset : presets()) {
-      if (preset != nullptr) _by_name.insert(preset);
+      if (preset != nullptr) _by_name.add(preset);
     }
     _by_name_stamp = nameStamp();
   }
-  const auto found = _by_name.find(name);
-  return found != _by_name.end() ? *found : nullptr;
+  return _by_name.find(name);
 }
 
 template <typename Lies>
@@ -362,20 +331,20 @@ OSStatus PresetList::openPresetsRecursively(const FSRef& folder, PresetLimb* lim
 }
 
 void PresetList::makeSureOfDefault() {
+  constexpr std::string_view kDefault = Preset::_default_preset_name;
   // One walk: to index all names for a single question would cost more.
   Preset* found = nullptr;
   for (Preset* preset : presets()) {
-    if (preset != nullptr &&
-        std::strlen(nameOf(preset)) == std::strlen(Preset::_default_preset_name) &&
-        NameEqual()(preset, Preset::_default_preset_name)) {
+    const char* own = preset != nullptr ? preset->getTreeItemName() : nullptr;
+    const std::string_view name = own != nullptr ? own : "";
+    if (name.size() == kDefault.size() && fncmp(name.data(), kDefault.data()) == 0) {
       found = preset;
       break;
     }
   }
   if (found == nullptr) {
-    unsigned char name[256] =
-        "\x07"
-        "Default";
+    Str255 name;
+    C2PCopy(name, kDefault.data());
     newPreset(name, true, false);
     // Where it could not be made this is another preset, which is made ROM and 0 all the same.
     // Meant so.

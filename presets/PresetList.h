@@ -3,11 +3,11 @@
 
 #include <cstdint>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
 #include "presets/FileIndex.h"
+#include "presets/NameIndex.h"
 #include "presets/PresetLimb.h"
 #include "storage/PtrManager.h"
 
@@ -136,17 +136,6 @@ class PresetList : public PtrManager, public PresetLimb {
   void destroyWithFile(Preset* preset);
 
  private:
-  struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(const char* name) const;
-    std::size_t operator()(const Preset* preset) const;
-  };
-  struct NameEqual {
-    using is_transparent = void;
-    template <typename A, typename B>
-    bool operator()(const A& a, const B& b) const;
-  };
-
   /// Up to which changes an index is right.
   struct Stamp {
     unsigned long list = ~0ul, detail = ~0ul;
@@ -169,7 +158,7 @@ class PresetList : public PtrManager, public PresetLimb {
   bool _confirmed = false;
   Preset* _current_preset = nullptr;
 
-  mutable std::unordered_set<Preset*, NameHash, NameEqual> _by_name;
+  mutable NameIndex _by_name;
   mutable Stamp _by_name_stamp;
   mutable FileIndex _by_file;
   mutable Stamp _by_file_stamp;

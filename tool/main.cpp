@@ -1,7 +1,12 @@
+#include <iostream>
+
 #include "host/Process.h"
 #include "tool/CommandLine.h"
 
 int main(int argc, char** argv) {
   cairnset::prepareProcess();
+  // Reports are written in large pieces; standard error goes out at once, after what was reported
+  // before it.
+  std::ios::sync_with_stdio(false);
   return cairnset::runCommandLine(argc, argv);
 }

@@ -1,0 +1,72 @@
+#include "presets/NameIndex.h"
+
+#include <utility>
+
+#include "host/MacRoman.h"
+#include "host/PascalStrings.h"
+#include "presets/Preset.h"
+
+namespace cairnset {
+
+namespace {
+
+// The same for names that fncmp takes for one: it folds the same bytes, and as many.
+std::uint32_t hashOf(const char* name) {
+  std::uint64_t hash = 0xCBF29CE484222325u;
+  for (std::size_t i = 0; i < 255 && name[i] != '\0'; ++i) {
+    hash = (hash ^ macRomanToUpper(static_cast<unsigned char>(name[i]))) * 0x100000001B3u;
+  }
+  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+}
+
+const char* nameOf(const Preset& preset) {
+  const char* name = preset.getTreeItemName();
+  return name != nullptr ? name : "";
+}
+
+}  // namespace
+
+void NameIndex::clear() {
+  _slots.clear();
+  _count = 0;
+}
+
+// The slot that the name is in, or the empty one where it would be put.
+std::size_t NameIndex::slotOf(const char* name, std::uint32_t hash) const {
+  std::size_t slot = hash & (_slots.size() - 1);
+  while (_slots[slot].preset != nullptr &&
+         (_slots[slot].hash != hash || fncmp(nameOf(*_slots[slot].preset), name) != 0)) {
+    slot = (slot + 1) & (_slots.size() - 1);
+  }
+  return slot;
+}
+
+void NameIndex::reserve(std::size_t count) {
+  std::size_t size = 16;
+  while (size < 2 * count)
+    size *= 2;
+  if (size <= _slots.size()) return;
+  const std::vector<Slot> before = std::exchange(_slots, std::vector<Slot>(size));
+  for (const Slot& moved : before) {
+    if (moved.preset == nullptr) continue;
+    std::size_t slot = moved.hash & (size - 1);
+    while (_slots[slot].preset != nullptr)
+      slot = (slot + 1) & (size - 1);
+    _slots[slot] = moved;
+  }
+}
+
+void NameIndex::add(Preset* preset) {
+  reserve(_count + 1);
+  const std::uint32_t hash = hashOf(nameOf(*preset));
+  Slot& slot = _slots[slotOf(nameOf(*preset), hash)];
+  if (slot.preset != nullptr) return;
+  slot = {hash, preset};
+  ++_count;
+}
+
+Preset* NameIndex::find(const char* name) const {
+  return _slots.empty() ? nullptr : _slots[slotOf(name, hashOf(name))].preset;
+}
+
+}  // namespace cairnset
