@@ -1,8 +1,6 @@
 // A folder of its own for a test.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -13,12 +11,14 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "host/FileManager.h"
 
 namespace cairnset {
 
-/// A new, empty folder, which goes with this object, unless a test failed: then it is kept, and said
-/// where. Names are paths below it; "" is the folder itself. Whatever cannot be done throws.
+/// A new, empty folder, which goes with this object, unless a test failed: then it is kept, and
+/// said where. Names are paths below it; "" is the folder itself. Whatever cannot be done throws.
 class TestFolder {
  public:
   TestFolder() {
@@ -49,8 +49,9 @@ class TestFolder {
     return result;
   }
 
+  /// Makes the folder, and those above it.
   void makeFolder(const std::string& name) const {
-    std::filesystem::create_directory(path(name));
+    std::filesystem::create_directories(path(name));
   }
 
   void write(const std::string& name, const std::string& bytes) const {

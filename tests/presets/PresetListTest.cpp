@@ -30,21 +30,13 @@ class PresetListTest : public testing::Test, protected TestFolder {
 
   // A file as the library itself writes it, with a ROM flag and an index.
   void writePreset(const std::string& path, bool rom, std::int32_t index) {
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash);
-    makeFolders("Presets/Velocity Maps/" + folder);
-    VelocityMapPreset preset(ref("Presets/Velocity Maps/" + folder), path.substr(slash + 1).c_str(),
-                             true);
+    const std::string whole = "Presets/Velocity Maps/" + path;
+    const std::string folder = whole.substr(0, whole.rfind('/'));
+    makeFolder(folder);
+    VelocityMapPreset preset(ref(folder), whole.substr(folder.size() + 1).c_str(), true);
     preset.setROM(rom);
     preset.setIndex(index);
     ASSERT_EQ(preset.writeOut(), 0);
-  }
-
-  void makeFolders(const std::string& name) {
-    for (std::size_t end = 0; end != std::string::npos;) {
-      end = name.find('/', end + 1);
-      if (!exists(name.substr(0, end))) makeFolder(name.substr(0, end));
-    }
   }
 
   std::string shown() {
@@ -188,14 +180,10 @@ TEST_F(PresetListTest, AccessorsByPositionStandEveryPosition) {
   for (const long i : {-1L, 1L, 99L}) {
     EXPECT_EQ(list.getCName(i), nullptr);
     EXPECT_FALSE(list.isROM(i) || list.isRAM(i) || list.getEdited(i) || list.isDefault(i));
-    list.setROM(i);
     EXPECT_EQ(list.renamePreset(i, pascal("x")) + list.savePreset(i) + list.reloadPreset(i), 0);
     list.getPresetListName(i, name);
     EXPECT_EQ(name[0], 0);
   }
-  EXPECT_TRUE(list.isROM(0) && list.isDefault(0));
-  list.setRAM(0);
-  EXPECT_TRUE(list.isRAM(0));
   list.setCurrentPreset(nullptr);
   EXPECT_EQ(list.currentPreset(), list.presetAt(0));
   EXPECT_EQ(list.findPresetIndex(nullptr), 0);
@@ -204,7 +192,7 @@ TEST_F(PresetListTest, AccessorsByPositionStandEveryPosition) {
 // Every indexed answer against the plain walk that defines it, through random changes.
 TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
   for (const char* folder : {"f", "f/g", "h"})
-    makeFolders(std::string("Presets/Velocity Maps/") + folder);
+    makeFolder(std::string("Presets/Velocity Maps/") + folder);
   load();
   std::mt19937 random(3);
   const auto pick = [&random](std::size_t n) { return static_cast<std::size_t>(random()) % n; };
@@ -272,7 +260,7 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
   for (const int round : {0, 1}) {
     for (int i = 0; i < 100; ++i) {
       const std::string folder = "Presets/Velocity Maps/f" + std::to_string(i % 10);
-      if (!exists(folder)) makeFolder(folder);
+      makeFolder(folder);
       write(folder + "/" + std::to_string(100 * round + i), bytes);
     }
     list.clearPresets();
