@@ -324,8 +324,11 @@ class Writer {
   }
 
   std::string referenceTo(const KindPlan& to, std::size_t n) {
-    if (_shape == LibraryShape::kSameName || _shape == LibraryShape::kOneHub) {
-      return to.presets[1].name;
+    if (_shape == LibraryShape::kOneHub) return to.presets[1].name;
+    if (_shape == LibraryShape::kSameName) {
+      // Written as it is, the name would make all of these the users of each preset that bears it:
+      // a report of the square of the library's size.
+      return n % 1000 == 1 ? to.presets[1].name : upperCase(to.presets[1].name);
     }
     if (_shape == LibraryShape::kBadNames) {
       return to.presets[to.rejected[(n - 1) / kReferrersOfABadName % to.rejected.size()]].name;

@@ -57,18 +57,15 @@ HeldSignals::HeldSignals(std::ostream* report) : _report(report) {
 }
 
 HeldSignals::~HeldSignals() {
-  if (--holders > 0) return;
-  sigset_t pending;
-  ::sigpending(&pending);
-  for (const int signal : kHeld) {
-    if (sigismember(&pending, signal) == 1 && _report != nullptr) _report->flush();
-  }
-  ::sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
+  if (_report != nullptr) _report->flush();
+  if (--holders == 0) ::sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
 }
 
-OutlivesReader::OutlivesReader() : _before(::signal(SIGPIPE, SIG_IGN)) {}
+OutlivesReader::OutlivesReader(std::ostream& report)
+    : _report(report), _before(::signal(SIGPIPE, SIG_IGN)) {}
 
 OutlivesReader::~OutlivesReader() {
+  _report.flush();
   ::signal(SIGPIPE, _before);
 }
 

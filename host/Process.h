@@ -20,7 +20,8 @@ const char* optionArgument();
 void restartOptions();
 
 /// Holds SIGINT, SIGTERM and SIGHUP back as long as it lives, for steps that must not be left
-/// half-done. A signal that came meanwhile is delivered at the end, after `report` was flushed.
+/// half-done. At the end `report` (may be null) is flushed, so that it tells of all that was done,
+/// and a signal that came meanwhile is delivered.
 class HeldSignals {
  public:
   explicit HeldSignals(std::ostream* report = nullptr);
@@ -32,16 +33,17 @@ class HeldSignals {
   std::ostream* _report;
 };
 
-/// As long as it lives, a reader of standard output that goes away makes writing fail instead of
-/// ending the process, for commands that change files.
+/// As long as it lives, a reader of `report` that goes away makes writing fail instead of ending
+/// the process, for commands that change files. The report is flushed at the end.
 class OutlivesReader {
  public:
-  OutlivesReader();
+  explicit OutlivesReader(std::ostream& report);
   ~OutlivesReader();
   OutlivesReader(const OutlivesReader&) = delete;
   OutlivesReader& operator=(const OutlivesReader&) = delete;
 
  private:
+  std::ostream& _report;
   void (*_before)(int);
 };
 

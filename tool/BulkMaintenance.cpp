@@ -11,7 +11,7 @@
 namespace cairnset {
 
 void sortIntoSubdirectories() {
-  const OutlivesReader outlives;
+  const OutlivesReader outlives(std::cout);
   if (_pm != nullptr) _pm->sortAllForBrowser();
   (void)instantiate();  // where this fails there is no library left to report on
   std::cout << "Sorting presets has finished.\n";
@@ -26,14 +26,14 @@ void setROM(PresetList* list, bool rom) {
 }
 
 void makeAllROM() {
-  const OutlivesReader outlives;
+  const OutlivesReader outlives(std::cout);
   for (PresetList* list : {_v, _e, _p, _s})
     setROM(list, true);
   std::cout << "Setting all presets to ROM has finished.\n";
 }
 
 void makeAllRAM() {
-  const OutlivesReader outlives;
+  const OutlivesReader outlives(std::cout);
   for (PresetList* list : {_v, _e, _p, _s})
     setROM(list, false);
   std::cout << "Setting all presets to RAM has finished.\n";

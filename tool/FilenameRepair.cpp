@@ -96,7 +96,7 @@ int checkFilenames() {
 }
 
 int fixFilenames() {
-  const OutlivesReader outlives;
+  const OutlivesReader outlives(std::cout);
   const Renaming renamings[] = {
       {_v, "velmap", _s, &kSessionVelocityMapReference, "session"},
       {_e, "effect", _p, &kProgramEffectsReference, "program"},

@@ -2,15 +2,17 @@
 #pragma once
 
 #include <cerrno>
+#include <fcntl.h>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "host/FileManager.h"
-#include "host/Names.h"
+#include "host/NodeTable.h"
 #include "host/SystemCalls.h"
 #include "tests/TestFolder.h"
 
@@ -23,13 +25,12 @@ class FileTest : public testing::Test, protected TestFolder {
     systemCalls() = real;
     EXPECT_EQ(lowestFreeDescriptor(), _lowest) << "a descriptor was left open";
   }
-
   static int lowestFreeDescriptor() {
     const int descriptor = ::dup(STDERR_FILENO);
     ::close(descriptor);
     return descriptor;
   }
-  /// Sets errno and answers failure: the body of a call that fails.
+  /// What a system call does that fails.
   static int failWith(int error) {
     errno = error;
     return -1;
@@ -44,24 +45,17 @@ class FileTest : public testing::Test, protected TestFolder {
   static OSErr rename(const FSRef& ref, std::u16string_view name, FSRef* out = nullptr) {
     return FSRenameUnicode(&ref, name.size(), name.data(), kTextEncodingUnknown, out);
   }
-  static OSErr move(const FSRef& ref, const FSRef& folder, FSRef* out = nullptr) {
-    return FSMoveObject(&ref, &folder, out);
-  }
   static OSErr openFork(const FSRef& ref, std::int8_t permissions, std::int16_t* fork) {
     return FSOpenFork(&ref, 0, u"", permissions, fork);
   }
-  /// The item's name as the volume has it.
-  static std::string volumeName(const FSRef& ref) {
-    HFSUniStr255 name;
-    std::string bytes;
-    placeOf(ref, nullptr, &name);
-    EXPECT_EQ(volumeNameFromUnicode({name.unicode, name.length}, bytes), noErr);
-    return bytes;
+  void symlink(const std::string& target, const std::string& name) {
+    std::filesystem::create_symlink(target, path(name));
   }
-  /// What an iterator gives: the volume names in order, those of folders with a "/". The iterator
-  /// is left open.
-  static OSErr iterate(const FSRef& folder, std::vector<std::string>& names,
-                       std::vector<FSRef>* items = nullptr) {
+
+  /// What an iterator gives, which is left open: the volume names, folders with a "/", each with a
+  /// "|" after it; or the result code.
+  static std::string listed(const FSRef& folder, std::vector<FSRef>* items = nullptr) {
+    std::string names;
     FSIterator iterator;
     OSErr result = FSOpenIterator(&folder, 0, &iterator);
     while (result == noErr) {
@@ -70,11 +64,12 @@ class FileTest : public testing::Test, protected TestFolder {
       std::size_t count = 0;
       result = FSGetCatalogInfoBulk(iterator, 3, &count, kFSCatInfoNodeFlags, infos, refs);
       for (std::size_t i = 0; i < count; ++i) {
-        names.push_back(volumeName(refs[i]) + (infos[i].nodeFlags != 0 ? "/" : ""));
+        names += NodeTable::shared().name(refs[i].node);
+        names += infos[i].nodeFlags != 0 ? "/|" : "|";
         if (items != nullptr) items->push_back(refs[i]);
       }
     }
-    return result == errFSNoMoreItems ? noErr : result;
+    return result == errFSNoMoreItems ? names : std::to_string(result);
   }
 
   const SystemCalls real = systemCalls();

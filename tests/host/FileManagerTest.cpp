@@ -1,0 +1,299 @@
+#include <algorithm>
+#include <cstring>
+#include <sys/resource.h>
+#include <utility>
+
+#include "host/FileSystemHelpers.h"
+#include "tests/host/FileTest.h"
+
+namespace cairnset {
+namespace {
+
+class FileManagerTest : public FileTest {
+ protected:
+  // The path below this folder, or the code of what went wrong.
+  std::string shown(const FSRef& ref, OSErr result = noErr) {
+    char text[PATH_MAX];
+    if (result == noErr) result = convertFSRefToPath(&ref, text, sizeof text);
+    return result == noErr ? std::string(text).substr(path("").size()) : std::to_string(result);
+  }
+};
+
+TEST_F(FileManagerTest, ErrnoBecomesAResultCode) {
+  const std::pair<int, OSErr> cases[] = {
+      {0, 0},        {ENOENT, -43}, {ENOTDIR, -120}, {EEXIST, -48},  {ENOTEMPTY, -47},
+      {ENOSPC, -34}, {EDQUOT, -34}, {EIO, -36},      {EMFILE, -42},  {ENFILE, -42},
+      {EROFS, -46},  {EACCES, -54}, {EPERM, -54},    {EXDEV, -1303}, {ENAMETOOLONG, -37},
+      {EILSEQ, -37}, {EINVAL, -50}, {ELOOP, -36}};
+  for (const auto& [error, code] : cases)
+    EXPECT_EQ(resultFromErrno(error), code) << std::strerror(error);
+}
+
+TEST_F(FileManagerTest, PathsAreResolvedOnceAndForAll) {
+  write("file", "x");
+  makeFolder("folder");
+  symlink("file", "alias");
+  symlink("nowhere", "dangling");
+  symlink("loop", "loop");
+  const std::string tooLong(256, 'n');
+  const std::pair<const char*, const char*> cases[] = {
+      {"file", "/file"},       {"folder/", "/folder"}, {"folder/..//folder/.", "/folder"},
+      {"alias", "/file"},      {"none", "-43"},        {"none//", "-43"},
+      {"folder/none", "-43"},  {"none/none", "-120"},  {"file/none", "-120"},
+      {"dangling", "-43"},     {"dangling/x", "-120"}, {"loop", "-36"},
+      {tooLong.c_str(), "-37"}};
+  for (const auto& [name, expected] : cases) {
+    FSRef found;
+    EXPECT_EQ(shown(found, FSPathMakeRef(path(name).c_str(), &found, nullptr)), expected) << name;
+  }
+  const FSRef file = ref("file");
+  std::string text(path("file").size() + 1, '?');  // room for the path and its NUL
+  EXPECT_EQ(FSRefMakePath(&file, text.data(), text.size() - 1), bdNamErr);
+  EXPECT_EQ(text, std::string(text.size(), '?'));
+  EXPECT_EQ(FSRefMakePath(&file, text.data(), text.size()), noErr);
+}
+
+// What the seam lists: the entries turned round, or their kinds kept back, or some and an error.
+struct Listing {
+  static inline std::vector<struct dirent> entries;
+  static inline std::size_t failAfter = 99, given = 0;
+  static inline std::ptrdiff_t turn = 0;
+  static inline bool hideKinds = false;
+
+  static DIR* open(int descriptor) {
+    DIR* folder = ::fdopendir(descriptor);
+    entries.clear();
+    while (const struct dirent* entry = ::readdir(folder))
+      entries.push_back(*entry);
+    std::rotate(entries.begin(), entries.begin() + turn % std::ssize(entries), entries.end());
+    for (struct dirent& entry : entries)
+      if (hideKinds) entry.d_type = DT_UNKNOWN;
+    given = 0;
+    return folder;
+  }
+  static struct dirent* next(DIR*) {
+    if (given == failAfter) errno = EIO;
+    return given == failAfter || given == entries.size() ? nullptr : &entries[given++];
+  }
+};
+
+TEST_F(FileManagerTest, ListsInTheOrderOfTheInstrumentsHost) {
+  // Decomposed, in lower case, unit by unit ("." 2E, "/" 2F, "1" 31, "z" 7A, acute 301, ae E6,
+  // alpha 3B1, U+1F600 D83D DE00, bytes that are not UTF-8 DCxx, full-width a FF41), then by the
+  // bytes.
+  const std::string order =
+      " x|1|10|2/|_x|a|A.b/|a:b|a1|AB/|ab|E|ez|E\xCC\x81|e\xCC\x81|\xC3\x89z/|\xC3\xA9z|f|\xC3\xA6|"
+      "\xCE\xB1|\xF0\x9F\x98\x80|\xFF|\xEF\xBC\xA1|";
+  for (std::size_t start = 0, end; start < order.size(); start = end + 1) {
+    end = order.find('|', start);
+    const std::string name = order.substr(start, end - start);
+    name.back() == '/' ? makeFolder(name.substr(0, name.size() - 1)) : write(name, "");
+  }
+  systemCalls().fdopendir = Listing::open;
+  systemCalls().readdir = Listing::next;
+  for (Listing::turn = 0; Listing::turn < 25; ++Listing::turn) {
+    Listing::hideKinds = Listing::turn % 2 != 0;
+    ASSERT_EQ(listed(ref("")), order) << Listing::turn;
+  }
+}
+
+TEST_F(FileManagerTest, AListingThatFailsIsNoEnd) {
+  static int error;
+  for (const char* name : {"a", "b", "c"})
+    makeFolder(name);
+  systemCalls().fdopendir = Listing::open;
+  systemCalls().readdir = Listing::next;
+  for (Listing::failAfter = 0; Listing::failAfter <= 5; ++Listing::failAfter)  // "." and ".." too
+    EXPECT_EQ(listed(ref("")), "-36") << Listing::failAfter;
+  Listing::hideKinds = true;
+  systemCalls().lstat = [](int folder, const char* name, struct stat* out) {
+    return std::strcmp(name, "b") == 0 ? failWith(error)
+                                       : ::fstatat(folder, name, out, AT_SYMLINK_NOFOLLOW);
+  };
+  for (const auto& [number, expected] : {std::pair{EIO, "-36"}, {ENOENT, "a/|c/|"}}) {
+    error = number;
+    EXPECT_EQ(listed(ref("")), expected) << "a folder whose kind cannot be told, or that has gone";
+  }
+  systemCalls().close = [](int descriptor) { return ::close(descriptor), failWith(ENOSPC); };
+  systemCalls().fdopendir = [](int) -> DIR* { return failWith(EMFILE), nullptr; };
+  EXPECT_EQ(listed(ref("")), "-42") << "not what the tidying met";
+}
+
+TEST_F(FileManagerTest, AliasesAreFollowedOnlyWhenResolved) {
+  makeFolder("folder");
+  write("folder/file", "x");
+  symlink("folder/../b/", "a");
+  symlink("folder//", "b");
+  symlink("none/none/none", "dangling");
+  symlink("dangling", "e");
+  symlink("loop", "loop");
+  std::vector<FSRef> items;
+  ASSERT_EQ(listed(ref(""), &items), "a|b|dangling|e|folder/|loop|");
+  FSRef found;
+  EXPECT_EQ(find(items[1], u"file", &found), dirNFErr);
+  EXPECT_EQ(listed(items[1]), "-120");
+  EXPECT_FALSE(isFolder(&items[1]));
+  const std::pair<std::string, std::string> cases[] = {
+      // by one step, and in the end
+      {"/b", "/folder"},    {"/folder", "/folder"}, {"-43", "-43"},
+      {"/dangling", "-43"}, {"/folder", "/folder"}, {"/loop", "-36"}};
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    for (const bool toTheEnd : {false, true}) {
+      const std::string& expected = toTheEnd ? cases[i].second : cases[i].first;
+      bool toFolder = false;
+      found = items[i];
+      EXPECT_EQ(shown(found, FSResolveAliasFile(&found, toTheEnd, &toFolder, nullptr)), expected);
+      EXPECT_EQ(toFolder, expected == "/folder") << i << toTheEnd;
+    }
+  }
+  EXPECT_EQ(FSDeleteObject(&items[1]), noErr);
+  EXPECT_EQ(read("folder/file"), "x");
+}
+
+// With one descriptor to be had, and so deep that no call takes the whole path.
+TEST_F(FileManagerTest, FoldersDeeperThanAPathIsLong) {
+  const std::string part(200, 'd');
+  int bottom = ::open(path("").c_str(), O_RDONLY | O_DIRECTORY);
+  for (int length = 0; length < 3 * PATH_MAX; length += 200) {
+    ASSERT_EQ(::mkdirat(bottom, part.c_str(), 0700), 0);
+    const int next = ::openat(bottom, part.c_str(), O_RDONLY | O_DIRECTORY);
+    ::close(std::exchange(bottom, next));
+  }
+  ::close(::openat(bottom, "file", O_CREAT | O_WRONLY, 0600));
+  struct rlimit before, low;
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  low = before;
+  low.rlim_cur = static_cast<rlim_t>(lowestFreeDescriptor()) + 2;  // on the way, and the listing
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &low), 0);
+  std::vector<FSRef> folders{ref("")};
+  for (std::string names = part + "/|"; names == part + "/|";)
+    names = listed(FSRef(folders.back()), &folders);
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  ASSERT_EQ(folders.size(), 3u * PATH_MAX / 200 + 3);
+  FSRef file = folders.back(), made;
+  folders.pop_back();
+  std::int16_t fork = 0;
+  ASSERT_EQ(openFork(file, fsRdWrPerm, &fork), noErr);
+  EXPECT_EQ(FSWriteFork(fork, fsFromStart, 0, 4, "deep", nullptr), noErr);
+  EXPECT_EQ(FSCloseFork(fork), noErr);
+  ASSERT_EQ(create(folders.back(), u"other", &made), noErr);
+  EXPECT_EQ(rename(made, u"file"), dupFNErr);
+  EXPECT_EQ(rename(file, u"renamed", &file), noErr);
+  EXPECT_EQ(FSMoveObject(&made, &folders[0], nullptr), noErr);
+  EXPECT_TRUE(exists("other"));
+  char text[5] = "";
+  const int descriptor = ::openat(bottom, "renamed", O_RDONLY);
+  EXPECT_EQ(::read(descriptor, text, 4), 4);
+  EXPECT_STREQ(text, "deep");
+  ::close(descriptor);
+  ::close(bottom);
+  EXPECT_TRUE(getCreationDate(&file) != 0 && setCreationDate(&file, 1) == bdNamErr);
+  EXPECT_EQ(FSDeleteObject(&file), noErr);
+  for (; folders.size() > 1; folders.pop_back())
+    EXPECT_EQ(FSDeleteObject(&folders.back()), noErr) << folders.size();
+  EXPECT_EQ(FSRefIsValid(file), dirNFErr);
+}
+
+// Found again by FSSpec and by exact name, whatever the volume calls it, and put back to the byte.
+TEST_F(FileManagerTest, EveryItemIsFoundByItsNames) {
+  std::vector<std::string> names = {
+      "plain",    "a:b",       std::string(63, 'x'), std::string(64, 'x'), std::string(255, 'x'),
+      "\xC3\xA9", "e\xCC\x81", "\xE6\x97\xA5",       "\xE6\x9C\xAC",       "\xFF",
+      "\xFE",     "Take #2",   "x#ffffffff"};
+  std::vector<FSSpec> specs(40);
+  for (std::size_t i = 0; i < specs.size() && i < names.size(); ++i) {
+    write(names[i], "");
+    ASSERT_EQ(convertPathToFSSpec(path(names[i]).c_str(), &specs[i]), noErr) << names[i];
+    // A file can be called just what another one's FSSpec calls that.
+    const std::string called(specs[i].name + 1, specs[i].name + 1 + specs[i].name[0]);
+    if (called.find_first_of("/\x8E") == called.npos && !exists(called)) names.push_back(called);
+    if (const std::size_t mark = called.rfind('#'); mark < 9)
+      names.push_back("my" + called.substr(mark));
+  }
+  names.resize(std::min(names.size(), specs.size()));
+  const std::vector<std::string> before = list("");
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    FSRef item, folder;
+    FSSpec parent;
+    HFSUniStr255 name;
+    EXPECT_EQ(FSpMakeFSRef(&specs[i], &item), noErr) << names[i];
+    EXPECT_EQ(item, ref(names[i])) << names[i];
+    EXPECT_EQ(getParent(parent, specs[i]), noErr);
+    EXPECT_TRUE(placeOf(item, &folder, &name) && folder.node == specs[i].parID);
+    EXPECT_EQ(rename(item, u"other", &item), noErr);
+    EXPECT_EQ(rename(item, {name.unicode, name.length}, &item), noErr) << names[i];
+    EXPECT_EQ(list(""), before) << names[i];
+  }
+  const std::uint32_t folder = ref("").node;
+  FSSpec elsewhere = specs[5];
+  elsewhere.parID = NodeTable::kRoot;
+  const std::pair<FSSpec, OSErr> others[] = {
+      {{1, folder, {1, 'x'}}, nsvErr},   {elsewhere, fnfErr},
+      {{0, folder, {1, 'x'}}, fnfErr},   {{0, folder, {64}}, bdNamErr},
+      {{0, 0, {1, 'x'}}, errFSBadFSRef}, {{0, 0, {0}}, noErr}};
+  for (const auto& [spec, expected] : others) {
+    FSRef found;
+    EXPECT_EQ(FSpMakeFSRef(&spec, &found), expected) << spec.parID << ' ' << int{spec.name[0]};
+  }
+}
+
+TEST_F(FileManagerTest, CreationDates) {
+  static int birthError;
+  write("file", "x");
+  const FSRef file = ref("file");
+  const struct timespec times[] = {{}, {0, 250000000}};  // changed at 1970-01-01 00:00:00.25
+  ASSERT_EQ(::utimensat(AT_FDCWD, path("file").c_str(), times, 0), 0);
+  systemCalls().getAttribute = [](const char*, const char*, void*, std::size_t) -> ssize_t {
+    return failWith(ENODATA);
+  };
+  systemCalls().birthTime = [](int, const char*, struct timespec* out) {
+    *out = {978307200, 500000000};  // born at 2001-01-01 00:00:00.5
+    return birthError == 0 ? 0 : failWith(birthError);
+  };
+  EXPECT_EQ(getCreationDate(&file), 3061152000u * 65536ull + 0x8000);
+  birthError = ENOTSUP;
+  EXPECT_EQ(getCreationDate(&file), 2082844800u * 65536ull + 0x4000);
+  systemCalls().getAttribute = real.getAttribute;
+  // Set by us, and read as whoever comes later finds it.
+  if (setCreationDate(&file, 0xF102030405060708) == ioErr) GTEST_SKIP() << "no attributes here";
+  char bytes[9] = "";
+  EXPECT_EQ(real.getAttribute(path("file").c_str(), "user.cairnset.created", bytes, 9), 8);
+  EXPECT_STREQ(bytes, "\xF1\2\3\4\5\6\7\b");
+  FSRef moved;
+  ASSERT_EQ(rename(file, u"moved", &moved), noErr);
+  EXPECT_EQ(getCreationDate(&moved), 0xF102030405060708u);
+}
+
+TEST_F(FileManagerTest, HelpersAndTheUsersFolder) {
+  makeFolder("home");
+  const FSRef home = ref("home"), top = ref("");
+  FSRef file, accented, found;
+  ASSERT_EQ(create(top, std::u16string(64, u'y'), &file), noErr);
+  ASSERT_EQ(create(top, u"/\u00E9", &accented), noErr);
+  EXPECT_EQ(list("")[0], ":\xC3\xA9") << "written composed";
+  EXPECT_EQ(setCFilename(found = file, "/\x8E"), noErr);
+  EXPECT_EQ(found, accented);
+  EXPECT_EQ(setCFilename(found, std::string(70, 'y').c_str()), noErr) << "64 units count";
+  EXPECT_EQ(found, file);
+  char name[3];
+  getCFilename(accented, name, sizeof name);
+  EXPECT_STREQ(name, "/\x8E");
+  EXPECT_TRUE(isSameFolder(&file, &top) && isSameFolder(&file, &file) && isFolder(&top));
+  EXPECT_FALSE(isSameFolder(&home, &top) || isSameFolder(&home, &file) || fileExists(&file));
+  EXPECT_TRUE(getFolderNode(&file) == 0 && getFolderNode(&home) == home.node);
+  write("file", "x");
+  const std::tuple<std::string, bool, std::string> cases[] = {
+      {"xdg/deep", false, "-43"}, {"xdg/deep", true, "/xdg/deep"}, {"xdg/deep", false, "/xdg/deep"},
+      {"", false, "-43"},         {"", true, "/home/.config"},     {"file", false, "-120"},
+      {"file/x", true, "-120"}};
+  for (const auto& [xdg, make, expected] : cases) {
+    ::setenv("XDG_CONFIG_HOME", xdg.empty() ? "relative" : path(xdg).c_str(), 1);
+    ::setenv("HOME", path("home").c_str(), 1);
+    FSRef folder;
+    EXPECT_EQ(shown(folder, FSFindFolder(kUserDomain, kPreferencesFolderType, make, &folder)),
+              expected);
+  }
+}
+
+}  // namespace
+}  // namespace cairnset

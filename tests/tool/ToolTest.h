@@ -1,0 +1,77 @@
+// What the tests of the command line share: preset files, made from the file format alone so that
+// the program does not vouch for itself, and running the program.
+#pragma once
+
+#include <cstdlib>
+#include <sys/wait.h>
+
+#include "tests/TestFolder.h"
+
+namespace cairnset {
+
+struct KindFormat {
+  const char* folder;
+  const char* code;
+  std::size_t references;  // name fields of 64 bytes at the start of the payload
+  unsigned declared;       // payload length as stored
+  std::size_t payload;     // and as it is, without its own 4 bytes
+};
+
+inline const KindFormat& formatOf(const std::string& path) {
+  static constexpr KindFormat kKinds[] = {{"Velocity Maps", "VMap", 0, 10, 10},
+                                          {"Effects", "Effx", 0, 63, 63},
+                                          {"Programs", "Prog", 1, 108, 172},
+                                          {"Sessions", "Sess", 2, 150, 150}};
+  for (const KindFormat& kind : kKinds) {
+    if (path.substr(0, path.find('/')) == kind.folder) return kind;
+  }
+  throw std::runtime_error("in no kind's folder: " + path);
+}
+
+struct PresetFile {
+  std::string path;  // from the kind's folder on; its end, with ":" for "/", is the stored name
+  bool rom = false;
+  unsigned index = 0;
+  std::vector<std::string> references{};  // those not given are to "Default"
+
+  std::string bytes() const {
+    const auto big = [](unsigned long value) {
+      std::string four;
+      for (int shift = 24; shift >= 0; shift -= 8)
+        four += static_cast<char>(value >> shift & 0xFF);
+      return four;
+    };
+    const auto field = [](std::string text) { return text.append(64, '\0').substr(0, 64); };
+    const KindFormat& kind = formatOf(path);
+    std::string name = path.substr(path.rfind('/') + 1, 63);
+    std::replace(name.begin(), name.end(), ':', '/');
+    std::string payload;
+    for (std::size_t i = 0; i < kind.references; ++i)
+      payload += field(i < references.size() ? references[i] : "Default");
+    while (payload.size() < kind.payload)
+      payload += static_cast<char>('!' + payload.size() % 64);  // no float of these is a NaN
+    return std::string("OlPs") + kind.code + big(93 + kind.payload) + field(name) +
+           std::string(8, '\0') + (rom ? '\1' : '\0') + big(index) + big(kind.declared) + payload;
+  }
+};
+
+/// Writes a file and makes the folders on the way to it.
+inline void put(const TestFolder& folder, const std::string& name, const std::string& bytes) {
+  std::filesystem::create_directories(std::filesystem::path(folder.path(name)).parent_path());
+  folder.write(name, bytes);
+}
+inline void put(const TestFolder& folder, const PresetFile& preset) {
+  put(folder, "lib/Presets/" + preset.path, preset.bytes());
+}
+
+/// Runs a shell's command line, in which the program is "cairnset", in the folder. Answers its exit
+/// status, or -1.
+inline int shell(const TestFolder& folder, const std::string& command) {
+  const std::string program = CAIRNSET_PROGRAM;
+  const int status = std::system(("cd '" + folder.path("") + "' && PATH=\"" +
+                                  program.substr(0, program.rfind('/')) + ":$PATH\" && " + command)
+                                     .c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace cairnset
