@@ -62,11 +62,7 @@ OSErr renameByLink(const Location& from, const Location& to) {
     // Over a network a call can be done and yet be answered by an error: the new name goes again
     // only where the old one is seen to be left.
     struct stat info;
-    if (isOneItem(from, to, info)) {
-      calls.unlink(to.folder(), to.path(), 0);
-    } else if (calls.lstat(from.folder(), from.path(), &info) != 0 && errno == ENOENT) {
-      return noErr;
-    }
+    if (isOneItem(from, to, info)) calls.unlink(to.folder(), to.path(), 0);
     return resultFromErrno(error);
   }
   if (errno == EEXIST) return nameIsTaken(from, to);

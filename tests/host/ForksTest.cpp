@@ -59,7 +59,7 @@ TEST_F(ForksTest, CompletesInterruptedAndShortTransfers) {
   systemCalls().pwrite = [](int d, const void* bytes, std::size_t n, off_t at) -> ssize_t {
     return ++calls % 2 == 0 ? failWith(EINTR) : ::pwrite(d, bytes, std::min<std::size_t>(n, 3), at);
   };
-  for (const std::size_t size : {0, 1, 1023, 1024, 1025, 3000}) {
+  for (const std::size_t size : {0u, 1u, 1023u, 1024u, 1025u, 3000u}) {
     std::string content;
     while (content.size() < size)
       content += static_cast<char>(content.size() * 7 + content.size() / 256);
