@@ -52,6 +52,15 @@ class FileTest : public testing::Test, protected TestFolder {
     std::filesystem::create_symlink(target, path(name));
   }
 
+  /// Whether the volume keeps names byte for byte and tells cases apart, as not every one does.
+  bool keepsNames() {
+    std::error_code none;
+    std::ofstream(path("A\xFF")).close();
+    const bool keeps = std::filesystem::exists(path("A\xFF"), none) &&
+                       !std::filesystem::exists(path("a\xFF"), none);
+    std::filesystem::remove(path("A\xFF"), none);
+    return keeps;
+  }
   /// What an iterator gives, which is left open: the volume names, folders with a "/", each with a
   /// "|" after it; or the result code.
   static std::string listed(const FSRef& folder, std::vector<FSRef>* items = nullptr) {

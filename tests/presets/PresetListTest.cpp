@@ -216,7 +216,8 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
         if (preset != nullptr) preset->moveToFolder(folder, pick(2) == 0);
         break;
       case 4:
-        if (list.count() > 12) list.deletePreset(static_cast<long>(pick(12)));
+        if (list.count() > 12) list.deletePreset(list.findPresetIndex(preset));
+        preset = nullptr;
         break;
       case 5:
         list.reorderPresets();
