@@ -81,9 +81,8 @@ OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* 
                         const FSRef* target, FSRef* ref) {
   struct stat info;
   if (const OSErr result = itemInfo(*target, info); result != noErr) return result;
-  if (const OSErr result = requireFolder(*folder); result != noErr) return result;
   std::string volumeName;
-  if (const OSErr result = volumeNameFromUnicode({name, length}, volumeName); result != noErr) {
+  if (const OSErr result = volumeNameIn(*folder, length, name, volumeName); result != noErr) {
     return result;
   }
   const Location place(*folder, volumeName);

@@ -205,9 +205,8 @@ OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, const FSCata
 
 OSErr FSMakeFSRefUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
                          std::uint32_t /*encodingHint*/, FSRef* ref) {
-  if (const OSErr result = requireFolder(*folder); result != noErr) return result;
   std::string volumeName;
-  if (const OSErr result = volumeNameFromUnicode({name, length}, volumeName); result != noErr) {
+  if (const OSErr result = volumeNameIn(*folder, length, name, volumeName); result != noErr) {
     return result;
   }
   {

@@ -105,9 +105,8 @@ OSErr renameWithoutReplacing(const FSRef& ref, const FSRef& newFolder, const std
 template <typename Make>
 OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef* ref, FSSpec* spec,
              Make make) {
-  if (const OSErr result = requireFolder(folder); result != noErr) return result;
   std::string volumeName;
-  if (const OSErr result = volumeNameFromUnicode({name, length}, volumeName); result != noErr) {
+  if (const OSErr result = volumeNameIn(folder, length, name, volumeName); result != noErr) {
     return result;
   }
   {

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <string>
 
+#include "host/Names.h"
 #include "host/NodeTable.h"
 #include "host/SystemCalls.h"
 
@@ -105,6 +106,12 @@ OSErr requireFolder(const FSRef& folder) {
     return errno == ENOENT ? dirNFErr : resultFromErrno(errno);
   }
   return S_ISDIR(info.st_mode) ? noErr : dirNFErr;
+}
+
+OSErr volumeNameIn(const FSRef& folder, std::size_t length, const UniChar* name,
+                   std::string& volumeName) {
+  const OSErr result = requireFolder(folder);
+  return result == noErr ? volumeNameFromUnicode({name, length}, volumeName) : result;
 }
 
 OSErr failureAt(const FSRef& ref, int error) {

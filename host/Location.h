@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <sys/stat.h>
 
@@ -48,6 +49,11 @@ OSErr itemInfo(const FSRef& ref, struct stat& info);
 /// noErr where `folder` is a real folder; dirNFErr where it is missing or is anything else, an
 /// alias to a folder included, so that nothing is ever made or looked for behind one.
 OSErr requireFolder(const FSRef& folder);
+
+/// The volume name of `name` for an item in `folder`. dirNFErr where that is no real folder,
+/// bdNamErr where it can hold no such name.
+OSErr volumeNameIn(const FSRef& folder, std::size_t length, const UniChar* name,
+                   std::string& volumeName);
 
 /// The result code of a failed call on the item at `ref`, telling a missing item (fnfErr) from a
 /// missing folder (dirNFErr).

@@ -1,15 +1,13 @@
 // What the tests of this layer share.
 #pragma once
 
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "host/FileManager.h"
 #include "storage/VirtualFile.h"
+#include "tests/TestFolder.h"
 
 namespace cairnset {
 
@@ -24,19 +22,15 @@ inline std::string contentOf(const VirtualFile& f) {
   return {f.buffer(), f.size()};
 }
 
-/// A real file with content and its open data fork. The file of a failed test is kept.
+/// A real file with content and its open data fork.
 struct ForkFile {
   explicit ForkFile(const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-    FSRef ref;
-    EXPECT_EQ(FSPathMakeRef(path.c_str(), &ref, nullptr), noErr) << path;
-    EXPECT_EQ(FSOpenFork(&ref, 0, u"", fsRdWrPerm, &fork), noErr) << path;
+    folder.write("file", content);
+    const FSRef ref = folder.ref("file");
+    EXPECT_EQ(FSOpenFork(&ref, 0, u"", fsRdWrPerm, &fork), noErr);
   }
-  ~ForkFile() {
-    EXPECT_EQ(FSCloseFork(fork), noErr);
-    if (!::testing::Test::HasFailure()) std::filesystem::remove(path);
-  }
-  const std::string path = ::testing::TempDir() + "fork" + std::to_string(std::random_device{}());
+  ~ForkFile() { EXPECT_EQ(FSCloseFork(fork), noErr); }
+  const TestFolder folder;
   short fork = 0;
 };
 

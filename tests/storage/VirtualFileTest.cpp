@@ -9,21 +9,12 @@
 #include "storage/VirtualFile.h"
 #include "tests/storage/StorageTest.h"
 
-// Array allocations of the whole test program, to see how large they are and to let them fail.
+// The allocations of the whole test program, to see how large they are and to let them fail.
 static bool outOfMemory = false;
 static std::size_t lastArraySize = 0;
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
   lastArraySize = size;
-  return outOfMemory ? nullptr : std::malloc(size);
-}
-void* operator new[](std::size_t size) {
-  return operator new[](size, std::nothrow);
-}
-void operator delete[](void* p) noexcept {
-  std::free(p);
-}
-void operator delete[](void* p, std::size_t) noexcept {
-  std::free(p);
+  return outOfMemory ? nullptr : ::operator new[](size);
 }
 
 namespace cairnset {
@@ -70,7 +61,7 @@ TEST(VirtualFile, RandomOperationsMatchAString) {
     } else {
       const auto whence = static_cast<from_pos>(random() % 3);
       std::size_t& at = operation == 5 ? readAt : writeAt;
-      const long base = static_cast<long>(whence == 0 ? 0 : whence == 1 ? at : size);
+      const auto base = static_cast<long>(whence == 0 ? 0 : whence == 1 ? at : size);
       const auto target = static_cast<std::size_t>(std::max(0l, base + length - 10));
       if (operation == 6) resize(std::max(size, target));
       at = std::min(target, size);
@@ -89,64 +80,40 @@ TEST(VirtualFile, RefusesImpossibleSizes) {
     EXPECT_EQ(f.resize_buffer(n) + VirtualFile(&byte, n, true, 16).confirm(), -2) << n;
     EXPECT_EQ(f.compare(f, 2, n) + f.compare(f, n, 2) + f.copyData(other, 0, n), 2) << n;
   }
-  for (const long n : {-1l, LONG_MIN, 629145600l, LONG_MAX}) {
-    EXPECT_EQ(f.write(&byte, n) + f.write(other, n) + f.writeZeroes(n) + f.append(&byte, n), 0)
-        << n;
-    EXPECT_EQ(f.seekg(n, from_end), n == -1 ? 2 : n < 0 ? 0 : 3) << n;
-    EXPECT_EQ(n < 0 ? f.read(&byte, n) + f.writeStringAndPad("", n) : f.seekp(n, from_end) - 3, 0);
-  }
+  for (const long n : {-1l, LONG_MIN, 629145600l, LONG_MAX})
+    EXPECT_EQ(f.write(&byte, n) + f.write(other, n) + f.writeZeroes(n) + f.append(&byte, n), 0);
+  EXPECT_EQ(f.seekg(LONG_MIN, from_end) + f.read(&byte, -1) + f.writeStringAndPad("", -1), 0);
+  EXPECT_EQ(f.seekg(LONG_MAX, from_end) + f.seekp(LONG_MAX, from_end), 6);
 }
 
 TEST(VirtualFile, AllocatesBlocksAndSurvivesLackOfMemory) {
-  std::string bytes(300, 'x');
-  const auto capacity = [&bytes](unsigned long from, unsigned long to) {
-    return VirtualFile(bytes.data(), from, false, 128).size(to) == 1 ? lastArraySize : 0;
-  };
-  EXPECT_EQ(capacity(300, 300), 384u);
-  EXPECT_EQ(capacity(127, 128), 128u);
-  EXPECT_EQ(capacity(127, 256), 384u);
-  Filled grown("abcdef");
+  char bytes[127] = "abc";
+  VirtualFile exact(bytes, 127, false, 128), grown(bytes, 3, true, 4);
+  EXPECT_EQ(exact.size(128) == 1 ? lastArraySize : 0, 128u);
+  EXPECT_EQ(exact.size(256) == 1 ? lastArraySize : 0, 384u);
   outOfMemory = true;
   Filled f("");
   EXPECT_EQ(grown.resize_buffer(100) + grown.resize_buffer(20), 0);
   outOfMemory = false;
-  EXPECT_EQ(grown.put("g"), 1);
-  EXPECT_EQ(contentOf(grown), "abcdefg");
-  EXPECT_EQ(f.read8(bytes.data(), true) + f.resize_buffer(0) + f.put("") + f.writeZeroes(1), 0);
+  EXPECT_EQ(grown.write(grown.buffer(), 5), 1);
+  EXPECT_EQ(contentOf(grown), "abcabc\0\0"s);
+  EXPECT_EQ(f.read8(bytes, true) + f.resize_buffer(0) + f.put("") + f.writeZeroes(1), 0);
   EXPECT_EQ(f.write(grown, 2) + grown.write(f, 2) + f.append("", 0) + f.seekp(5), 0);
   EXPECT_EQ(f.confirm() + f.dump(short{0}, true) + f.load(short{0}), -3);
   EXPECT_EQ(f.clear() + f.append64BitChecksum(true), 2);
 }
 
-TEST(VirtualFile, LeavesTheCallersMemoryToTheCaller) {
-  char bytes[] = {'a', 'b', 'c'};
-  VirtualFile grown(bytes, 3, true, 4), cleared(bytes, 3, true, 4);
-  EXPECT_EQ(grown.write(grown.buffer(), 2) + cleared.clear(), 2);
-  EXPECT_EQ(grown.write(grown.buffer(), 5), 1);
-  EXPECT_EQ(contentOf(grown), "abcababcab");
-}
-
 TEST(VirtualFile, FieldsAreTheseBytes) {
-  const std::uint16_t two = 0x0102;
   const std::uint32_t four = 0x03040506;
   const std::uint64_t eight = 0x0708090A0B0C0D0E;
   std::uint64_t back = 0;
   Filled f("");
-  EXPECT_EQ(f.write2(&two, kSwapToFileOrder) + f.write4(&four, kSwapToFileOrder), 2);
-  EXPECT_EQ(f.write8(&eight, kSwapToFileOrder) + f.write4(&four, !kSwapToFileOrder), 2);
-  EXPECT_EQ(f.seekg(6) + f.read8(&back, kSwapToFileOrder), 7);
+  EXPECT_EQ(f.write4(&four, kSwapToFileOrder) + f.write8(&eight, kSwapToFileOrder), 2);
+  EXPECT_EQ(f.seekg(4) + f.read8(&back, kSwapToFileOrder), 5);
   EXPECT_EQ(back, eight);
   EXPECT_EQ(f.writeStringAndPad("abc", 3) + f.writeStringAndPad(nullptr, 4), 2);
   EXPECT_EQ(f.writeStringAndPad("abc", 4) + f.writeStringAndPad("de", 5), 2);
-  EXPECT_EQ(contentOf(f), "\1\2\3\4\5\6\7\10\11\12\13\14\15\16\6\5\4\3ab\0\0\0\0\0abc\0de\0\0\0"s);
-}
-
-TEST(VirtualFile, PutsNumbersAsText) {
-  Filled f(""), longest("");
-  f << 3.75f << "|" << -0.5f << "|" << -FLT_MAX << "|" << 3.75 << "|" << 'A' << "|"
-    << static_cast<char>(0x80) << "|" << -1 << short{2} << 3l << static_cast<const char*>(nullptr);
-  EXPECT_EQ(contentOf(f), "3|-0|-340282346638528859811704183484516925440|3.750000000|65|-128|-123");
-  EXPECT_EQ(longest.put(-DBL_MAX) + longest.tellp(), 1 + 1 + 309 + 1 + 9);
+  EXPECT_EQ(contentOf(f), "\3\4\5\6\7\10\11\12\13\14\15\16ab\0\0\0\0\0abc\0de\0\0\0"s);
 }
 
 // The value, and where the parse stopped. The text's memory ends with its last byte.
@@ -159,39 +126,25 @@ std::string parsed(const std::string& text) {
   return contentOf(value);
 }
 
-TEST(VirtualFile, ParsesNumbersAsWith32Bits) {
+TEST(VirtualFile, ParsesNumbersAsWith32BitsAndPutsThem) {
   for (const char* none : {"", " ", "x", " -", "+-1"})
     EXPECT_EQ(parsed<int>(none), "0 bytes: 0");
   EXPECT_EQ(parsed<int>(" \t\v+012x"), "7 bytes: 12");
-  EXPECT_EQ(parsed<long>("2147483648"), "10 bytes: 2147483647");
   EXPECT_EQ(parsed<long>("-99999999999999999999"), "21 bytes: -2147483648");
   EXPECT_EQ(parsed<char>("200,"), "3 bytes: -56");
-  EXPECT_EQ(parsed<unsigned short>("-1"), "2 bytes: 65535");
   EXPECT_EQ(parsed<unsigned short>("-4294967297"), "11 bytes: 65535");
   EXPECT_EQ(parsed<double>(" -1.5e3e+"), "7 bytes: -1500.000000000");
-  EXPECT_EQ(parsed<float>(" .e5"), "0 bytes: 0");
+  Filled f("");
+  f << 3.75f << "|" << -0.5f << "|" << -FLT_MAX << "|" << 3.75 << "|" << static_cast<char>(0x80);
+  EXPECT_EQ(contentOf(f), "3|-0|-340282346638528859811704183484516925440|3.750000000|-128");
 }
 
-TEST(VirtualFile, SplitsLinesAndStrings) {
+TEST(VirtualFile, SplitsLines) {
   std::string lines, line, text = "ab\r\ncd\r\r\n\n\0x\re\r"s;
-  std::vector<char> bytes(text.begin(), text.end());
-  VirtualFile f(bytes.data(), bytes.size(), true, 1);
+  VirtualFile f(text.data(), text.size(), true, 1);
   while (f.getLine(line))
     lines += line + "|";
   EXPECT_EQ(lines, "ab|cd|||\0x|e|"s);
-  char *rest = nullptr, tab = '\t';
-  f.seekg(11);
-  f.get(&rest).putback(tab);
-  f.skipspace();
-  EXPECT_STREQ(rest, "x\re\r");
-  EXPECT_TRUE(f.eof() && f.rptr()[-1] == tab);
-  delete[] rest;
-}
-
-TEST(VirtualFile, ComparesRangesOfEqualSizesOnly) {
-  const Filled a("abcd"), b("abXd"), longer("abcde");
-  EXPECT_EQ(a.compare(a) + a.compare(b, 0, 2) + a.compare(b, 3, 1), 0);
-  EXPECT_EQ(a.compare(b, 1, 2) + a.compare(b, 3, 2) + a.compare(longer, 0, 2), 3);
 }
 
 // Through a fork, a FILE* or a standard stream, empty at first.
@@ -202,7 +155,6 @@ void expectRoundTrip(Target&& target, const std::string& content) {
     EXPECT_EQ(f.dump(target, fromStart), 0);
   EXPECT_EQ(loaded.load(target), static_cast<long>(2 * content.size()));
   EXPECT_TRUE(contentOf(loaded) == content + content) << content.size();
-  EXPECT_TRUE(loaded.tellg() == 0 && loaded.wptr() == loaded.buffer() + 2 * content.size());
 }
 
 TEST(VirtualFile, DumpsAndLoadsWholeFiles) {
