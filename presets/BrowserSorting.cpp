@@ -1,5 +1,8 @@
 #include "presets/BrowserSorting.h"
 
+#include <map>
+#include <string_view>
+
 #include "host/Process.h"
 #include "params/Keysets.h"
 #include "presets/EffectsPresetList.h"
@@ -59,6 +62,7 @@ OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Prese
   list.getRootFSSpec(root);
   list.getUserFSSpec(user);
   OSStatus status = noErr;
+  std::map<std::string_view, FSRef> found;  // a folder is looked for until it is there, not again
   for (TreeLeaf* leaf : list.leaves().entriesAs<TreeLeaf>()) {
     auto& preset = static_cast<Preset&>(*leaf);
     if (preset.isDefault()) continue;
@@ -67,8 +71,9 @@ OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Prese
       status = preset.moveToFolder(user, false);
       continue;
     }
-    FSRef folder;
-    status = PresetList::findFolder(root, romFolder(preset), true, folder);
+    FSRef& folder = found[romFolder(preset)];
+    status = folder == FSRef() ? PresetList::findFolder(root, romFolder(preset), true, folder)
+                               : OSStatus{noErr};
     if (status == noErr) status = preset.moveToFolder(folder, true);
   }
   return status;
