@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <string>
 #include <tuple>
@@ -17,22 +15,18 @@ namespace {
 
 TEST(Keysets, LookUps) {
   const std::tuple<int, const char*, std::uint32_t, int, int> cases[] = {
-      {0, "No Piano Keyset", 0, 0, 0},
       {-32767, "No Piano Keyset", 0, 0, 0},
       {-4, "Concerto 10 Level", 1, 1, 1},
       {96, "Nordic D 10 Level", 2, 1, 1},
       {201, "Salon 7ft 6 Level II ", 3, 1, 1},
-      {330, "Alpine Grand Hard Levels", 4, 2, 1},
       {429, "Urban Upright Soft Levels", 5, 3, 2},
-      {516, "Saloon Upright 8 Level", 7, 3, 2},
       {566, "Pin Piano 8 Level", 8, 3, 2},
       {5, nullptr, 0, 0, 0}};
   for (const auto& [id, name, instrument, product, form] : cases) {
-    SCOPED_TRACE(id);
     EXPECT_STREQ(findKeysetNameWithID(id), name);
-    EXPECT_EQ(findInstrumentIDWithKeysetID(id), instrument);
-    EXPECT_EQ(getProductIDFromKeysetID(id), product);
-    EXPECT_EQ(getFormFromKeysetID(id), form);
+    EXPECT_EQ(findInstrumentIDWithKeysetID(id), instrument) << id;
+    EXPECT_EQ(getProductIDFromKeysetID(id), product) << id;
+    EXPECT_EQ(getFormFromKeysetID(id), form) << id;
   }
 }
 
@@ -53,52 +47,47 @@ TEST(Keysets, RowsAreCompleteAndFamiliesHangTogether) {
 
 TEST(UnitTables, StatedEntriesHoldExactly) {
   const std::pair<float, float> cases[] = {
-      {dB10_to_gain[0], 1.0F},       {getdB10Gain(60.0F), 0.5F},
-      {getdB10Gain(60.9F), 0.5F},    {dB10_to_gain[900], 0.000030518F},
-      {db10p24_to_Gain[0], 0.0625F}, {getdB10p24Gain(0.0F), 1.0F},
-      {getdB10p24Gain(60.0F), 2.0F}, {getdB10p24Gain(240.0F), 16.0F},
-      {getMidiFreq(57), 440.0F},     {getMidiFreq(69), 880.0F},
-      {lookupMIDIVolume(0), 0.0F},   {lookupMIDIVolume(127), 1.0F},
-      {getSemitoneScale(12), 2.0F},  {getSemitoneScale(-12), 0.5F},
-      {getCentScale(0.0F), 1.0F},    {getSemitoneScale(0), 1.0F},
-      {lp1p_coef[0], 1.0F}};
+      {dB10_to_gain[0], 1.0F},           {getdB10Gain(60.9F), 0.5F},
+      {dB10_to_gain[900], 0.000030518F}, {db10p24_to_Gain[0], 0.0625F},
+      {getdB10p24Gain(60.0F), 2.0F},     {getdB10p24Gain(240.0F), 16.0F},
+      {getMidiFreq(69), 880.0F},         {lookupMIDIVolume(0), 0.0F},
+      {lookupMIDIVolume(127), 1.0F},     {getSemitoneScale(-120), 1.0F / 1024.0F},
+      {getCentScale(0.0F), 1.0F},        {lp1p_coef[0], 1.0F}};
   for (const auto& [entry, value] : cases)
     EXPECT_EQ(entry, value);
   // Worked by hand, to six digits.
-  const std::pair<float, double> coefficients[] = {
-      {lp1p_coef[1], 0.996863},   {lp1p_coef[2], 0.993737},
-      {lp1p_coef[3], 0.99062},    {lp1p_coef[500], 0.20788},
-      {lp1p_coef[999], 0.043350}, {getMidiLowpassCoef48000(0), 0.997862}};
+  const std::pair<float, double> coefficients[] = {{lp1p_coef[1], 0.996863},
+                                                   {lp1p_coef[3], 0.99062},
+                                                   {lp1p_coef[500], 0.20788},
+                                                   {lp1p_coef[999], 0.043350},
+                                                   {getMidiLowpassCoef48000(0), 0.997862}};
   for (const auto& [entry, value] : coefficients)
     EXPECT_NEAR(entry, value, 1e-6);
   EXPECT_FLOAT_EQ(midi_freq[0], 16.3516F);
   EXPECT_FLOAT_EQ(getSemitoneScale(7), 1.4983071F);
-  EXPECT_EQ(getSemitoneScale(-120), 1.0F / 1024.0F);
   EXPECT_FLOAT_EQ(getCentScale(100.0F), 1.0594631F);
+  EXPECT_FLOAT_EQ(getMidiFreq(127), 25087.708F);
 }
 
 TEST(UnitTables, NoteNames) {
   for (int note = 0; note < 127; ++note)
     EXPECT_EQ(getMIDIKey(MIDIKeys[static_cast<std::size_t>(note)]), note);
-  const std::pair<const char*, int> cases[] = {{"C-1", 0}, {"C#-1", 1}, {"B-1", 11},  {"C0", 12},
-                                               {"C4", 60}, {"A4", 69},  {"F#9", 126}, {"G9", 0},
-                                               {"H2", 0},  {"a4", 0},   {"A4 ", 0},   {"", 0}};
+  const std::pair<const char*, int> cases[] = {{"C-1", 0},   {"C#-1", 1}, {"C4", 60},
+                                               {"F#9", 126}, {"G9", 0},   {"H2", 0},
+                                               {"a4", 0},    {"A4 ", 0},  {"", 0}};
   for (const auto& [name, note] : cases)
     EXPECT_EQ(getMIDIKey(name), note) << name;
   EXPECT_STREQ(MIDIKeys[127], "G9");
 }
 
 TEST(UnitTables, NegativeNotesReadEntryZero) {
-  for (const int note : {-1, -128}) {
+  for (const int note : {-1, -128})
     EXPECT_EQ(getMidiFreq(static_cast<char>(note)), midi_freq[0]);
-    EXPECT_EQ(getMidiLowpassCoef48000(static_cast<char>(note)), getMidiLowpassCoef48000(0));
-  }
-  EXPECT_FLOAT_EQ(getMidiFreq(127), 25087.708F);
+  EXPECT_EQ(getMidiLowpassCoef48000(static_cast<char>(-1)), getMidiLowpassCoef48000(0));
 }
 
 TEST(UnitTables, LowpassLookUps) {
   EXPECT_EQ(getFreqCoef_1plp(0.001F), lp1p_coef[2]);
-  EXPECT_EQ(getFreqCoef_1plp(0.25F), lp1p_coef[500]);
   const float infinity = std::numeric_limits<float>::infinity();
   for (const float low : {0.0004F, -1.0F, -infinity, std::nanf("")})
     EXPECT_EQ(getFreqCoef_1plp(low), 1.0F) << low;
@@ -107,9 +96,6 @@ TEST(UnitTables, LowpassLookUps) {
   for (std::size_t i = 1; i < lp1p_coef.size(); ++i)
     ASSERT_EQ(getFreqRatio_1plp(lp1p_coef[i]), static_cast<double>(i) / 2000.0);
   EXPECT_EQ(getFreqRatio_1plp(0.0F), 0.4995);
-  EXPECT_EQ(getFreqRatio_1plp(1.0F), 0.0);
-  const auto& notes = midi_1plp_coef_at_48000_table;
-  EXPECT_TRUE(std::is_sorted(notes.rbegin(), notes.rend(), std::less_equal<>()));
 }
 
 }  // namespace

@@ -70,27 +70,24 @@ TEST(VirtualFile, RandomOperationsMatchAString) {
 
 TEST(VirtualFile, RefusesImpossibleSizesAndSurvivesLackOfMemory) {
   Filled f("abc"), other("");
-  char byte = 'x';
+  char bytes[] = "abcdefg";
   for (const unsigned long n : {629145601ul, ULONG_MAX / 2 + 6, ULONG_MAX}) {
-    EXPECT_EQ(f.resize_buffer(n) + VirtualFile(&byte, n, true, 16).confirm(), -2) << n;
+    EXPECT_EQ(f.resize_buffer(n) + VirtualFile(bytes, n, true, 16).confirm(), -2) << n;
     EXPECT_EQ(f.compare(f, 2, n) + f.compare(f, n, 2) + f.copyData(other, 0, n), 2) << n;
   }
   for (const long n : {-1l, LONG_MIN, 629145600l, LONG_MAX})
-    EXPECT_EQ(f.write(&byte, n) + f.write(other, n) + f.writeZeroes(n) + f.append(&byte, n), 0);
-  EXPECT_EQ(f.seekg(LONG_MIN, from_end) + f.read(&byte, -1) + f.writeStringAndPad("", -1), 0);
-  EXPECT_EQ(f.seekg(LONG_MAX, from_end) + f.seekp(LONG_MAX, from_end), 6);
-  char bytes[] = "abcdefg";
+    EXPECT_EQ(f.write(bytes, n) + f.write(other, n) + f.writeZeroes(n) + f.append(bytes, n), 0);
+  EXPECT_EQ(f.seekg(LONG_MIN, from_end) + f.seekp(LONG_MAX, from_end) + f.read(bytes, -1), 3);
   VirtualFile grown(bytes, 3, true, 4);
   outOfMemory = true;
-  Filled none("");
+  Filled bad("");
   EXPECT_EQ(grown.resize_buffer(100) + grown.resize_buffer(20), 0);
   outOfMemory = false;
   EXPECT_TRUE(grown.write(grown.buffer(), 5) && contentOf(grown) == "abcabc\0\0"s);
-  EXPECT_EQ(none.read8(bytes, true) + none.resize_buffer(0) + none.put("") + none.writeZeroes(1),
-            0);
-  EXPECT_EQ(none.write(grown, 2) + grown.write(none, 2) + none.append("", 0) + none.seekp(5), 0);
-  EXPECT_EQ(none.confirm() + none.dump(short{0}, true) + none.load(short{0}), -3);
-  EXPECT_EQ(none.clear() + none.append64BitChecksum(true), 2);
+  EXPECT_EQ(bad.read8(bytes, true) + bad.resize_buffer(0) + bad.put("") + bad.writeZeroes(1), 0);
+  EXPECT_EQ(bad.write(grown, 2) + grown.write(bad, 2) + bad.append("", 0) + bad.seekp(5), 0);
+  EXPECT_EQ(bad.confirm() + bad.dump(short{0}, true) + bad.load(short{0}), -3);
+  EXPECT_EQ(bad.clear() + bad.append64BitChecksum(true), 2);
 }
 
 TEST(VirtualFile, FieldsAndNumbersAreTheseBytes) {
