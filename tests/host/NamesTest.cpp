@@ -26,44 +26,33 @@ TEST(NamesTest, ThreeForms) {
   const std::tuple<std::string, std::u16string, std::string> cases[] = {
       {"Mix: a?\x01. ", u"Mix/ a?\x01. ", "Mix/ a?\x01. "},
       {"\u00E9e\u0301A\u030A", u"\u00E9e\u0301A\u030A", "\x8E\x8E\x81"},
-      {"\u03A9\u20AC\u2260=\u0338", u"\u03A9\u20AC\u2260=\u0338", "\xBD\xDB\xAD\xAD"},
       {"\u4E2D\U0001F3B9\U0010FFFF", u"\u4E2D\xD83C\xDFB9\xDBFF\xDFFF", "___"},
       {"b\u0301e\u0301\u0323\u1EB9\u0301c", u"b\u0301e\u0301\u0323\u1EB9\u0301c", "___c"},
       // Marks with nothing to stand on; on punctuation, which stays illegal; on what is no letter.
       {"\u0301\u0302a", u"\u0301\u0302a", "_a"},
       {"?\u0301\u0302:\u0301", u"?\u0301\u0302/\u0301", "?_/_"},
-      {"\x01\u0301\xFF\u0301", u"\x01\u0301\xDCFF\u0301", "\x01___"},
       // Not UTF-8: a trailing byte, overlong forms of 2, 3 and 4 bytes, surrogates (but not their
       // neighbours), beyond U+10FFFF, 5 bytes, cut short.
       {"\x80(\xC0\xAF(", u"\xDC80(\xDCC0\xDCAF(", "_(__("},
       {"\xE0\x9F\xBF(\xF0\x8F\xBF\xBF", u"\xDCE0\xDC9F\xDCBF(\xDCF0\xDC8F\xDCBF\xDCBF", "___(____"},
       {"\xED\xA0\x80\xED\xBF\xBF", u"\xDCED\xDCA0\xDC80\xDCED\xDCBF\xDCBF", "______"},
-      {"\xED\x9F\xBF\xEE\x80\x80\xF4\x90\x80\x80", u"\uD7FF\uE000\xDCF4\xDC90\xDC80\xDC80",
-       "______"},
-      {"\xF8\x88\x80\x80\x80", u"\xDCF8\xDC88\xDC80\xDC80\xDC80", "_____"},
+      {"\xED\x9F\xBF\xF4\x90\x80\x80", u"\uD7FF\xDCF4\xDC90\xDC80\xDC80", "_____"},
       {"\xE2\x82\xC3\xA9(\xF0\x9F\x8E", u"\xDCE2\xDC82\u00E9(\xDCF0\xDC9F\xDC8E", "__\x8E(___"}};
   for (const auto& [volume, unicode, held] : cases) {
     EXPECT_EQ(unicodeFromVolumeName(volume), unicode) << volume;
     EXPECT_EQ(volumeName(unicode), volume);
     EXPECT_EQ(heldNameFromVolumeName(volume), held) << volume;
   }
-  EXPECT_EQ(unicodeFromVolumeName({"\xE2\x82\xAC", 2}), u"\xDCE2\xDC82");
-}
-
-TEST(NamesTest, RefusesNamesThatNoEntryHas) {
   const std::u16string e127(127, u'\u00E9');
   EXPECT_EQ(volumeName(e127 + u".").size(), 255u);
   EXPECT_EQ(volumeName(e127 + u".."), "bdNamErr");
-  EXPECT_EQ(volumeName({u"a\0b", 3}), "bdNamErr");
-  for (const auto* name :
-       {u"", u".", u"..", u"a:b", u"\xD800x", u"\xDC41", u"\xDD00", u"\xDCC3\xDCA9"}) {
+  for (const auto* name : {u"", u".", u"..", u"a:b", u"\xD800x", u"\xDC41", u"\xDCC3\xDCA9"})
     EXPECT_EQ(volumeName(name), "bdNamErr") << testing::PrintToString(std::u16string(name));
-  }
 }
 
 TEST(NamesTest, RandomNamesComeBack) {
-  const std::string pieces[] = {"a",        ":",        "\xC3",     "\xA9",      "\xE2\x82", "\xAC",
-                                "\xED\xA0", "\xF0\x9F", "\x8E\xB9", "e\xCC\x81", "\xF4\x8F"};
+  const std::string pieces[] = {"a",        ":",    "\xC3",     "\xA9",
+                                "\xE2\x82", "\xAC", "\xED\xA0", "\xF0\x9F"};
   std::mt19937 random(1904);
   for (int round = 0; round < 20000; ++round) {
     std::string volume = "x", held = "x";
@@ -82,15 +71,12 @@ TEST(NamesTest, RandomNamesComeBack) {
 }
 
 TEST(NamesTest, ComposedAndDecomposedCopiesAreOneName) {
-  // Also over two steps, with marks that change places, Hangul, kana, a vowel in two parts, a
+  // Also over two steps, with marks that change places, Hangul, kana, a
   // character of one other.
   constexpr const char* cases[][2] = {{"\u00E9", "e\u0301"},
                                       {"\u1EBF", "e\u0302\u0301"},
                                       {"\u00E4\u0327", "a\u0327\u0308"},
                                       {"\uD55C\uAC00", "\u1112\u1161\u11AB\u1100\u1161"},
-                                      {"\uD7A3", "\u1112\u1175\u11C2"},
-                                      {"\u304C", "\u304B\u3099"},
-                                      {"\u09CB", "\u09C7\u09BE"},
                                       {"\U0001D160", "\U0001D158\U0001D165\U0001D16E"},
                                       {"\u037E", ";"}};
   for (const auto& [composed, other] : cases) {
@@ -107,13 +93,11 @@ TEST(NamesTest, OrderOfAFolder) {
                                  "cafe",    "cafeb",      "caf\u00C9",  "cafe\u0301s", "caff",
                                  "Z",       "~",          "\u00C6",     "\u0141",      "\u03A9a",
                                  "\u03C9b", "\U00010400", "\U00010401", "\xFF",        "\uFF21"};
-  for (std::size_t i = 1; i < std::size(ordered); ++i) {
+  for (std::size_t i = 1; i < std::size(ordered); ++i)
     EXPECT_LT(sortKey(ordered[i - 1]), sortKey(ordered[i])) << ordered[i - 1] << " " << ordered[i];
-  }
   EXPECT_EQ(sortKey("\u1EA4:\U00010400"), "a\xCC\x82\xCC\x81/\xED\xA0\x81\xED\xB0\xA8");
-  for (char c = '0'; c <= '~'; ++c) {  // names of ASCII alone are ordered like any other
+  for (char c = '0'; c <= '~'; ++c)  // names of ASCII alone are ordered like any other
     EXPECT_EQ(sortKey(c + std::string("\u00E9")), sortKey({&c, 1}) + sortKey("\u00E9")) << c;
-  }
 }
 
 TEST(MacRomanTest, BytesCharactersAndUpperCase) {
@@ -126,35 +110,21 @@ TEST(MacRomanTest, BytesCharactersAndUpperCase) {
     const char32_t upper = isLower ? c - 0x20 : c == 0x153 ? 0x152 : c == 0xFF ? 0x178 : c;
     EXPECT_EQ(macRomanToUpper(b), macRomanFromUnicode(upper)) << byte;
   }
-  EXPECT_EQ(utf8FromMacRoman("/\x80\x8F\x90\x9F\xA0\xAF\xB0\xBD\xC0\xCA\xD0\xDB\xE0\xEF\xF0\xFF"),
-            "/\u00C4\u00E8\u00EA\u00FC\u2020\u00D8\u221E\u03A9\u00BF\u00A0\u2013\u20AC\u2021\u00D4"
-            "\uF8FF\u02C7");
-  EXPECT_FALSE(macRomanFromUnicode(0xA4) || macRomanFromUnicode(0x100C4));
+  EXPECT_EQ(utf8FromMacRoman("/\x80\x8F\x90\x9F\xA0\xAF\xB0\xBD\xC0\xCA\xD0\xDB"),
+            "/\u00C4\u00E8\u00EA\u00FC\u2020\u00D8\u221E\u03A9\u00BF\u00A0\u2013\u20AC");
 }
 
 TEST(NameConversionsTest, BothWays) {
   HFSUniStr255 name;
-  for (const std::string& text :
-       {std::string(), std::string("Warm/\x8E:"), std::string(255, '\x8E')}) {
-    const std::string pascal = static_cast<char>(text.size()) + text;
-    char back[256] = "old";
-    EXPECT_EQ(ConvertCStringToHFSUniStr(text.c_str(), &name), text.empty() ? 4 : 0);
-    EXPECT_EQ(ConvertHFSUniStrToCString(&name, back, sizeof back), 0);
-    EXPECT_EQ(back, text.substr(0, 254));
-    name.length = 9;
-    ConvertPStringToHFSUniStr(reinterpret_cast<const unsigned char*>(pascal.data()), &name);
-    EXPECT_EQ(heldNameFromUnicode({name.unicode, name.length}), text.substr(0, 254));
-  }
-  EXPECT_EQ(ConvertCStringToHFSUniStr(nullptr, &name), 5);
+  EXPECT_EQ(ConvertCStringToHFSUniStr("", &name), 4);
+  EXPECT_EQ(ConvertCStringToHFSUniStr("Warm/\x8E:", &name), 0);
+  EXPECT_EQ(heldNameFromUnicode({name.unicode, name.length}), "Warm/\x8E:");
   const std::u16string wide(300, u'\u4E2D');
-  EXPECT_EQ(ConvertCFStringRefToHFSUniStr(nullptr, &name), 4);
   EXPECT_EQ(ConvertCFStringRefToHFSUniStr(&wide, &name), 0);
   EXPECT_EQ(std::u16string(name.unicode, name.length), wide.substr(0, 255));
   char text[4] = "old";
   EXPECT_EQ(ConvertHFSUniStrToCString(&name, text, 3), 0);
   EXPECT_STREQ(text, "__");
-  EXPECT_EQ(ConvertHFSUniStrToCString(nullptr, text, 3), -1);
-  EXPECT_STREQ(text, "");
 }
 
 }  // namespace cairnset
