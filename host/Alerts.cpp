@@ -113,10 +113,10 @@ void displayFileManagerErrorWhileOpening(long code, const char* name, const char
   displayFileManagerErrorWhile(code, "opening", name, sourceFile, line);
 }
 
-void displayFileManagerErrorWhileOpening(long code, const FSSpec* spec, const char* sourceFile,
+void displayFileManagerErrorWhileOpening(long code, const FSSpec* fsSpec, const char* sourceFile,
                                          int line) {
   char name[kSpecNameSize] = "?";
-  if (spec != nullptr) extractCFilename(spec, name);
+  if (fsSpec != nullptr) extractCFilename(fsSpec, name);
   displayFileManagerErrorWhileOpening(code, name, sourceFile, line);
 }
 

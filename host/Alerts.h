@@ -43,7 +43,7 @@ void displayFileManagerErrorWhile(long code, const char* action, const char* nam
 void displayFileManagerErrorWhileOpening(long code, const char* name,
                                          const char* sourceFile = nullptr, int line = 0);
 /// Names the item by the specification's name, or "?" for null.
-void displayFileManagerErrorWhileOpening(long code, const FSSpec* spec,
+void displayFileManagerErrorWhileOpening(long code, const FSSpec* fsSpec,
                                          const char* sourceFile = nullptr, int line = 0);
 /// Names the item by its held name, cut to the 63 bytes of a specification; "?" for null and for
 /// what was never a place. The item need not exist.

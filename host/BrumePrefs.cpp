@@ -205,7 +205,7 @@ bool BrumePrefs::navFilterProc(AEDesc* item, void* info, void* /*callBackUD*/, s
   if (filterMode != kNavFilteringBrowserList || item->descriptorType != typeFSS) return true;
   const auto* kind = static_cast<const NavFileOrFolderInfo*>(info);
   if (kind != nullptr && kind->isFolder && kind->visible) return true;
-  const unsigned char* name = item->spec.name;
+  const unsigned char* name = item->fsSpec.name;
   return name[0] == kKeymapsName.size() &&
          std::memcmp(name + 1, kKeymapsName.data(), kKeymapsName.size()) == 0;
 }

@@ -114,25 +114,25 @@ OSErr FSRefMakePath(const FSRef* ref, char* path, std::size_t size) {
   return noErr;
 }
 
-OSErr FSpMakeFSRef(const FSSpec* spec, FSRef* ref) {
-  if (spec->vRefNum != 0 && spec->vRefNum != kVolumeNumber) return nsvErr;
-  if (spec->name[0] > 63) return bdNamErr;
-  if (spec->name[0] == 0) {  // the root has no name and no folder
-    if (spec->parID != 0) return bdNamErr;
+OSErr FSpMakeFSRef(const FSSpec* fsSpec, FSRef* ref) {
+  if (fsSpec->vRefNum != 0 && fsSpec->vRefNum != kVolumeNumber) return nsvErr;
+  if (fsSpec->name[0] > 63) return bdNamErr;
+  if (fsSpec->name[0] == 0) {  // the root has no name and no folder
+    if (fsSpec->parID != 0) return bdNamErr;
     *ref = {NodeTable::kRoot};
     return noErr;
   }
-  const std::string held(reinterpret_cast<const char*>(spec->name) + 1, spec->name[0]);
+  const std::string held(reinterpret_cast<const char*>(fsSpec->name) + 1, fsSpec->name[0]);
   std::uint32_t node = 0;
   if (const std::size_t mark = held.rfind('#'); mark != std::string::npos) {
     const auto [end, error] =
         std::from_chars(held.data() + mark + 1, held.data() + held.size(), node, 16);
     if (error == std::errc() && end == held.data() + held.size() && nodes().contains(node) &&
-        nodes().folder(node) == spec->parID) {
+        nodes().folder(node) == fsSpec->parID) {
       unsigned char name[64];
       bool shortened = false;
       specName(node, name, shortened);
-      if (shortened && std::memcmp(name, spec->name, name[0] + 1u) == 0) {
+      if (shortened && std::memcmp(name, fsSpec->name, name[0] + 1u) == 0) {
         struct stat info;
         const FSRef found{node};
         if (const OSErr result = itemInfo(found, info); result != noErr) return result;
@@ -147,7 +147,7 @@ OSErr FSpMakeFSRef(const FSSpec* spec, FSRef* ref) {
     if (byte >= 0x80) return fnfErr;  // such names are only ever handed out shortened
     unicode.push_back(byte);
   }
-  const FSRef folder{spec->parID};
+  const FSRef folder{fsSpec->parID};
   return FSMakeFSRefUnicode(&folder, unicode.size(), unicode.data(), kTextEncodingUnknown, ref);
 }
 
@@ -166,17 +166,17 @@ bool placeOf(const FSRef& ref, FSRef* folder, HFSUniStr255* name) {
 }
 
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
-                       HFSUniStr255* name, FSSpec* spec, FSRef* parent) {
+                       HFSUniStr255* name, FSSpec* fsSpec, FSRef* parent) {
   struct stat found;
   if (const OSErr result = itemInfo(*ref, found); result != noErr) return result;
   FSRef folder;
   placeOf(*ref, &folder, name);
   if (parent != nullptr) *parent = folder;
-  if (spec != nullptr) {
+  if (fsSpec != nullptr) {
     bool shortened = false;
-    spec->vRefNum = kVolumeNumber;
-    spec->parID = folder.node;
-    specName(ref->node, spec->name, shortened);
+    fsSpec->vRefNum = kVolumeNumber;
+    fsSpec->parID = folder.node;
+    specName(ref->node, fsSpec->name, shortened);
   }
   if (info == nullptr) return noErr;
   if ((which & kFSCatInfoNodeFlags) != 0) {

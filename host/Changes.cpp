@@ -103,8 +103,8 @@ OSErr renameWithoutReplacing(const FSRef& ref, const FSRef& newFolder, const std
 
 // What creating has in common: a real folder, a name that it can hold, a place for the new item.
 template <typename Make>
-OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef* ref, FSSpec* spec,
-             Make make) {
+OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef* ref,
+             FSSpec* fsSpec, Make make) {
   std::string volumeName;
   if (const OSErr result = volumeNameIn(folder, length, name, volumeName); result != noErr) {
     return result;
@@ -116,8 +116,8 @@ OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef
   }
   const FSRef made{nodes().intern(folder.node, volumeName)};
   if (ref != nullptr) *ref = made;
-  if (spec != nullptr)
-    return FSGetCatalogInfo(&made, kFSCatInfoNone, nullptr, nullptr, spec, nullptr);
+  if (fsSpec != nullptr)
+    return FSGetCatalogInfo(&made, kFSCatInfoNone, nullptr, nullptr, fsSpec, nullptr);
   return noErr;
 }
 
@@ -129,8 +129,8 @@ OSErr makeDirectory(const Location& place) {
 }  // namespace
 
 OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar* name, FSRef* ref,
-                          FSSpec* spec) {
-  return create(*folder, length, name, ref, spec, [](const Location& place) -> OSErr {
+                          FSSpec* fsSpec) {
+  return create(*folder, length, name, ref, fsSpec, [](const Location& place) -> OSErr {
     const int descriptor = systemCalls().open(place.folder(), place.path(),
                                               O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor < 0) return resultFromErrno(errno);
@@ -139,9 +139,9 @@ OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar
 }
 
 OSErr FSCreateDirectoryUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
-                               FSRef* ref, FSSpec* spec, std::uint32_t* dirID) {
+                               FSRef* ref, FSSpec* fsSpec, std::uint32_t* dirID) {
   FSRef made;
-  const OSErr result = create(*folder, length, name, &made, spec, makeDirectory);
+  const OSErr result = create(*folder, length, name, &made, fsSpec, makeDirectory);
   if (result != noErr) return result;
   if (ref != nullptr) *ref = made;
   if (dirID != nullptr) *dirID = made.node;

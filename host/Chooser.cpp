@@ -88,7 +88,7 @@ bool isShown(const FSRef& file, NavObjectFilterUPP filter) {
   if (filter == nullptr) return true;
   AEDesc item;
   HFSUniStr255 name;
-  if (FSGetCatalogInfo(&file, kFSCatInfoNone, nullptr, &name, &item.spec, nullptr) != noErr) {
+  if (FSGetCatalogInfo(&file, kFSCatInfoNone, nullptr, &name, &item.fsSpec, nullptr) != noErr) {
     return false;
   }
   NavFileOrFolderInfo info;

@@ -24,7 +24,7 @@ inline constexpr std::uint32_t typeFSS = 0x66737320;  // 'fss ': a file specific
 /// The item, as a specification where the type is typeFSS. There is no other type on this host.
 struct AEDesc {
   std::uint32_t descriptorType = typeFSS;
-  FSSpec spec;
+  FSSpec fsSpec;
 };
 
 struct NavFileOrFolderInfo {

@@ -27,7 +27,7 @@ OSErr FSPathMakeRef(const char* path, FSRef* ref, bool* isDirectory);
 OSErr FSRefMakePath(const FSRef* ref, char* path, std::size_t size);
 
 /// The reference of the item that an FSSpec names; the item must exist.
-OSErr FSpMakeFSRef(const FSSpec* spec, FSRef* ref);
+OSErr FSpMakeFSRef(const FSSpec* fsSpec, FSRef* ref);
 
 // --- Catalogue -------------------------------------------------------------------------------
 
@@ -56,7 +56,7 @@ struct FSCatalogInfo {
 /// held name that is longer, or from which the item could not be found again, is shortened and ends
 /// in "#" and the node number in hexadecimal, by which FSpMakeFSRef finds it.
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
-                       HFSUniStr255* name, FSSpec* spec, FSRef* parent);
+                       HFSUniStr255* name, FSSpec* fsSpec, FSRef* parent);
 
 /// Sets the creation date, the only field that can be set; paramErr for any other. The date is
 /// kept as an attribute of the item, where the volume has these; ioErr where it has none.
@@ -78,10 +78,10 @@ bool placeOf(const FSRef& ref, FSRef* folder, HFSUniStr255* name);
 
 /// Makes an empty file; dupFNErr where the name is taken. The outputs may be null.
 OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar* name, FSRef* ref,
-                          FSSpec* spec);
+                          FSSpec* fsSpec);
 /// Makes a folder; otherwise as FSCreateFileUnicode.
 OSErr FSCreateDirectoryUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
-                               FSRef* ref, FSSpec* spec, std::uint32_t* dirID);
+                               FSRef* ref, FSSpec* fsSpec, std::uint32_t* dirID);
 /// Renames in place and answers the new reference (`newRef` may be null, or `ref` itself). Never
 /// replaces: dupFNErr where the name is taken, save by the item itself on a volume that ignores
 /// case.

@@ -34,19 +34,19 @@ OSErr convertPathToFSRef(const char* path, FSRef* ref) {
   return FSPathMakeRef(path, ref, nullptr);
 }
 
-OSErr convertPathToFSSpec(const char* path, FSSpec* spec) {
+OSErr convertPathToFSSpec(const char* path, FSSpec* fsSpec) {
   FSRef ref;
   if (const OSErr result = FSPathMakeRef(path, &ref, nullptr); result != noErr) return result;
-  return FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, spec, nullptr);
+  return FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, fsSpec, nullptr);
 }
 
 OSErr convertFSRefToPath(const FSRef* ref, char* path, long size) {
   return FSRefMakePath(ref, path, static_cast<std::size_t>(std::max(size, 0L)));
 }
 
-OSErr convertFSSpecToPath(const FSSpec* spec, char* path, long size) {
+OSErr convertFSSpecToPath(const FSSpec* fsSpec, char* path, long size) {
   FSRef ref;
-  if (const OSErr result = FSpMakeFSRef(spec, &ref); result != noErr) return result;
+  if (const OSErr result = FSpMakeFSRef(fsSpec, &ref); result != noErr) return result;
   return convertFSRefToPath(&ref, path, size);
 }
 

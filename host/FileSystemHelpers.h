@@ -15,10 +15,10 @@ namespace cairnset {
 // --- Paths and references ------------------------------------------------------------------------
 
 OSErr convertPathToFSRef(const char* path, FSRef* ref);
-OSErr convertPathToFSSpec(const char* path, FSSpec* spec);
+OSErr convertPathToFSSpec(const char* path, FSSpec* fsSpec);
 /// `size` bytes, NUL included; bdNamErr where the path is longer.
 OSErr convertFSRefToPath(const FSRef* ref, char* path, long size);
-OSErr convertFSSpecToPath(const FSSpec* spec, char* path, long size);
+OSErr convertFSSpecToPath(const FSSpec* fsSpec, char* path, long size);
 /// noErr (0, not true) where an item exists at the reference.
 OSErr FSRefIsValid(const FSRef& ref);
 /// Always false, whatever the reference. Meant so: nobody may rely on it to find a file.

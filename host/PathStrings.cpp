@@ -76,22 +76,22 @@ void convertToNativePathFormat(char* path) {
   store(native, path);
 }
 
-void extractFilename(const FSSpec* spec, unsigned char* name) {
-  std::memmove(name, spec->name, sizeof spec->name);
+void extractFilename(const FSSpec* fsSpec, unsigned char* name) {
+  std::memmove(name, fsSpec->name, sizeof fsSpec->name);
 }
 
-void extractCFilename(const FSSpec* spec, char* name) {
+void extractCFilename(const FSSpec* fsSpec, char* name) {
   FSSpec bounded;
-  setFilename(&bounded, spec->name);
+  setFilename(&bounded, fsSpec->name);
   P2CCopy(name, bounded.name);
 }
 
-void setFilename(FSSpec* spec, const unsigned char* name) {
-  constexpr std::size_t kMostCharacters = sizeof spec->name - 1;
+void setFilename(FSSpec* fsSpec, const unsigned char* name) {
+  constexpr std::size_t kMostCharacters = sizeof fsSpec->name - 1;
   const std::size_t length = std::min<std::size_t>(name[0], kMostCharacters);
-  std::memmove(spec->name + 1, name + 1, length);
-  std::fill(spec->name + 1 + length, std::end(spec->name), static_cast<unsigned char>(0));
-  spec->name[0] = static_cast<unsigned char>(length);
+  std::memmove(fsSpec->name + 1, name + 1, length);
+  std::fill(fsSpec->name + 1 + length, std::end(fsSpec->name), static_cast<unsigned char>(0));
+  fsSpec->name[0] = static_cast<unsigned char>(length);
 }
 
 }  // namespace cairnset

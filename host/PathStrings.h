@@ -32,10 +32,10 @@ void makePathUniform(char* path);
 void convertToNativePathFormat(char* path);
 
 /// The 64-byte Pascal name of an FSSpec.
-void extractFilename(const FSSpec* spec, unsigned char* name);
+void extractFilename(const FSSpec* fsSpec, unsigned char* name);
 /// The same as a C string, of at most 64 bytes.
-void extractCFilename(const FSSpec* spec, char* name);
+void extractCFilename(const FSSpec* fsSpec, char* name);
 /// Sets the name, cut to the 63 characters that fit.
-void setFilename(FSSpec* spec, const unsigned char* name);
+void setFilename(FSSpec* fsSpec, const unsigned char* name);
 
 }  // namespace cairnset

@@ -32,10 +32,10 @@ TEST(PathStringsTest, PartsOfAPath) {
     }
   }
   unsigned char name[65] = "\x04Warm";
-  FSSpec spec;
-  setFilename(&spec, name);
+  FSSpec fsSpec;
+  setFilename(&fsSpec, name);
   std::memset(name, 200, sizeof name);
-  extractFilename(&spec, name);
+  extractFilename(&fsSpec, name);
   EXPECT_EQ(std::string(name, name + 65), "\x04Warm" + std::string(59, '\0') + "\xC8");
 }
 
