@@ -201,31 +201,31 @@ TEST_F(FileManagerTest, EveryItemIsFoundByItsNames) {
       "plain",    "a:b",       std::string(63, 'x'), std::string(64, 'x'), std::string(255, 'x'),
       "\xC3\xA9", "e\xCC\x81", "\xE6\x97\xA5",       "\xE6\x9C\xAC",       "\xFF",
       "\xFE",     "Take #2",   "x#ffffffff"};
-  std::vector<FSSpec> specs(40);
-  for (std::size_t i = 0; i < specs.size() && i < names.size(); ++i) {
+  std::vector<FSSpec> fsSpecs(40);
+  for (std::size_t i = 0; i < fsSpecs.size() && i < names.size(); ++i) {
     write(names[i], "");
-    ASSERT_EQ(convertPathToFSSpec(path(names[i]).c_str(), &specs[i]), noErr) << names[i];
+    ASSERT_EQ(convertPathToFSSpec(path(names[i]).c_str(), &fsSpecs[i]), noErr) << names[i];
     // A file can be called just what another one's FSSpec calls that.
-    const std::string called(specs[i].name + 1, specs[i].name + 1 + specs[i].name[0]);
+    const std::string called(fsSpecs[i].name + 1, fsSpecs[i].name + 1 + fsSpecs[i].name[0]);
     if (called.find_first_of("/\x8E") == called.npos && !exists(called)) names.push_back(called);
   }
-  names.resize(std::min(names.size(), specs.size()));
+  names.resize(std::min(names.size(), fsSpecs.size()));
   const std::vector<std::string> before = list("");
   for (std::size_t i = 0; i < names.size(); ++i) {
     FSRef item, folder;
     FSSpec parent;
     HFSUniStr255 name;
-    EXPECT_EQ(FSpMakeFSRef(&specs[i], &item), noErr) << names[i];
+    EXPECT_EQ(FSpMakeFSRef(&fsSpecs[i], &item), noErr) << names[i];
     EXPECT_EQ(item, ref(names[i])) << names[i];
-    EXPECT_EQ(getParent(parent, specs[i]), noErr);
-    EXPECT_TRUE(placeOf(item, &folder, &name) && folder.node == specs[i].parID);
+    EXPECT_EQ(getParent(parent, fsSpecs[i]), noErr);
+    EXPECT_TRUE(placeOf(item, &folder, &name) && folder.node == fsSpecs[i].parID);
     EXPECT_EQ(rename(item, u"other", &item), noErr);
     EXPECT_EQ(rename(item, {name.unicode, name.length}, &item), noErr) << names[i];
     EXPECT_EQ(list(""), before) << names[i];
   }
   FSRef found;
-  ++specs[5].name[1];
-  EXPECT_EQ(FSpMakeFSRef(&specs[5], &found), fnfErr);
+  ++fsSpecs[5].name[1];
+  EXPECT_EQ(FSpMakeFSRef(&fsSpecs[5], &found), fnfErr);
 }
 
 TEST_F(FileManagerTest, CreationDates) {
