@@ -96,7 +96,7 @@ OSErr renameWithoutReplacing(const FSRef& ref, const FSRef& newFolder, const std
   if (result == fnfErr) return failureAt(ref, ENOENT);
   if (result != noErr) return result;
   const FSRef renamed{nodes().intern(newFolder.node, newName)};
-  if (renamed != ref) forgetOpenForks(ref);
+  if (renamed != ref) placeChanged(ref);
   if (newRef != nullptr) *newRef = renamed;
   return noErr;
 }
@@ -178,7 +178,7 @@ OSErr FSDeleteObject(const FSRef* ref) {
       return errno == EEXIST ? fBsyErr : failureAt(*ref, errno);
     }
   }
-  forgetOpenForks(*ref);
+  placeChanged(*ref);
   return noErr;
 }
 

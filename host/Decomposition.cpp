@@ -21,6 +21,8 @@ const Run* findRun(std::span<const Run> runs, char32_t character) {
   return character <= run.last ? &run : nullptr;
 }
 
+constexpr char32_t kFirstDecomposed = 0xC0;
+
 // 0 for a character that joins nothing.
 std::uint8_t combiningClass(char32_t character) {
   if (character < 0x300) return 0;
@@ -49,7 +51,7 @@ void appendSyllable(char32_t index, std::u32string& out) {
 }
 
 void appendDecomposed(char32_t character, std::u32string& out) {
-  constexpr char32_t kFirstDecomposed = 0xC0, kFirstSyllable = 0xAC00, kLastSyllable = 0xD7A3;
+  constexpr char32_t kFirstSyllable = 0xAC00, kLastSyllable = 0xD7A3;
   if (character < kFirstDecomposed) {
     out += character;
     return;
@@ -80,7 +82,11 @@ std::u32string decomposed(std::u16string_view text) {
         text[i + 1] < 0xE000) {
       character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - U'\xDC00');
     }
-    appendDecomposed(character, out);
+    if (character < kFirstDecomposed) {
+      out += character;
+    } else {
+      appendDecomposed(character, out);
+    }
   }
   return out;
 }
@@ -90,6 +96,7 @@ bool joinsPrevious(char32_t character) {
 }
 
 char32_t lowerCase(char32_t character) {
+  if (character < 0x80) return character >= 'A' && character <= 'Z' ? character + 0x20 : character;
   const LowerCaseRun* run = findRun(kLowerCaseRuns, character);
   if (run == nullptr || (character - run->first) % run->step != 0) return character;
   return character + static_cast<char32_t>(run->offset);

@@ -64,7 +64,7 @@ OpenFile& unusedFile() {
 }
 
 OSErr openFile(const FSRef& ref, std::int8_t permissions, OpenFile*& out) {
-  const Location place(ref);
+  const Location place(ref, Location::By::kOpenFolder);
   if (place.status() != noErr) return place.status();
   SystemCalls& calls = systemCalls();
   const int access = permissions == fsRdPerm   ? O_RDONLY
@@ -165,7 +165,8 @@ OSErr positionFor(const Fork& fork, std::uint16_t mode, std::int64_t offset, std
 
 }  // namespace
 
-void forgetOpenForks(const FSRef& ref) {
+void placeChanged(const FSRef& ref) {
+  closeKeptFolder();
   const NodeTable& table = NodeTable::shared();
   for (const auto& file : openFiles) {
     std::uint32_t node = file->node;

@@ -29,14 +29,17 @@ class FolderListing {
   OSErr read();
   const FSRef& folder() const { return _folder; }
 
-  /// The next item. At the end the items are let go, since an iterator need never be closed.
+  /// The next item; while files come, the folder is kept open for them. At the end everything is
+  /// let go, since an iterator need never be closed.
   bool next(Item& out) {
     if (_next == _items.size()) {
       _items = {};
       _next = 0;
+      closeKeptFolder();
       return false;
     }
     out = _items[_next++];
+    if (!out.isFolder) keepFolderOpen(_folder);
     return true;
   }
 

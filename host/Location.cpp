@@ -25,16 +25,38 @@ const std::string& folderPath(std::uint32_t folder) {
   return lastPath;
 }
 
+std::uint32_t keptFolder = 0;  // a node, or 0
+int keptDescriptor = -1;       // -1 too where the folder could not be opened
+
+int openFolder(int folder, const char* path) {
+  return systemCalls().open(folder, path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+}
+
 }  // namespace
 
-Location::Location(const FSRef& ref) : _folder(AT_FDCWD) {
+void keepFolderOpen(const FSRef& folder) {
+  if (folder.node == keptFolder) return;
+  closeKeptFolder();
+  const Location place(folder);
+  if (place.status() != noErr) return;
+  keptDescriptor = openFolder(place.folder(), place.path());
+  keptFolder = folder.node;
+}
+
+void closeKeptFolder() {
+  if (keptDescriptor >= 0) systemCalls().close(keptDescriptor);
+  keptDescriptor = -1;
+  keptFolder = 0;
+}
+
+Location::Location(const FSRef& ref, By by) : _folder(AT_FDCWD) {
   const NodeTable& table = NodeTable::shared();
   if (!table.contains(ref.node)) {
     _status = errFSBadFSRef;
   } else if (ref.node == NodeTable::kRoot) {
     std::strcpy(_path, "/");
   } else {
-    locate(table.folder(ref.node), table.name(ref.node));
+    locate(table.folder(ref.node), table.name(ref.node), by);
   }
 }
 
@@ -42,7 +64,7 @@ Location::Location(const FSRef& folder, std::string_view volumeName) : _folder(A
   if (!NodeTable::shared().contains(folder.node)) {
     _status = errFSBadFSRef;
   } else {
-    locate(folder.node, volumeName);
+    locate(folder.node, volumeName, By::kPath);
   }
 }
 
@@ -50,7 +72,13 @@ Location::~Location() {
   if (_descriptor >= 0) systemCalls().close(_descriptor);
 }
 
-void Location::locate(std::uint32_t folder, std::string_view name) {
+void Location::locate(std::uint32_t folder, std::string_view name, By by) {
+  if (by == By::kOpenFolder && folder == keptFolder && keptDescriptor >= 0) {
+    _folder = keptDescriptor;
+    std::memcpy(_path, name.data(), name.size());
+    _path[name.size()] = '\0';
+    return;
+  }
   const std::string& path = folderPath(folder);
   std::size_t length = 0;
   if (path.size() + name.size() + 2 <= sizeof _path) {
@@ -68,7 +96,6 @@ void Location::locate(std::uint32_t folder, std::string_view name) {
 }
 
 void Location::openStretches(std::string_view folderPath) {
-  SystemCalls& calls = systemCalls();
   while (!folderPath.empty()) {
     std::string_view stretch = folderPath;
     if (stretch.size() >= sizeof _path) {
@@ -76,9 +103,9 @@ void Location::openStretches(std::string_view folderPath) {
     }
     std::memcpy(_path, stretch.data(), stretch.size());
     _path[stretch.size()] = '\0';
-    const int next = calls.open(_folder, _path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+    const int next = openFolder(_folder, _path);
     const int error = errno;
-    if (_descriptor >= 0) calls.close(_descriptor);
+    if (_descriptor >= 0) systemCalls().close(_descriptor);
     _descriptor = next;
     if (next < 0) {
       _status = error == ENOENT || error == ELOOP ? dirNFErr : resultFromErrno(error);

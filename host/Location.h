@@ -17,8 +17,14 @@ namespace cairnset {
 /// opened one stretch after the other, and the last one stays open as long as this object lives.
 class Location {
  public:
+  /// How a place may be given.
+  enum class By {
+    kPath,        // the absolute path wherever the system takes it
+    kOpenFolder,  // by the name alone where the folder that the place is in is kept open
+  };
+
   /// The place of a node.
-  explicit Location(const FSRef& ref);
+  explicit Location(const FSRef& ref, By by = By::kPath);
   /// The place called `volumeName` in a folder; interns nothing.
   Location(const FSRef& folder, std::string_view volumeName);
   ~Location();
@@ -31,10 +37,10 @@ class Location {
   int folder() const { return _folder; }
   const char* path() const { return _path; }
   /// Whether path() is absolute, so that calls which take no folder can be made too.
-  bool isAbsolute() const { return _descriptor < 0; }
+  bool isAbsolute() const { return _path[0] == '/'; }
 
  private:
-  void locate(std::uint32_t folder, std::string_view name);
+  void locate(std::uint32_t folder, std::string_view name, By by);
   void openStretches(std::string_view folderPath);
 
   OSErr _status = noErr;
@@ -42,6 +48,13 @@ class Location {
   int _descriptor = -1;
   char _path[PATH_MAX];
 };
+
+/// Keeps one folder open while its files are gone through, so that the path to it is not walked
+/// again for each of them. Only Locations that ask for it use it, and only as long as nothing has
+/// been renamed, moved or deleted: then it may no longer be the folder of its place. Where it
+/// cannot be opened, paths do.
+void keepFolderOpen(const FSRef& folder);
+void closeKeptFolder();
 
 /// What the volume says of the item itself, links not followed.
 OSErr itemInfo(const FSRef& ref, struct stat& info);
@@ -59,8 +72,9 @@ OSErr volumeNameIn(const FSRef& folder, std::size_t length, const UniChar* name,
 /// missing folder (dirNFErr).
 OSErr failureAt(const FSRef& ref, int error);
 
-/// Makes the forks that are open on a place, or on any place within it, strangers to it, after it
-/// was renamed, moved or deleted: whoever opens the place again must not be handed the old file.
-void forgetOpenForks(const FSRef& ref);
+/// For after a place was renamed, moved or deleted. The forks that are open on it, or on any place
+/// within it, become strangers to it: whoever opens the place again must not be handed the old
+/// file. The folder that is kept open is closed.
+void placeChanged(const FSRef& ref);
 
 }  // namespace cairnset

@@ -31,7 +31,9 @@ constexpr unsigned char upperHalfByte(char16_t character) {
       0x80 + (std::find(std::begin(kUpperHalf), std::end(kUpperHalf) - 1, character) - kUpperHalf));
 }
 
-constexpr auto kUpperCase = [] {
+}  // namespace
+
+constinit const std::array<unsigned char, 256> kMacRomanUpperCase = [] {
   std::array<unsigned char, 256> upper{};
   for (std::size_t i = 0; i < upper.size(); ++i) {
     const bool isLower = i >= 'a' && i <= 'z';
@@ -43,8 +45,6 @@ constexpr auto kUpperCase = [] {
   return upper;
 }();
 
-}  // namespace
-
 UniChar unicodeFromMacRoman(unsigned char byte) {
   return byte < 0x80 ? UniChar{byte} : kUpperHalf[byte - 0x80];
 }
@@ -55,10 +55,6 @@ std::optional<unsigned char> macRomanFromUnicode(char32_t character) {
   const auto found = std::find(std::begin(kUpperHalf), end, character);
   if (found == end) return std::nullopt;
   return static_cast<unsigned char>(0x80 + (found - kUpperHalf));
-}
-
-unsigned char macRomanToUpper(unsigned char byte) {
-  return kUpperCase[byte];
 }
 
 std::string utf8FromMacRoman(std::string_view text) {

@@ -1,6 +1,7 @@
 // The instrument's 8-bit character set.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,9 +17,13 @@ UniChar unicodeFromMacRoman(unsigned char byte);
 /// The Mac Roman byte of a composed Unicode character, or nothing where it has no form there.
 std::optional<unsigned char> macRomanFromUnicode(char32_t character);
 
+extern const std::array<unsigned char, 256> kMacRomanUpperCase;
+
 /// The byte with its letter in upper case, marks kept: 0x8E (e acute) becomes 0x83. Letters without
 /// an upper-case form in Mac Roman, and everything that is no letter, stay as they are.
-unsigned char macRomanToUpper(unsigned char byte);
+inline unsigned char macRomanToUpper(unsigned char byte) {
+  return kMacRomanUpperCase[byte];
+}
 
 /// Mac Roman text as composed UTF-8. Every report shows names through this.
 std::string utf8FromMacRoman(std::string_view text);

@@ -126,8 +126,13 @@ std::string heldNameFromUnicode(std::u16string_view name) {
   if (isAscii(name)) return {name.begin(), name.end()};
   const std::u32string text = decomposed(name);
   std::string held;
+  held.reserve(text.size());
   for (std::size_t start = 0, end; start < text.size(); start = end) {
     end = start + 1;
+    if (text[start] < 0x80 && (end == text.size() || text[end] < 0x80)) {
+      held += static_cast<char>(text[start]);
+      continue;
+    }
     while (end < text.size() && joinsPrevious(text[end]))
       ++end;
     const std::size_t marks = end - start - 1;
@@ -160,6 +165,10 @@ void appendSortKey(std::string_view volumeName, std::string& key) {
   // Surrogates go in as units of their own: the order is that of units, not of characters.
   for (const char32_t character : decomposed(unicodeFromVolumeName(volumeName))) {
     const char32_t lower = lowerCase(character);
+    if (lower < 0x80) {
+      key += static_cast<char>(lower);
+      continue;
+    }
     if (lower >= 0x10000) appendUtf8(highOf(lower), key);
     appendUtf8(lower >= 0x10000 ? lowOf(lower) : lower, key);
   }

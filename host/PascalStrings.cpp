@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 #include "host/MacRoman.h"
 
@@ -18,6 +19,10 @@ unsigned char* bytes(char* s) {
 
 char* chars(unsigned char* s) {
   return reinterpret_cast<char*>(s);
+}
+
+unsigned char upper(char c) {
+  return macRomanToUpper(static_cast<unsigned char>(c));
 }
 
 char asciiUpper(char c) {
@@ -113,14 +118,18 @@ bool equalPString(const unsigned char* a, const unsigned char* b, bool caseSensi
 }
 
 int fncmp(const char* a, const char* b) {
-  return fncmpKey(a) == fncmpKey(b) ? 0 : 1;
+  for (std::size_t i = 0; i < kMostCharacters; ++i) {
+    if (upper(a[i]) != upper(b[i])) return 1;
+    if (a[i] == '\0') return 0;
+  }
+  return 0;
 }
 
-std::string fncmpKey(std::string_view name) {
-  std::string key(name.substr(0, kMostCharacters));
-  for (char& c : key)
-    c = static_cast<char>(macRomanToUpper(static_cast<unsigned char>(c)));
-  return key;
+std::uint32_t fncmpHash(const char* name) {
+  std::uint64_t hash = 0xCBF29CE484222325u;
+  for (std::size_t i = 0; i < kMostCharacters && name[i] != '\0'; ++i)
+    hash = (hash ^ upper(name[i])) * 0x100000001B3u;
+  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
 
 }  // namespace cairnset

@@ -5,8 +5,7 @@
 // bytes of a Str255, and a source may lie within its destination unless it is appended.
 #pragma once
 
-#include <string>
-#include <string_view>
+#include <cstdint>
 
 namespace cairnset {
 
@@ -52,7 +51,7 @@ bool equalPString(const unsigned char* a, const unsigned char* b, bool caseSensi
 /// Compares file names by their first 255 bytes, ignoring case but not marks: 0 where they are
 /// equal and 1 where they differ. It gives no order.
 int fncmp(const char* a, const char* b);
-/// The name as fncmp sees it: two names are equal there exactly when their keys are the same bytes.
-std::string fncmpKey(std::string_view name);
+/// A hash of a name for tables in which names that fncmp takes for equal are one.
+std::uint32_t fncmpHash(const char* name);
 
 }  // namespace cairnset

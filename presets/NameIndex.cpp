@@ -2,22 +2,12 @@
 
 #include <utility>
 
-#include "host/MacRoman.h"
 #include "host/PascalStrings.h"
 #include "presets/Preset.h"
 
 namespace cairnset {
 
 namespace {
-
-// The same for names that fncmp takes for one: it folds the same bytes, and as many.
-std::uint32_t hashOf(const char* name) {
-  std::uint64_t hash = 0xCBF29CE484222325u;
-  for (std::size_t i = 0; i < 255 && name[i] != '\0'; ++i) {
-    hash = (hash ^ macRomanToUpper(static_cast<unsigned char>(name[i]))) * 0x100000001B3u;
-  }
-  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
-}
 
 const char* nameOf(const Preset& preset) {
   const char* name = preset.getTreeItemName();
@@ -58,7 +48,7 @@ void NameIndex::reserve(std::size_t count) {
 
 void NameIndex::add(Preset* preset) {
   reserve(_count + 1);
-  const std::uint32_t hash = hashOf(nameOf(*preset));
+  const std::uint32_t hash = fncmpHash(nameOf(*preset));
   Slot& slot = _slots[slotOf(nameOf(*preset), hash)];
   if (slot.preset != nullptr) return;
   slot = {hash, preset};
@@ -66,7 +56,7 @@ void NameIndex::add(Preset* preset) {
 }
 
 Preset* NameIndex::find(const char* name) const {
-  return _slots.empty() ? nullptr : _slots[slotOf(name, hashOf(name))].preset;
+  return _slots.empty() ? nullptr : _slots[slotOf(name, fncmpHash(name))].preset;
 }
 
 }  // namespace cairnset

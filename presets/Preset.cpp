@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <ostream>
+#include <string>
 
 #include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
@@ -145,13 +146,11 @@ void Preset::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const 
   // Put together by hand and written unformatted, so that the stream's own width stays as it was.
   char digits[24];
   const auto end = std::to_chars(digits, digits + sizeof digits, getTreeItemIndex()).ptr;
-  for (auto width = end - digits; width < 3; ++width)
-    os.put(' ');
-  os.write(digits, end - digits);
-  os.put(' ');
-  const char* kind = getTreeItemTypeName();
-  os.write(kind, static_cast<std::streamsize>(std::strlen(kind)));
-  os.write(isROM() ? " ROM  \"" : "      \"", 7);
+  std::string line;
+  line.append(static_cast<std::size_t>(std::max<std::ptrdiff_t>(3 - (end - digits), 0)), ' ');
+  line.append(digits, end).append(1, ' ').append(getTreeItemTypeName());
+  line.append(isROM() ? " ROM  \"" : "      \"");
+  os.write(line.data(), static_cast<std::streamsize>(line.size()));
   if (const char* name = getTreeItemName(); name != nullptr) writeHeldName(os, name);
   os.put('"');
 }

@@ -263,7 +263,7 @@ long VirtualFile::copyData(VirtualFile& dst, unsigned long offset, unsigned long
 
 // --- Binary reads ---
 
-int VirtualFile::read(void* dst, long n) {
+int VirtualFile::readPastEnd(void* dst, long n) {
   if (n < 0) return 0;
   const auto wanted = static_cast<std::size_t>(n);
   const auto copied = std::min(wanted, static_cast<std::size_t>(_end - _rptr));

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <iosfwd>
 #include <string>
 
@@ -81,7 +82,12 @@ class VirtualFile {
   /// A read past the end succeeds too, but oddly: with k of n bytes left it copies these k, and
   /// then clears the first n - k bytes of `dst`, not the last. What neither covers keeps its value,
   /// so give it an initialised `dst`.
-  int read(void* dst, long n);
+  int read(void* dst, long n) {
+    if (n < 1 || n > _end - _rptr) return readPastEnd(dst, n);
+    std::memmove(dst, _rptr, static_cast<std::size_t>(n));  // dst may lie in this file
+    _rptr += n;
+    return 1;
+  }
   int read2(void* dst, bool swap) { return readWord(dst, 2, swap); }
   int read4(void* dst, bool swap) { return readWord(dst, 4, swap); }
   int read8(void* dst, bool swap) { return readWord(dst, 8, swap); }
@@ -208,6 +214,7 @@ class VirtualFile {
   long offsetInBuffer(const void* p) const;
   long absolute(long off, from_pos whence, long current) const;
   int writeWord(const void* p, long width, bool swap);
+  int readPastEnd(void* dst, long n);
   int readWord(void* dst, long width, bool swap);
   template <typename ReadChunk>
   long loadChunks(ReadChunk readChunk, unsigned long maxBytes);
