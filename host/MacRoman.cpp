@@ -60,8 +60,13 @@ std::optional<unsigned char> macRomanFromUnicode(char32_t character) {
 std::string utf8FromMacRoman(std::string_view text) {
   std::string out;
   out.reserve(text.size());
-  for (const char c : text) {
-    appendUtf8(unicodeFromMacRoman(static_cast<unsigned char>(c)), out);
+  while (!text.empty()) {
+    const auto ascii = std::find_if(text.begin(), text.end(),
+                                    [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+    out.append(text.begin(), ascii);
+    if (ascii == text.end()) break;
+    appendUtf8(unicodeFromMacRoman(static_cast<unsigned char>(*ascii)), out);
+    text.remove_prefix(static_cast<std::size_t>(ascii + 1 - text.begin()));
   }
   return out;
 }

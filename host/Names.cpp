@@ -15,10 +15,27 @@ namespace cairnset {
 
 namespace {
 
-// Nearly every name is ASCII, and a library has 100,000 of them: these need no tables.
-template <typename Text>
-bool isAscii(const Text& text) {
-  return std::all_of(text.begin(), text.end(), [](auto c) { return (c & ~0x7F) == 0; });
+constexpr bool isAscii(char c) {
+  return static_cast<unsigned char>(c) < 0x80;
+}
+
+// Nearly all characters are ASCII, and a library has 100,000 names: these need no tables. Hands a
+// volume name over piece by piece, `plain` the ASCII that stands by itself, `other` the characters
+// beyond ASCII, each run of them with the ASCII character before it, to which a mark may belong.
+template <typename Plain, typename Other>
+void takeInPieces(std::string_view name, Plain plain, Other other) {
+  while (!name.empty()) {
+    const auto beyond = std::find_if_not(name.begin(), name.end(), isAscii);
+    const auto end = std::find_if(beyond, name.end(), isAscii);
+    const bool isPlain = beyond == name.end();
+    const auto count = static_cast<std::size_t>(beyond - name.begin()) -
+                       (isPlain || beyond == name.begin() ? 0 : 1);
+    plain(name.substr(0, count));
+    if (isPlain) return;
+    const auto taken = static_cast<std::size_t>(end - name.begin());
+    other(name.substr(count, taken - count));
+    name.remove_prefix(taken);
+  }
 }
 
 template <typename Character>
@@ -123,16 +140,11 @@ OSErr volumeNameFromUnicode(std::u16string_view name, std::string& out) {
 }
 
 std::string heldNameFromUnicode(std::u16string_view name) {
-  if (isAscii(name)) return {name.begin(), name.end()};
   const std::u32string text = decomposed(name);
   std::string held;
   held.reserve(text.size());
   for (std::size_t start = 0, end; start < text.size(); start = end) {
     end = start + 1;
-    if (text[start] < 0x80 && (end == text.size() || text[end] < 0x80)) {
-      held += static_cast<char>(text[start]);
-      continue;
-    }
     while (end < text.size() && joinsPrevious(text[end]))
       ++end;
     const std::size_t marks = end - start - 1;
@@ -149,29 +161,37 @@ std::string heldNameFromUnicode(std::u16string_view name) {
 }
 
 std::string heldNameFromVolumeName(std::string_view volumeName) {
-  if (!isAscii(volumeName)) return heldNameFromUnicode(unicodeFromVolumeName(volumeName));
-  std::string held(volumeName);
-  std::transform(held.begin(), held.end(), held.begin(), swapSeparators<char>);
+  std::string held;
+  held.reserve(volumeName.size());
+  takeInPieces(
+      volumeName,
+      [&held](std::string_view ascii) {
+        const std::size_t start = held.size();
+        held.append(ascii);
+        std::transform(ascii.begin(), ascii.end(), held.data() + start, swapSeparators<char>);
+      },
+      [&held](std::string_view other) {
+        held += heldNameFromUnicode(unicodeFromVolumeName(other));
+      });
   return held;
 }
 
 void appendSortKey(std::string_view volumeName, std::string& key) {
-  if (isAscii(volumeName)) {
-    const std::size_t start = key.size();
-    key.resize(start + volumeName.size());
-    std::transform(volumeName.begin(), volumeName.end(), key.data() + start, asciiKey);
-    return;
-  }
-  // Surrogates go in as units of their own: the order is that of units, not of characters.
-  for (const char32_t character : decomposed(unicodeFromVolumeName(volumeName))) {
-    const char32_t lower = lowerCase(character);
-    if (lower < 0x80) {
-      key += static_cast<char>(lower);
-      continue;
-    }
-    if (lower >= 0x10000) appendUtf8(highOf(lower), key);
-    appendUtf8(lower >= 0x10000 ? lowOf(lower) : lower, key);
-  }
+  takeInPieces(
+      volumeName,
+      [&key](std::string_view ascii) {
+        const std::size_t start = key.size();
+        key.append(ascii);
+        std::transform(ascii.begin(), ascii.end(), key.data() + start, asciiKey);
+      },
+      [&key](std::string_view other) {
+        // Surrogates go in as units of their own: the order is that of units, not of characters.
+        for (const char32_t character : decomposed(unicodeFromVolumeName(other))) {
+          const char32_t lower = lowerCase(character);
+          if (lower >= 0x10000) appendUtf8(highOf(lower), key);
+          appendUtf8(lower >= 0x10000 ? lowOf(lower) : lower, key);
+        }
+      });
 }
 
 }  // namespace cairnset

@@ -1,5 +1,7 @@
 #include "storage/PtrManager.h"
 
+#include <array>
+#include <deque>
 #include <utility>
 
 namespace cairnset {
@@ -11,7 +13,23 @@ std::int32_t valueOf(const void* ptr) {
       static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(ptr)));
 }
 
+PtrLink* unusedLinks = nullptr;  // chained by their `next`
+
 }  // namespace
+
+void* PtrLink::operator new(std::size_t /*size*/) {
+  if (unusedLinks == nullptr) {
+    static std::deque<std::array<PtrLink, 256>> blocks;
+    for (PtrLink& link : blocks.emplace_back())
+      link.next = std::exchange(unusedLinks, &link);
+  }
+  return std::exchange(unusedLinks, unusedLinks->next);
+}
+
+void PtrLink::operator delete(void* link) {
+  static_cast<PtrLink*>(link)->next = unusedLinks;
+  unusedLinks = static_cast<PtrLink*>(link);
+}
 
 PtrManager::~PtrManager() {
   freeLinks();

@@ -12,6 +12,10 @@ namespace cairnset {
 struct PtrLink {
   void* ptr = nullptr;
   PtrLink* next = nullptr;
+
+  /// Links are many and small, and come from blocks that are kept for the next ones.
+  static void* operator new(std::size_t size);
+  static void operator delete(void* link);
 };
 
 /// The entries of a list from first to last, each as a T*. It is only read, it does not touch the
