@@ -2,8 +2,9 @@
 //
 // Runs "SWEEP FOLDER" and the program ROUNDS times in turn, so that both see the same machine,
 // after each ran once unmeasured where there is more than one round. What they print is thrown
-// away. Prints a line for each round: the program's wall time and the sweep's in nanoseconds, and
-// the program's peak resident size in bytes. Findings (statuses 10 and 11) are no failures.
+// away. Prints a line for each round: the program's wall time and the sweep's, the processor time
+// of both, all in nanoseconds, and the program's peak resident size in bytes. Processor time is
+// what to compare on a machine that has other work. Findings (statuses 10 and 11) are no failures.
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -20,9 +21,14 @@ extern char** environ;
 namespace {
 
 struct Run {
-  long long nanoseconds;
+  long long wall;  // nanoseconds
+  long long processor;
   long long peakBytes;
 };
+
+long long nanoseconds(const timeval& time) {
+  return (time.tv_sec * 1'000'000LL + time.tv_usec) * 1000;
+}
 
 [[noreturn]] void fail(const char* what, int error) {
   std::fprintf(stderr, "measure: %s: %s\n", what, std::strerror(error));
@@ -57,7 +63,7 @@ Run run(char* const* command) {
   constexpr long long kUnit = 1024;
 #endif
   return {std::chrono::duration_cast<std::chrono::nanoseconds>(end - start).count(),
-          usage.ru_maxrss * kUnit};
+          nanoseconds(usage.ru_utime) + nanoseconds(usage.ru_stime), usage.ru_maxrss * kUnit};
 }
 
 }  // namespace
@@ -77,6 +83,7 @@ int main(int argc, char** argv) {
   for (int i = 0; i < rounds; ++i) {
     const Run swept = run(sweep);
     const Run ran = run(program);
-    std::printf("%lld %lld %lld\n", ran.nanoseconds, swept.nanoseconds, ran.peakBytes);
+    std::printf("%lld %lld %lld %lld %lld\n", ran.wall, swept.wall, ran.processor, swept.processor,
+                ran.peakBytes);
   }
 }
