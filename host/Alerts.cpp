@@ -49,7 +49,7 @@ std::string formatted(std::string_view format, const char* argument) {
 }
 
 void writeLine(std::ostream& os, std::string_view text) {
-  writeHeldName(os, text);
+  writeHeldText(os, text);
   os << '\n' << std::flush;
 }
 
@@ -104,7 +104,7 @@ void displayFileManagerErrorWhile(long code, const char* action, const char* nam
   std::string text = "Olvan reports a file system error while ";
   if (action != nullptr) text += action;
   text += ' ';
-  if (name != nullptr) text += std::string_view(name).substr(0, kMostName);
+  if (name != nullptr) text += shownName(std::cerr, std::string_view(name).substr(0, kMostName));
   displayWithResultCode(text + ".", code, sourceFile, line);
 }
 

@@ -134,7 +134,10 @@ OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar
     const int descriptor = systemCalls().open(place.folder(), place.path(),
                                               O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor < 0) return resultFromErrno(errno);
-    return systemCalls().close(descriptor) == 0 || errno == EINTR ? noErr : resultFromErrno(errno);
+    if (systemCalls().close(descriptor) == 0 || errno == EINTR) return noErr;
+    const OSErr result = resultFromErrno(errno);
+    systemCalls().unlink(place.folder(), place.path(), 0);  // what failed has made nothing
+    return result;
   });
 }
 

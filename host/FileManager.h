@@ -110,9 +110,10 @@ OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* 
 /// The number of an open iterator; 0 is none.
 using FSIterator = std::uint32_t;
 
-/// Reads the whole listing of a folder, in the order of host/Names.h's sort keys, folders and files
-/// together. The iterator holds no descriptor, and once it has come to its end next to no memory,
-/// so that one which is never closed does no harm. A listing that fails half-way is an error.
+/// Reads the whole listing of a folder, in the order of host/Names.h's sort keys, folders, files
+/// and aliases together; FIFOs, sockets and devices are left out, so that nobody opens one. The
+/// iterator holds no descriptor, and once it has come to its end next to no memory, so that one
+/// which is never closed does no harm. A listing that fails half-way is an error.
 OSErr FSOpenIterator(const FSRef* folder, std::uint32_t flags, FSIterator* iterator);
 
 /// Answers up to `maximum` further items. `infos` and `refs` may be null; of the infos only
@@ -141,7 +142,9 @@ OSErr FSOpenFork(const FSRef* ref, std::size_t length, const UniChar* forkName,
 /// mark moves past what was read. `actual` may be null.
 OSErr FSReadFork(std::int16_t fork, std::uint16_t positionMode, std::int64_t offset,
                  std::size_t count, void* buffer, std::size_t* actual);
-/// Writes all of `count` bytes, or fails; the file grows as needed and is never cut.
+/// Writes all of `count` bytes, or fails; the file grows as needed and is never cut. Up to 1024
+/// bytes to a fork that can be read too are all written or, where the volume allows, none: what a
+/// failing write has changed is put back.
 OSErr FSWriteFork(std::int16_t fork, std::uint16_t positionMode, std::int64_t offset,
                   std::size_t count, const void* buffer, std::size_t* actual);
 OSErr FSSetForkPosition(std::int16_t fork, std::uint16_t positionMode, std::int64_t offset);

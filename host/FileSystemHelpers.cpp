@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "host/FileManager.h"
+#include "host/Location.h"
 #include "host/NameConversions.h"
 #include "host/Names.h"
 #include "host/NodeTable.h"
@@ -115,6 +116,11 @@ bool isFolder(const FSRef* ref) {
 bool isAlias(const FSRef* ref) {
   bool alias = false;
   return FSIsAliasFile(ref, &alias, nullptr) == noErr && alias;
+}
+
+bool isRegularFile(const FSRef* ref) {
+  struct stat info;
+  return itemInfo(*ref, info) == noErr && S_ISREG(info.st_mode);
 }
 
 std::uint32_t getNode(const FSRef* ref) {

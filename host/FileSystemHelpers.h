@@ -43,6 +43,9 @@ OSErr getParent(FSRef& parent, const FSRef& item);
 OSErr getParent(FSSpec& parent, const FSSpec& item);
 bool isFolder(const FSRef* ref);
 bool isAlias(const FSRef* ref);
+/// Whether something is there that can have a data fork: no folder, alias, FIFO, socket or device.
+/// Nothing is opened to find out.
+bool isRegularFile(const FSRef* ref);
 std::uint32_t getNode(const FSRef* ref);
 /// The node number of a folder; 0 for anything else.
 std::uint32_t getFolderNode(const FSRef* ref);

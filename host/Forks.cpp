@@ -112,6 +112,43 @@ OSErr readFully(const OpenFile& file, char* buffer, std::size_t count, std::int6
   return noErr;
 }
 
+// Writes until all is written. Answers in any case how much is.
+OSErr writeFully(const OpenFile& file, const char* bytes, std::size_t count, std::int64_t position,
+                 std::size_t& written) {
+  written = 0;
+  while (written < count) {
+    const ssize_t n =
+        systemCalls().pwrite(file.descriptor, bytes + written, count - written,
+                             static_cast<off_t>(position) + static_cast<off_t>(written));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return resultFromErrno(errno);
+    if (n == 0) return dskFulErr;  // a device that takes nothing and says nothing
+    written += static_cast<std::size_t>(n);
+  }
+  return noErr;
+}
+
+// A write of a preset's size is all or nothing, as far as the volume lets us take it back: half an
+// image would be neither the preset as it was nor as it was meant.
+OSErr writeOrTakeBack(const OpenFile& file, const char* bytes, std::size_t count,
+                      std::int64_t position, std::size_t& written) {
+  written = 0;
+  char before[kFirstBytes];
+  std::size_t beforeCount = 0;
+  OSErr result = readFully(file, before, count, position, beforeCount);
+  if (result != noErr) return result;  // what nobody can take back is not begun
+  result = writeFully(file, bytes, count, position, written);
+  if (result == noErr || written == 0) return result;
+  std::size_t restored = 0;
+  const OSErr back = writeFully(file, before, std::min(written, beforeCount), position, restored);
+  const bool isAsLong =
+      written <= beforeCount ||
+      systemCalls().ftruncate(file.descriptor,
+                              static_cast<off_t>(position) + static_cast<off_t>(beforeCount)) == 0;
+  if (back == noErr && isAsLong) written = 0;
+  return result;
+}
+
 OSErr readThroughFirstBytes(OpenFile& file, char* buffer, std::size_t count, std::int64_t position,
                             std::size_t& got) {
   if (!file.firstBytesKnown) {
@@ -233,19 +270,9 @@ OSErr FSWriteFork(std::int16_t number, std::uint16_t positionMode, std::int64_t 
   }
   const auto* bytes = static_cast<const char*>(buffer);
   std::size_t written = 0;
-  while (written < count && result == noErr) {
-    const ssize_t n =
-        systemCalls().pwrite(fork->file->descriptor, bytes + written, count - written,
-                             static_cast<off_t>(position) + static_cast<off_t>(written));
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) {
-      result = resultFromErrno(errno);
-    } else if (n == 0) {
-      result = dskFulErr;  // a device that takes nothing and says nothing
-    } else {
-      written += static_cast<std::size_t>(n);
-    }
-  }
+  const bool canTakeBack = count <= kFirstBytes && (fork->file->permissions & fsRdPerm) != 0;
+  result =
+      (canTakeBack ? writeOrTakeBack : writeFully)(*fork->file, bytes, count, position, written);
   fork->mark = position + static_cast<std::int64_t>(written);
   if (actual != nullptr) *actual = written;
   return result;

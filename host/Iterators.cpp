@@ -80,14 +80,16 @@ struct Entries {
 };
 
 // An entry whose kind cannot be told is an error too: a folder taken for a file is a folder lost.
-// One that has gone since it was listed is told from the rest by fnfErr.
+// One that has gone since it was listed is told from the rest by fnfErr. FIFOs, sockets and devices
+// are passed over like it: they have no fork, and opening some of them does things.
 OSErr isFolderEntry(int folder, const struct dirent& entry, bool& isFolder) {
   isFolder = entry.d_type == DT_DIR;
-  if (entry.d_type != DT_UNKNOWN) return noErr;
+  if (isFolder || entry.d_type == DT_REG || entry.d_type == DT_LNK) return noErr;
+  if (entry.d_type != DT_UNKNOWN) return fnfErr;
   struct stat info;
   if (systemCalls().lstat(folder, entry.d_name, &info) != 0) return resultFromErrno(errno);
   isFolder = S_ISDIR(info.st_mode);
-  return noErr;
+  return isFolder || S_ISREG(info.st_mode) || S_ISLNK(info.st_mode) ? noErr : fnfErr;
 }
 
 OSErr readEntries(DIR* listing, Entries& entries) {

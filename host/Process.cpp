@@ -1,9 +1,12 @@
 #include "host/Process.h"
 
+#include <cstring>
 #include <fcntl.h>
-#include <ostream>
+#include <iostream>
 #include <signal.h>
 #include <unistd.h>
+
+#include "host/ReportText.h"
 
 namespace cairnset {
 
@@ -35,7 +38,18 @@ void prepareProcess() {
 }
 
 int nextOption(int argc, char** argv, const char* options) {
-  return ::getopt(argc, argv, options);
+  ::opterr = 0;
+  const int letter = ::getopt(argc, argv, options);
+  if (letter == '?') {
+    const char option = static_cast<char>(::optopt);
+    const char* known = std::strchr(options, option);
+    writeGivenText(std::cerr, argv[0]);
+    std::cerr << (known != nullptr && option != ':' ? ": option requires an argument -- '"
+                                                    : ": invalid option -- '");
+    writeGivenText(std::cerr, {&option, 1});
+    std::cerr << "'\n";
+  }
+  return letter;
 }
 
 const char* optionArgument() {

@@ -12,7 +12,8 @@ namespace cairnset {
 void prepareProcess();
 
 /// The next option letter, as the system's getopt finds it; -1 at the end, '?' for one that is not
-/// in `options`, of which getopt has complained to standard error by itself.
+/// in `options`, of which standard error is told: in the same words everywhere, and by way of
+/// std::cerr, as getopt itself would send any byte to a terminal.
 int nextOption(int argc, char** argv, const char* options);
 /// The argument of the option that was found last.
 const char* optionArgument();

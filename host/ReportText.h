@@ -1,7 +1,9 @@
-// How names reach the reader of a report.
+// How texts reach the reader of a report, and what a name cannot do to the reader's terminal.
 #pragma once
 
 #include <iosfwd>
+#include <memory>
+#include <string>
 #include <string_view>
 
 namespace cairnset {
@@ -9,5 +11,28 @@ namespace cairnset {
 /// Writes a held name (Mac Roman, host/Names.h) as UTF-8. Every name in a report goes through here.
 /// Unformatted: the stream's width and fill do not count.
 void writeHeldName(std::ostream& os, std::string_view heldName);
+/// The same of a whole message, whose line feeds are the program's own.
+void writeHeldText(std::ostream& os, std::string_view heldText);
+/// Writes bytes that came from the user, a path for example, as they are.
+void writeGivenText(std::ostream& os, std::string_view text);
+
+/// The held name as writeHeldName would show it on the stream: for messages that are put together
+/// first.
+std::string shownName(const std::ostream& os, std::string_view heldName);
+
+/// As long as it lives, control bytes (C0 but line feed and tab, DEL, C1) and bytes that are not
+/// UTF-8 reach no terminal through std::cout and std::cerr: "?" is shown for each. Line feeds and
+/// tabs of names are shown as "?" too. What goes to a pipe or a file stays as it is.
+class MaskedTerminals {
+ public:
+  MaskedTerminals();
+  ~MaskedTerminals();
+  MaskedTerminals(const MaskedTerminals&) = delete;
+  MaskedTerminals& operator=(const MaskedTerminals&) = delete;
+
+ private:
+  class Mask;
+  std::unique_ptr<Mask> _masks[2];
+};
 
 }  // namespace cairnset

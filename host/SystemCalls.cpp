@@ -78,10 +78,11 @@ int birthTime([[maybe_unused]] int folder, [[maybe_unused]] const char* path,
 }  // namespace
 
 SystemCalls& systemCalls() {
-  static SystemCalls calls{
-      openFile,        ::close,    ::fstat,    ::pread,      ::pwrite,     lstatFile,    ::mkdirat,
-      renameNoReplace, ::renameat, linkFile,   ::unlinkat,   ::symlinkat,  ::readlinkat, ::realpath,
-      ::fdopendir,     ::readdir,  ::closedir, getAttribute, setAttribute, birthTime,    ::statvfs};
+  static SystemCalls calls{openFile,    ::close,    ::fstat,     ::pread,         ::pwrite,
+                           ::ftruncate, lstatFile,  ::mkdirat,   renameNoReplace, ::renameat,
+                           linkFile,    ::unlinkat, ::symlinkat, ::readlinkat,    ::realpath,
+                           ::fdopendir, ::readdir,  ::closedir,  getAttribute,    setAttribute,
+                           birthTime,   ::statvfs};
   return calls;
 }
 

@@ -20,6 +20,7 @@ struct SystemCalls {
   int (*fstat)(int descriptor, struct stat* out);
   ssize_t (*pread)(int descriptor, void* buffer, size_t count, off_t offset);
   ssize_t (*pwrite)(int descriptor, const void* buffer, size_t count, off_t offset);
+  int (*ftruncate)(int descriptor, off_t size);
   int (*lstat)(int folder, const char* path, struct stat* out);  // fstatat, links not followed
   int (*mkdir)(int folder, const char* path, mode_t mode);       // mkdirat
   /// Renames without replacing: EEXIST where the new name is taken; EINVAL, ENOSYS or ENOTSUP where

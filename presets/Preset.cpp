@@ -45,6 +45,9 @@ Preset::Preset(const FSRef& ref, const char* name, long /*kind*/, bool create)
   if (_status == dupFNErr) {
     _status =
         FSMakeFSRefUnicode(&ref, hostName.length, hostName.unicode, kTextEncodingUnknown, &file);
+    std::uint32_t kind = 0;
+    if (_status == noErr) _why_never_written = readKind(file, kind);
+    if (_why_never_written == kWrongFileType) _why_never_written = noErr;
   }
   if (_status == noErr) {
     takeFile(file);
@@ -197,6 +200,7 @@ OSErr Preset::readIn() {
 }
 
 OSErr Preset::writeOut() {
+  if (_why_never_written != noErr) return _status = _why_never_written;
   _status = openForWriting();
   if (_fork_ref == 0) return noErr;
   VirtualFile file(kBlockSize);
@@ -221,7 +225,16 @@ OSErr Preset::writeOutIfDeletedFromDisk() {
   const OSErr made = FSCreateFileUnicode(&_parent_ref, name.length, name.unicode, &file, nullptr);
   if (made != noErr) return made;
   changeFile(file);
-  return writeOut();
+  const OSErr written = writeOut();
+  if (_status != noErr) deleteIfEmpty();  // or it would not be missing any more the next time
+  return written;
+}
+
+void Preset::deleteIfEmpty() {
+  std::int64_t size = -1;
+  if (openForReading() == noErr) FSGetForkSize(_fork_ref, &size);
+  close();
+  if (size == 0) FSDeleteObject(&_file_ref);
 }
 
 OSErr Preset::rename(const unsigned char* newName) {
@@ -260,14 +273,25 @@ OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
   return FSRefIsValid(_file_ref) == noErr ? 1 : 0;
 }
 
-bool Preset::readKind(std::int16_t fork, std::uint32_t& kind) {
+OSErr Preset::readKind(std::int16_t fork, std::uint32_t& kind) {
   char start[8];
-  if (FSReadFork(fork, fsFromStart, 0, sizeof start, start, nullptr) != noErr) return false;
+  const OSErr result = FSReadFork(fork, fsFromStart, 0, sizeof start, start, nullptr);
+  if (result != noErr) return result == eofErr ? OSErr{kWrongFileType} : result;
   VirtualFile file(start, sizeof start, true, kBlockSize);
   std::uint32_t fileType = 0;
   readField(file, fileType);
   readField(file, kind);
-  return fileType == _file_type;
+  return fileType == _file_type ? noErr : OSErr{kWrongFileType};
+}
+
+OSErr Preset::readKind(const FSRef& file, std::uint32_t& kind) {
+  if (!isRegularFile(&file)) return ioErr;
+  std::int16_t fork = 0;
+  OSErr result = FSOpenFork(&file, 0, nullptr, fsRdWrPerm, &fork);
+  if (result != noErr) return result;
+  result = readKind(fork, kind);
+  FSCloseFork(fork);
+  return result;
 }
 
 // --- The file's image ----------------------------------------------------------------------------

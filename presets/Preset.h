@@ -42,8 +42,9 @@ class Preset : public TreeLeaf {
   /// A blank record without a file.
   Preset() = default;
   /// With `create`: makes the file `name` in the folder `ref`, with a new index. A file of that
-  /// name that is there already is taken over as it is, and is no failure. Without: the preset of
-  /// the existing file `ref`; `name` is not looked at and nothing is read yet. status() tells how
+  /// name that is there already is taken over as it is, and is no failure; but one that cannot be
+  /// looked into is never written, as nobody knows what would be lost. Without: the preset of the
+  /// existing file `ref`; `name` is not looked at and nothing is read yet. status() tells how
   /// it went.
   Preset(const FSRef& ref, const char* name, long kind, bool create);
   /// The preset of an existing file, with a new index where it is `fresh`.
@@ -125,9 +126,11 @@ class Preset : public TreeLeaf {
   /// had it so.
   OSErr moveToFolder(const FSRef& folder, bool replace);
 
-  /// Whether an open file starts as a preset does, and of which kind: all that makes a file a
-  /// preset, whatever its name.
-  static bool readKind(std::int16_t fork, std::uint32_t& kind);
+  /// noErr where an open file starts as a preset does, and of which kind it then is: all that makes
+  /// a file a preset, whatever its name. kWrongFileType where it does not, or why nobody can tell.
+  static OSErr readKind(std::int16_t fork, std::uint32_t& kind);
+  /// The same of a file that is not open.
+  static OSErr readKind(const FSRef& file, std::uint32_t& kind);
 
   // --- The file's image ---
 
@@ -149,11 +152,13 @@ class Preset : public TreeLeaf {
   void takeFile(const FSRef& ref);
   void changeFile(const FSRef& ref);
   void takeNamesFromFile();
+  void deleteIfEmpty();
   long extractImage(VirtualFile& file, std::uint32_t size);
 
   static unsigned long _file_changes;
 
   OSErr _status = noErr;
+  OSErr _why_never_written = noErr;
   std::int16_t _fork_ref = 0;  // 0 when closed
   FSRef _file_ref;
   /// A place whose last part is the preset's host name: the file's exact name when this preset was

@@ -342,6 +342,7 @@ void PresetList::makeSureOfDefault() {
       break;
     }
   }
+  if (found == nullptr) found = openPassedDefault();
   if (found == nullptr) {
     Str255 name;
     C2PCopy(name, kDefault.data());
@@ -356,6 +357,17 @@ void PresetList::makeSureOfDefault() {
   found->setIndex(0);
   found->setROM(true);
   found->writeOut();
+}
+
+Preset* PresetList::openPassedDefault() {
+  FSRef file;
+  std::uint32_t kind = 0;
+  if (findFolder(_root_folder, Preset::_default_preset_name, false, file) != noErr ||
+      Preset::readKind(file, kind) != noErr ||
+      kind != static_cast<std::uint32_t>(getPresetType())) {
+    return nullptr;
+  }
+  return openPreset(file);
 }
 
 OSStatus PresetList::readFolders(const FSRef& folder, PresetLimb* limb, bool& listed) {
@@ -390,7 +402,8 @@ OSStatus PresetList::readFolders(const FSRef& folder, PresetLimb* limb, bool& li
       std::int16_t fork = 0;
       if (FSOpenFork(&ref, 0, nullptr, fsRdWrPerm, &fork) != noErr) continue;
       std::uint32_t kind = 0;
-      if (Preset::readKind(fork, kind) && kind == static_cast<std::uint32_t>(getPresetType())) {
+      if (Preset::readKind(fork, kind) == noErr &&
+          kind == static_cast<std::uint32_t>(getPresetType())) {
         openPreset(ref);
       }
       status = FSCloseFork(fork);

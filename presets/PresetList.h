@@ -149,6 +149,9 @@ class PresetList : public PtrManager, public PresetLimb {
   PresetLimb* addFolderLimb(PresetLimb* parent, const FSRef& folder);
   OSStatus readFolders(const FSRef& folder, PresetLimb* limb, bool& listed);
   void makeSureOfDefault();
+  /// The preset in the root folder's file "Default", for which a load that could not open or read
+  /// it for a moment would write a new one over it. Null where there is no such preset.
+  Preset* openPassedDefault();
   template <typename Lies>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, Lies lies) const;
 

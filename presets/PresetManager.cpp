@@ -92,7 +92,8 @@ OSStatus PresetManager::openTopLevelPresets(long kind) {
     std::int16_t fork = 0;
     if (FSOpenFork(&file, 0, nullptr, fsRdPerm, &fork) != noErr) continue;
     std::uint32_t fileKind = 0;
-    if (Preset::readKind(fork, fileKind) && (kind == kAllKinds || kind == long{fileKind})) {
+    if (Preset::readKind(fork, fileKind) == noErr &&
+        (kind == kAllKinds || kind == long{fileKind})) {
       for (PresetList* list : lists) {
         if (list->getPresetType() == long{fileKind}) list->openPreset(file);
       }

@@ -21,8 +21,9 @@ namespace cairnset {
 /// said where. Names are paths below it; "" is the folder itself. Whatever cannot be done throws.
 class TestFolder {
  public:
-  TestFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "cairnset-XXXXXX").string();
+  explicit TestFolder(
+      const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string pattern = (parent / "cairnset-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
     _path = std::filesystem::canonical(pattern).string();
   }

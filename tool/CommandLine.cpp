@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "host/Process.h"
+#include "host/ReportText.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
 #include "tool/Reports.h"
@@ -28,11 +29,15 @@ bool takePath(const char* path) {
   const std::size_t length = std::strlen(path);
   if (length >= kPathStringSize) {
     std::cerr << "Cairnset: the -e path is too long (" << length << " bytes, at most "
-              << kPathStringSize - 1 << "): [" << path << "]\n";
+              << kPathStringSize - 1 << "): [";
+    writeGivenText(std::cerr, path);
+    std::cerr << "]\n";
     return false;
   }
   std::memcpy(path_string, path, length + 1);
-  std::cout << "Cairnset explicit path set to: [" << path_string << "]\n";
+  std::cout << "Cairnset explicit path set to: [";
+  writeGivenText(std::cout, path_string);
+  std::cout << "]\n";
   return true;
 }
 

@@ -4,6 +4,7 @@
 
 #include "host/BrumePrefs.h"
 #include "host/FileManager.h"
+#include "host/ReportText.h"
 #include "presets/PresetManager.h"
 
 namespace cairnset {
@@ -48,13 +49,16 @@ void deinstantiate() {
 int PresetManagerFriendFunction(void* /*unused*/) {
   FSRef items;
   if (const OSErr result = FSPathMakeRef(path_string, &items, nullptr); result != noErr) {
-    std::cerr << "Cairnset: system error " << result << " occurred while resolving this path: ["
-              << path_string << "]\n";
+    std::cerr << "Cairnset: system error " << result << " occurred while resolving this path: [";
+    writeGivenText(std::cerr, path_string);
+    std::cerr << "]\n";
     return kPathNotResolved;
   }
   if (const OSStatus result = _pm->setOlvanItemsFSRef(items); result != noErr) {
     std::cerr << "Cairnset: system error " << result
-              << " occurred while resolving Presets path using: [" << path_string << "]\n";
+              << " occurred while resolving Presets path using: [";
+    writeGivenText(std::cerr, path_string);
+    std::cerr << "]\n";
     return kLibraryNotSetUp;
   }
   _pm->openAllPresets();

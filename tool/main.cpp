@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "host/Process.h"
+#include "host/ReportText.h"
 #include "tool/CommandLine.h"
 
 int main(int argc, char** argv) {
@@ -8,5 +9,6 @@ int main(int argc, char** argv) {
   // Reports are written in large pieces; standard error goes out at once, after what was reported
   // before it.
   std::ios::sync_with_stdio(false);
+  const cairnset::MaskedTerminals masked;
   return cairnset::runCommandLine(argc, argv);
 }

@@ -1,0 +1,256 @@
+// Every file operation of every changing command fails once, in each of its ways. Whatever comes of
+// it, a preset file is as it was or as it was meant to become, and none is gone.
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <set>
+#include <sstream>
+#include <tuple>
+#include <utility>
+
+#include "host/SystemCalls.h"
+#include "presets/PresetManager.h"
+#include "tests/tool/ToolTest.h"
+#include "tool/BulkMaintenance.h"
+#include "tool/FilenameRepair.h"
+#include "tool/LeafIteration.h"
+#include "tool/Session.h"
+
+namespace cairnset {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Ways to fail beside errno values: only a part is moved, no more after it, nothing at all.
+enum : int { kShort = -1, kShortThenError = -2, kNothing = -3 };
+constexpr std::size_t kPart = 120;  // ends within the first reference of a program or session
+
+long operations, failsAt, injected;
+std::size_t way;
+bool isLastWay, failsNext;
+
+// With kDone the operation is done, and fails all the same.
+template <auto kMember, bool kDone = false, typename Result, typename... Args>
+void guard(Result (*&call)(Args...), std::vector<int> waysToFail) {
+  static Result (*real)(Args...);
+  static std::vector<int> ways;
+  real = call;
+  ways = std::move(waysToFail);
+  call = [](Args... args) -> Result {
+    int error = 0;
+    if (std::exchange(failsNext, false)) {
+      error = ways.front();
+    } else if (++operations == failsAt) {
+      ++injected;
+      isLastWay = way + 1 == ways.size();
+      error = ways[way];
+    }
+    if (error == 0) return real(args...);
+    if constexpr (std::is_same_v<Result, ssize_t>) {
+      const auto [descriptor, bytes, size, offset] = std::tuple(args...);
+      failsNext = error == kShortThenError;
+      if (error == kNothing) return 0;
+      if (error < 0) return real(descriptor, bytes, std::min(size - 1, kPart), offset);
+    }
+    if (kDone) real(args...);
+    errno = error;
+    if constexpr (std::is_pointer_v<Result>) {
+      return nullptr;
+    } else {
+      return -1;
+    }
+  };
+}
+
+void guardAll(bool hasLinks) {
+  using S = SystemCalls;
+  S& s = systemCalls();
+  guard<&S::open>(s.open, {EIO, ENOENT, EACCES, EEXIST, ENOSPC});
+  guard<&S::close, true>(s.close, {EIO, ENOSPC});
+  guard<&S::fstat>(s.fstat, {EIO});
+  guard<&S::pread>(s.pread, {EIO, kShort, kShortThenError});
+  guard<&S::pwrite>(s.pwrite, {ENOSPC, EIO, kShort, kShortThenError, kNothing});
+  // Where a rename may replace, nothing helps against a file that is there and is said not to be.
+  guard<&S::lstat>(s.lstat, {EIO, EACCES, hasLinks ? ENOENT : EIO});
+  guard<&S::mkdir>(s.mkdir, {ENOSPC, EIO, ENOENT, EEXIST, EACCES});
+  guard<&S::renameNoReplace>(s.renameNoReplace, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EINVAL});
+  guard<&S::rename>(s.rename, {EIO, ENOENT, EACCES, ENOSPC});
+  guard<&S::link>(s.link, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EPERM});
+  guard<&S::unlink>(s.unlink, {EIO, ENOENT, EACCES});
+  guard<&S::realpath>(s.realpath, {EIO, ENOENT, EACCES});
+  guard<&S::fdopendir>(s.fdopendir, {ENOMEM});
+  guard<&S::readdir>(s.readdir, {EIO});
+  guard<&S::closedir, true>(s.closedir, {EIO});
+}
+
+const std::string kBad = "?" + std::string(50, 'x') + "?";  // a reference to it cannot tear unseen
+const std::string kLost = "Programs/mine", kReplaced = "Programs/Factory/factory";
+
+const PresetFile kLibrary[] = {{"Velocity Maps/" + kBad, true, 3, {"", ""}},
+                               {"Effects/Default", false, 5, {"", ""}},
+                               {"Effects/" + kBad, true, 1, {"", ""}},
+                               {"Programs/Default", true, 0, {"Default", ""}},
+                               {"Programs/" + kBad, true, 4, {kBad, ""}},
+                               {"Programs/factory", true, 5, {"this", ""}},
+                               {kReplaced, true, 6, {"that", ""}},
+                               {"Programs/mine", false, 7, {"this", ""}},
+                               {"Programs/User/mine", false, 8, {"that", ""}},
+                               {"Sessions/s", false, 9, {kBad, kBad}}};
+
+struct Command {
+  std::string name;
+  int (*run)();
+  bool reports = false;    // tells of each preset that it could not write
+  bool failsLoad = false;  // has its faults from the load before it on
+  // 1: a volume that can do all; 2: also one without the rename that never replaces; 3: also one
+  // without links.
+  int volumes = 1;
+};
+
+const Command kCommands[] = {{"load", [] { return 0; }, false, true},
+                             {"-s", [] { return sortIntoSubdirectories(), 0; }, false, false, 3},
+                             {"-z", fixFilenames, true, true, 3},
+                             {"ROM", [] { return makeAllROM(), 0; }, true},
+                             {"save", [] { return _pm->saveAllPresets(), 0; }, false, true},
+                             {"synchronise", [] {
+                                fs::remove(path_string + ("/Presets/" + kLost));
+                                return _pm->synchronizePresetList(0), 0;
+                              }}};
+
+// Whether the bytes are the preset's as it was or with its names repaired, each field for itself;
+// ROM flag and index, which every load may set in a way of its own, do not count.
+bool isIntact(const std::string& bytes, const PresetFile& preset) {
+  PresetFile repaired = preset;
+  for (std::string* text : {&repaired.path, &repaired.references[0], &repaired.references[1]})
+    std::replace(text->begin(), text->end(), '?', '_');
+  const std::string before = preset.bytes(), after = repaired.bytes();
+  if (bytes.size() != before.size()) return false;
+  constexpr std::size_t kFields[] = {0, 12, 76, 84, 89, 93, 157, 221, 999};
+  for (std::size_t i = 0; i + 1 < std::size(kFields) && kFields[i] < bytes.size(); ++i) {
+    const std::size_t from = kFields[i], size = kFields[i + 1] - from;
+    if (from != 84 && bytes.compare(from, size, before, from, size) != 0 &&
+        bytes.compare(from, size, after, from, size) != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// A path without the folders between the kind's and the file, and with its name repaired.
+std::string identity(const std::string& path) {
+  std::string name = path.substr(0, path.find('/')) + path.substr(path.rfind('/'));
+  std::replace(name.begin(), name.end(), '?', '_');
+  return name;
+}
+
+class FaultSweepTest : public testing::Test, protected TestFolder {
+ protected:
+  // In memory where the system has such a folder: the library is made anew thousands of times.
+  FaultSweepTest() : TestFolder(fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()) {}
+  ~FaultSweepTest() override { systemCalls() = _real; }
+
+  void makeLibrary() const {
+    fs::remove_all(path("lib"));
+    for (const PresetFile& preset : kLibrary)
+      put(*this, preset);
+  }
+
+  void expectNoHarm(const Command& command) const {
+    std::set<const PresetFile*> found;
+    for (const auto& entry : fs::recursive_directory_iterator(path("lib/Presets"))) {
+      if (!entry.is_regular_file()) continue;
+      const std::string name = fs::relative(entry.path(), path("lib/Presets"));
+      const std::string bytes = read("lib/Presets/" + name);
+      const auto* preset = std::find_if(
+          std::begin(kLibrary), std::end(kLibrary),
+          [&](const auto& p) { return identity(p.path) == identity(name) && isIntact(bytes, p); });
+      const bool isNewDefault = (name == "Velocity Maps/Default" || name == "Sessions/Default") &&
+                                (bytes.empty() || bytes.size() == PresetFile{name}.bytes().size());
+      EXPECT_TRUE(preset != std::end(kLibrary) || isNewDefault) << name << " was harmed";
+      found.insert(preset);
+    }
+    for (const PresetFile& preset : kLibrary)
+      EXPECT_TRUE(found.contains(&preset) || preset.path == kReplaced ||
+                  (preset.path == kLost && command.name == "synchronise"))
+          << preset.path << " is gone";
+  }
+
+  // Every preset in memory is on the disk as it is in memory, or was told of.
+  void expectTold(std::string errors) const {
+    std::replace(errors.begin(), errors.end(), '?',
+                 '_');  // some are renamed after they were told of
+    for (PresetList* list : {_v, _e, _p, _s}) {
+      forEachPreset(list, [&](Preset& preset) {
+        std::string name = preset.getTreeItemName();
+        std::replace(name.begin(), name.end(), '?', '_');
+        const auto size = static_cast<std::size_t>(preset.getFlattenedPreset(nullptr));
+        char place[1024];
+        if (name == "Default" || FSRefMakePath(&preset.fileRef(), place, sizeof place) != noErr)
+          return;
+        const std::string image(preset.flattenedData(), size);
+        const std::string file = read(fs::relative(place, path("")));
+        EXPECT_TRUE((file[84] == image[84] && file.substr(89) == image.substr(89)) ||
+                    errors.find('"' + name + '"') != std::string::npos)
+            << name << " was not written, and nobody told";
+      });
+    }
+  }
+
+  void run(const Command& command, bool failsLoad) {
+    std::ostringstream out, err;
+    const auto before = std::pair(std::cout.rdbuf(out.rdbuf()), std::cerr.rdbuf(err.rdbuf()));
+    failsNext = false;
+    operations = failsLoad ? 0 : failsAt;
+    const bool isLoaded = instantiate() == 0;
+    if (!failsLoad) operations = 0;
+    const int status = isLoaded ? command.run() : 0;
+    operations = failsAt;  // what follows is no part of it
+    std::cout.rdbuf(before.first);
+    std::cerr.rdbuf(before.second);
+    if (isLoaded && command.reports) expectTold(err.str());
+    const bool isTold = err.str().find("### error") != std::string::npos;
+    EXPECT_EQ(status == 20, command.name == "-z" && isTold);
+    deinstantiate();
+  }
+
+  static long descriptors() {
+    long open = 0;
+    for (int descriptor = 0; descriptor < 256; ++descriptor)
+      open += ::fcntl(descriptor, F_GETFD) != -1;
+    return open;
+  }
+
+  const SystemCalls _real = systemCalls();
+};
+
+TEST_F(FaultSweepTest, NoFaultHarmsAPreset) {
+  std::strcpy(path_string, path("lib").c_str());
+  const auto refuse = [](int, const char*, int, const char*) { return errno = ENOTSUP, -1; };
+  const long open = descriptors();
+  for (const Command& command : kCommands) {
+    for (int volume = 1; volume <= command.volumes; ++volume) {
+      systemCalls() = _real;
+      if (volume > 1) systemCalls().renameNoReplace = refuse;
+      if (volume > 2) systemCalls().link = refuse;
+      guardAll(volume <= 2);
+      long before = -1;
+      for (failsAt = 1; injected != before && !HasFailure(); ++failsAt) {
+        before = injected;
+        for (way = 0, isLastWay = false; !isLastWay; ++way) {
+          SCOPED_TRACE(command.name + " on volume " + std::to_string(volume) + ", operation " +
+                       std::to_string(failsAt) + ", way " + std::to_string(way));
+          makeLibrary();
+          isLastWay = true;
+          run(command, command.failsLoad && volume == 1);
+          expectNoHarm(command);
+          EXPECT_EQ(descriptors(), open);
+        }
+      }
+    }
+  }
+  RecordProperty("faults", std::to_string(injected));
+  std::cout << injected << " faults injected\n";
+}
+
+}  // namespace
+}  // namespace cairnset
