@@ -57,9 +57,7 @@ std::optional<unsigned char> macRomanFromUnicode(char32_t character) {
   return static_cast<unsigned char>(0x80 + (found - kUpperHalf));
 }
 
-std::string utf8FromMacRoman(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
+void appendUtf8FromMacRoman(std::string_view text, std::string& out) {
   while (!text.empty()) {
     const auto ascii = std::find_if(text.begin(), text.end(),
                                     [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
@@ -68,7 +66,6 @@ std::string utf8FromMacRoman(std::string_view text) {
     appendUtf8(unicodeFromMacRoman(static_cast<unsigned char>(*ascii)), out);
     text.remove_prefix(static_cast<std::size_t>(ascii + 1 - text.begin()));
   }
-  return out;
 }
 
 }  // namespace cairnset

@@ -25,7 +25,7 @@ inline unsigned char macRomanToUpper(unsigned char byte) {
   return kMacRomanUpperCase[byte];
 }
 
-/// Mac Roman text as composed UTF-8. Every report shows names through this.
-std::string utf8FromMacRoman(std::string_view text);
+/// Appends Mac Roman text as composed UTF-8. Every report shows names through this.
+void appendUtf8FromMacRoman(std::string_view text, std::string& out);
 
 }  // namespace cairnset

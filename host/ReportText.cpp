@@ -37,17 +37,6 @@ std::string masked(std::string_view text, std::string_view allowed) {
   return shown;
 }
 
-void write(std::ostream& os, std::string_view text) {
-  os.write(text.data(), static_cast<std::streamsize>(text.size()));
-}
-
-// The text itself where it is ASCII, as most are, else what `buffer` is made to hold.
-std::string_view utf8(std::string_view held, std::string& buffer) {
-  const bool isAscii = std::all_of(held.begin(), held.end(),
-                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  return isAscii ? held : buffer = utf8FromMacRoman(held);
-}
-
 }  // namespace
 
 // Every text comes in one piece, so that no character is ever cut in two.
@@ -85,18 +74,30 @@ MaskedTerminals::MaskedTerminals() {
 
 MaskedTerminals::~MaskedTerminals() = default;
 
+void writeText(std::ostream& os, std::string_view text) {
+  os.write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
 void writeGivenText(std::ostream& os, std::string_view text) {
-  isMasked(os) ? write(os, masked(text, "")) : write(os, text);
+  isMasked(os) ? writeText(os, masked(text, "")) : writeText(os, text);
 }
 
 void writeHeldName(std::ostream& os, std::string_view heldName) {
-  std::string buffer;
-  writeGivenText(os, utf8(heldName, buffer));
+  std::string text;
+  appendHeldName(text, os, heldName);
+  writeText(os, text);
+}
+
+void appendHeldName(std::string& text, const std::ostream& os, std::string_view heldName) {
+  const std::size_t start = text.size();
+  appendUtf8FromMacRoman(heldName, text);
+  if (isMasked(os)) text.replace(start, std::string::npos, masked(text.substr(start), ""));
 }
 
 void writeHeldText(std::ostream& os, std::string_view heldText) {
-  std::string buffer;
-  write(os, utf8(heldText, buffer));
+  std::string text;
+  appendUtf8FromMacRoman(heldText, text);
+  writeText(os, text);
 }
 
 std::string shownName(const std::ostream& os, std::string_view heldName) {

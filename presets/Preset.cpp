@@ -146,16 +146,20 @@ bool Preset::equalParams(const Preset& other) const {
 }
 
 void Preset::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const {
-  // Put together by hand and written unformatted, so that the stream's own width stays as it was.
+  std::string text;
+  text.reserve(kNameSize);
+  appendTreeItemInfo(text, os);
+  writeText(os, text);
+}
+
+void Preset::appendTreeItemInfo(std::string& text, const std::ostream& os) const {
   char digits[24];
   const auto end = std::to_chars(digits, digits + sizeof digits, getTreeItemIndex()).ptr;
-  std::string line;
-  line.append(static_cast<std::size_t>(std::max<std::ptrdiff_t>(3 - (end - digits), 0)), ' ');
-  line.append(digits, end).append(1, ' ').append(getTreeItemTypeName());
-  line.append(isROM() ? " ROM  \"" : "      \"");
-  os.write(line.data(), static_cast<std::streamsize>(line.size()));
-  if (const char* name = getTreeItemName(); name != nullptr) writeHeldName(os, name);
-  os.put('"');
+  text.append(static_cast<std::size_t>(std::max<std::ptrdiff_t>(3 - (end - digits), 0)), ' ');
+  text.append(digits, end).append(1, ' ').append(getTreeItemTypeName());
+  text.append(isROM() ? " ROM  \"" : "      \"");
+  if (const char* name = getTreeItemName(); name != nullptr) appendHeldName(text, os, name);
+  text += '"';
 }
 
 // --- The file ------------------------------------------------------------------------------------

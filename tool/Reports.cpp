@@ -1,6 +1,8 @@
 #include "tool/Reports.h"
 
 #include <iostream>
+#include <string>
+#include <utility>
 
 #include "host/ReportText.h"
 #include "presets/PresetManager.h"
@@ -12,19 +14,24 @@ namespace cairnset {
 
 namespace {
 
+// One preset can be used by all others: their lines go out in pieces of about this size.
+constexpr std::size_t kMostText = 1 << 16;
+
 // One pass of -d. Answers whether every reference was found.
 bool checkReferences(PresetList* referrers, const PresetReference& reference, PresetList* referred,
                      const char* uses) {
   bool all = true;
+  std::string line;
   forEachPreset(referrers, [&](Preset& preset) {
     const std::string name = reference.name(preset);
     const bool found = referred->findPreset(name.c_str()) != nullptr;
     all = all && found;
-    std::cout << (found ? "   [ ok ]      " : " [ MISSING ]   ");
-    preset.printTreeItemInfo(std::cout, 0);
-    std::cout << uses;
-    writeHeldName(std::cout, name);
-    std::cout << (found ? "\" which is found.\n" : "\" which is MISSING.\n");
+    line = found ? "   [ ok ]      " : " [ MISSING ]   ";
+    preset.appendTreeItemInfo(line, std::cout);
+    line += uses;
+    appendHeldName(line, std::cout, name);
+    line += found ? "\" which is found.\n" : "\" which is MISSING.\n";
+    writeText(std::cout, line);
   });
   std::cout << "--------------------------------------\n";
   return all;
@@ -33,14 +40,18 @@ bool checkReferences(PresetList* referrers, const PresetReference& reference, Pr
 // One pass of -r.
 void listReferrers(PresetList* referred, PresetList* referrers, const PresetReference& reference) {
   const ReferrerIndex index(referrers, reference);
-  forEachPreset(referred, [&index](Preset& preset) {
-    preset.printTreeItemInfo(std::cout, 0);
-    std::cout << '\n';
+  std::string text;
+  forEachPreset(referred, [&](Preset& preset) {
+    text.clear();
+    preset.appendTreeItemInfo(text, std::cout);
+    text += '\n';
     for (const Preset* referrer : index.referrersOf(preset.getTreeItemName())) {
-      std::cout << "\t\t used by ";
-      referrer->printTreeItemInfo(std::cout, 0);
-      std::cout << '\n';
+      text += "\t\t used by ";
+      referrer->appendTreeItemInfo(text, std::cout);
+      text += '\n';
+      if (text.size() > kMostText) writeText(std::cout, std::exchange(text, {}));
     }
+    writeText(std::cout, text);
   });
 }
 
