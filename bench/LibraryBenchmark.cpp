@@ -40,7 +40,7 @@ class LibrarySession {
       state.SkipWithError("the library could not be made");
       return;
     }
-    std::strcpy(path_string, path.c_str());
+    path_string[path.copy(path_string, kPathStringSize - 1)] = '\0';
     if (instantiate() != kSuccess) state.SkipWithError("the library could not be loaded");
     _console = std::cout.rdbuf(&_nowhere);
   }

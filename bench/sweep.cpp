@@ -40,6 +40,8 @@ void readFile(int parent, const char* name) {
   ++files;
 }
 
+// The least that a program can do is to hold its folders open, which run out before the stack does.
+// NOLINTNEXTLINE(misc-no-recursion)
 void sweep(int parent, const char* name) {
   const int folder = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   DIR* const listing = folder >= 0 ? fdopendir(folder) : nullptr;

@@ -37,8 +37,8 @@ class Dice {
     return static_cast<std::uint32_t>((_state >> 33) % bound);
   }
   float between(int low, int high) {
-    return static_cast<float>(low +
-                              static_cast<int>(below(static_cast<std::size_t>(high - low + 1))));
+    const auto span = static_cast<std::size_t>(high - low) + 1;
+    return static_cast<float>(low + static_cast<int>(below(span)));
   }
   std::uint8_t flag() { return static_cast<std::uint8_t>(below(2)); }
 
@@ -208,7 +208,8 @@ class Writer {
     return status;
   }
 
-  // The folder at a path below the kind's root, made where it is new.
+  // The folder at a path below the kind's root, made where it is new. As deep as the words say.
+  // NOLINTNEXTLINE(misc-no-recursion)
   OSStatus folderAt(const std::string& path, FSRef& out) {
     if (const auto known = _folders.find(path); known != _folders.end()) {
       out = known->second;

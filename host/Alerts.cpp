@@ -91,6 +91,7 @@ OSStatus displayErrorStringsAsyncTask(void* pair) {
 }
 
 void displayErrorStringsWithCode(const char* text, char* detail, const char* sourceFile, int line) {
+  // The caller has the room. NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.strcpy)
   if (detail != nullptr) std::strcat(detail, sourcePlace(sourceFile, line).c_str());
   displayErrorStrings(text, detail);
 }

@@ -45,11 +45,13 @@ void appendInOrder(char32_t character, std::u32string& out) {
 
 void appendSyllable(char32_t index, std::u32string& out) {
   constexpr char32_t kVowels = 21, kFinals = 28;
-  out += U'\u1100' + index / (kVowels * kFinals);
+  out += static_cast<char32_t>(U'\u1100' + index / (kVowels * kFinals));
   out += U'\u1161' + index / kFinals % kVowels;
   if (index % kFinals != 0) out += U'\u11A7' + index % kFinals;
 }
 
+// A character's parts have parts of their own three times over at most.
+// NOLINTNEXTLINE(misc-no-recursion)
 void appendDecomposed(char32_t character, std::u32string& out) {
   constexpr char32_t kFirstSyllable = 0xAC00, kLastSyllable = 0xD7A3;
   if (character < kFirstDecomposed) {

@@ -10,7 +10,7 @@ void setEditText(ControlRef control, long value) {
 }
 
 void setEditText(ControlRef control, float value, int decimals) {
-  const double number = static_cast<double>(value);
+  const auto number = static_cast<double>(value);
   const int length = std::snprintf(nullptr, 0, "%.*f", decimals, number);
   control->text.resize(static_cast<std::size_t>(length < 0 ? 0 : length));
   if (length > 0)

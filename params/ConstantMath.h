@@ -11,10 +11,14 @@ namespace cairnset {
 /// 2 to the power of `x`, exactly for whole `x`, else to within a few units of the last place.
 constexpr double powerOfTwo(double x) {
   double scale = 1.0;
-  for (; x < 0.0; x += 1.0)
+  while (x < 0.0) {
     scale /= 2.0;
-  for (; x >= 1.0; x -= 1.0)
+    x += 1.0;
+  }
+  while (x >= 1.0) {
     scale *= 2.0;
+    x -= 1.0;
+  }
   double term = 1.0;
   double sum = 1.0;
   for (int k = 1; k <= 20; ++k) {

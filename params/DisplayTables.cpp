@@ -26,9 +26,12 @@ constexpr std::array<const char*, N> pointersTo(const std::array<Text, N>& texts
 }
 
 constexpr char* writeWhole(char* out, std::int64_t number) {
-  if (number >= 10) out = writeWhole(out, number / 10);
-  *out = static_cast<char>('0' + number % 10);
-  return out + 1;
+  std::int64_t unit = 1;
+  while (number / unit >= 10)
+    unit *= 10;
+  for (; unit > 0; unit /= 10)
+    *out++ = static_cast<char>('0' + number / unit % 10);
+  return out;
 }
 
 constexpr char* writeTenths(char* out, std::int64_t tenths) {

@@ -10,6 +10,11 @@ namespace {
 
 constexpr const char* kPresetsFolder = "Presets";
 
+// Whether what is asked for one kind, or for all, is asked for this one.
+bool isAsked(long kind, long own) {
+  return kind == kAllKinds || kind == own;
+}
+
 }  // namespace
 
 std::int32_t PresetManager::_count = 0;
@@ -75,11 +80,10 @@ void PresetManager::openKind(PresetList& list, const char* folder, bool hasUserF
 }
 
 void PresetManager::openAllPresetsOfType(long kind) {
-  const auto isAsked = [kind](PresetKind k) { return kind == kAllKinds || kind == long{k}; };
-  if (isAsked(kVelocityMapKind)) openKind(velocityMaps(), "Velocity Maps", true);
-  if (isAsked(kEffectsKind)) openKind(effects(), "Effects", true);
-  if (isAsked(kProgramKind)) openKind(programs(), "Programs", true);
-  if (isAsked(kSessionKind)) openKind(sessions(), "Sessions", false);
+  if (isAsked(kind, kVelocityMapKind)) openKind(velocityMaps(), "Velocity Maps", true);
+  if (isAsked(kind, kEffectsKind)) openKind(effects(), "Effects", true);
+  if (isAsked(kind, kProgramKind)) openKind(programs(), "Programs", true);
+  if (isAsked(kind, kSessionKind)) openKind(sessions(), "Sessions", false);
 }
 
 OSStatus PresetManager::openTopLevelPresets(long kind) {
@@ -92,10 +96,11 @@ OSStatus PresetManager::openTopLevelPresets(long kind) {
     std::int16_t fork = 0;
     if (FSOpenFork(&file, 0, nullptr, fsRdPerm, &fork) != noErr) continue;
     std::uint32_t fileKind = 0;
-    if (Preset::readKind(fork, fileKind) == noErr &&
-        (kind == kAllKinds || kind == long{fileKind})) {
+    if (Preset::readKind(fork, fileKind) == noErr) {
       for (PresetList* list : lists) {
-        if (list->getPresetType() == long{fileKind}) list->openPreset(file);
+        const long own = list->getPresetType();
+        if (isAsked(kind, own) && static_cast<std::uint32_t>(own) == fileKind)
+          list->openPreset(file);
       }
     }
     FSCloseFork(fork);
@@ -124,11 +129,10 @@ OSStatus PresetManager::synchronizeSessionList() {
 }
 
 void PresetManager::synchronizePresetList(long kind) {
-  const auto isAsked = [kind](PresetKind k) { return kind == kAllKinds || kind == long{k}; };
-  if (isAsked(kVelocityMapKind)) synchronizeVelocityMapList();
-  if (isAsked(kEffectsKind)) synchronizeEffectsList();
-  if (isAsked(kProgramKind)) synchronizeProgramList();
-  if (isAsked(kSessionKind)) synchronizeSessionList();
+  if (isAsked(kind, kVelocityMapKind)) synchronizeVelocityMapList();
+  if (isAsked(kind, kEffectsKind)) synchronizeEffectsList();
+  if (isAsked(kind, kProgramKind)) synchronizeProgramList();
+  if (isAsked(kind, kSessionKind)) synchronizeSessionList();
 }
 
 OSStatus PresetManager::saveAllPresets() {

@@ -246,7 +246,7 @@ void TreeLimb::listRecursively(std::ostream& os, unsigned long flags, int depth)
   LimbWalk walk(*this);
   std::string tabs;
   while (const TreeLimb* limb = walk.next()) {
-    tabs.assign(static_cast<std::size_t>(depth + walk.depth()), '\t');
+    tabs.assign(static_cast<std::size_t>(depth) + static_cast<std::size_t>(walk.depth()), '\t');
     os << tabs;
     limb->printTreeItemInfo(os, flags);
     os << '\n';

@@ -14,7 +14,7 @@ namespace cairnset {
 namespace {
 
 constexpr std::size_t kWord = 8;
-constexpr std::size_t kBlock = 128 * 1024;
+constexpr std::size_t kBlock = std::size_t{128} * 1024;
 
 std::uint64_t bigEndianWord(const void* bytes) {
   const auto* const byte = static_cast<const unsigned char*>(bytes);

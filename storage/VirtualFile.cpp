@@ -196,7 +196,7 @@ bool VirtualFile::makeRoomToWrite(long n) {
 // Where in our memory a source lies, which a growth would move from under it; -1 for elsewhere.
 long VirtualFile::offsetInBuffer(const void* p) const {
   const auto* const at = static_cast<const char*>(p);
-  const std::less<const char*> before;
+  const std::less<> before;
   return before(at, _buffer) || !before(at, _buffer + _capacity) ? -1
                                                                  : static_cast<long>(at - _buffer);
 }

@@ -24,7 +24,7 @@ std::vector<Preset*> ReferrerIndex::referrersOf(const std::string& name) const {
 }
 
 std::vector<Preset*> ReferrerIndex::relink(const std::string& from, const char* to) {
-  const std::vector<Preset*> result = referrersOf(from);
+  std::vector<Preset*> result = referrersOf(from);
   if (result.empty()) return result;
   const std::vector<Referrer> moved = std::move(_by_name.extract(from).mapped());
   for (Preset* preset : result)

@@ -19,8 +19,8 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
   for (int step = 0; step < 20000; ++step) {
     if (step % 300 == 0) list.removeAll(), model.clear();
     const auto before = model;
-    const auto changes = list.changes(), n = model.size(), operation = random() % 100;
-    const std::size_t i = random() % (2 * n + 1), j = random() % (2 * n + 1);
+    const unsigned long changes = list.changes(), operation = random() % 100;
+    const std::size_t n = model.size(), i = random() % (2 * n + 1), j = random() % (2 * n + 1);
     void* const p = pointer(1 + random() % 12);
     if (operation < 35) {
       list.addPtr(p), model.push_back(p);
