@@ -342,6 +342,7 @@ void PresetList::makeSureOfDefault() {
       break;
     }
   }
+  if (found == nullptr && openDefaultFile(found) != noErr) return;
   if (found == nullptr) {
     Str255 name;
     C2PCopy(name, kDefault.data());
@@ -356,6 +357,25 @@ void PresetList::makeSureOfDefault() {
   found->setIndex(0);
   found->setROM(true);
   found->writeOut();
+}
+
+// Making a "Default" writes over a file that has the name, which may be a preset that failed to be
+// opened or read when its turn came. So it is looked at again, and left alone if it cannot be read.
+OSErr PresetList::openDefaultFile(Preset*& preset) {
+  FSRef file;
+  std::int16_t fork = 0;
+  if (findFolder(_root_folder, Preset::_default_preset_name, false, file) != noErr ||
+      FSOpenFork(&file, 0, nullptr, fsRdPerm, &fork) != noErr) {
+    return noErr;
+  }
+  char first;
+  const OSErr result = FSReadFork(fork, fsFromStart, 0, 1, &first, nullptr);
+  std::uint32_t kind = 0;
+  if (Preset::readKind(fork, kind) && kind == static_cast<std::uint32_t>(getPresetType())) {
+    preset = openPreset(file);
+  }
+  FSCloseFork(fork);
+  return result == eofErr ? OSErr{noErr} : result;
 }
 
 OSStatus PresetList::readFolders(const FSRef& folder, PresetLimb* limb, bool& listed) {

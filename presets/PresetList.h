@@ -149,6 +149,7 @@ class PresetList : public PtrManager, public PresetLimb {
   PresetLimb* addFolderLimb(PresetLimb* parent, const FSRef& folder);
   OSStatus readFolders(const FSRef& folder, PresetLimb* limb, bool& listed);
   void makeSureOfDefault();
+  OSErr openDefaultFile(Preset*& preset);
   template <typename Lies>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, Lies lies) const;
 
