@@ -1,4 +1,4 @@
-// Creating, renaming, moving and deleting, as host/FileManager.h has it.
+// Creating, renaming, moving, deleting and flushing, as host/FileManager.h has it.
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
@@ -33,72 +33,119 @@ std::string sortKeyOf(const Location& place) {
   return key;
 }
 
-// The item itself under another case of its name, on a volume that takes both for one name. The
-// names are looked at too, as there are volumes whose file numbers mean nothing.
-bool isSameItemInOtherCase(const Location& from, const Location& to) {
-  struct stat info;
-  if (!isOneItem(from, to, info) || sortKeyOf(from) != sortKeyOf(to)) return false;
-  // Two hard links to one file are two names that are both taken, whatever their case.
-  return S_ISDIR(info.st_mode) || info.st_nlink <= 1;
+// One item's way from one place to another.
+struct Move {
+  FSRef fromFolder, toFolder;
+  Location from, to;
+
+  Move(const FSRef& ref, const FSRef& newFolder, std::string_view newName)
+      : toFolder(newFolder), from(ref), to(newFolder, newName) {
+    placeOf(ref, &fromFolder, nullptr);
+  }
+  OSErr status() const { return from.status() != noErr ? from.status() : to.status(); }
+};
+
+// Whether both places are one entry of one folder, or might be: the same name but for its case or
+// composition, which some volumes take for one. The folder too can be known by two paths.
+bool mayBeOneEntry(const Move& move) {
+  if (sortKeyOf(move.from) != sortKeyOf(move.to)) return false;
+  struct stat a, b;
+  return move.fromFolder == move.toFolder || itemInfo(move.fromFolder, a) != noErr ||
+         itemInfo(move.toFolder, b) != noErr || (a.st_dev == b.st_dev && a.st_ino == b.st_ino);
 }
 
-OSErr plainRename(const Location& from, const Location& to) {
+// Whether the item at `from` has the name at `to` already, as a second one. Names that may be one
+// entry are never taken for two: that entry could be the last, and there are volumes whose file
+// numbers mean nothing.
+bool isSecondName(const Move& move) {
+  struct stat info;
+  return isOneItem(move.from, move.to, info) && S_ISREG(info.st_mode) && info.st_nlink > 1 &&
+         !mayBeOneEntry(move);
+}
+
+OSErr plainRename(const Move& move) {
+  const Location &from = move.from, &to = move.to;
   return systemCalls().rename(from.folder(), from.path(), to.folder(), to.path()) == 0
              ? noErr
              : resultFromErrno(errno);
 }
 
-OSErr nameIsTaken(const Location& from, const Location& to) {
-  return isSameItemInOtherCase(from, to) ? plainRename(from, to) : dupFNErr;
+OSErr removeFrom(const Move& move) {
+  return systemCalls().unlink(move.from.folder(), move.from.path(), 0) == 0
+             ? noErr
+             : resultFromErrno(errno);
+}
+
+OSErr nameIsTaken(const Move& move) {
+  // By a move that was stopped between giving the new name and taking the old one away.
+  if (isSecondName(move)) return removeFrom(move);
+  struct stat info;
+  const bool isItself = move.fromFolder == move.toFolder && mayBeOneEntry(move) &&
+                        isOneItem(move.from, move.to, info);
+  // Two hard links to one file are two names that are both taken, whatever their case.
+  return isItself && (S_ISDIR(info.st_mode) || info.st_nlink <= 1) ? plainRename(move) : dupFNErr;
 }
 
 // For volumes without a rename that never replaces. A hard link under the new name never
 // replaces either; only where there are no links is a check before the rename all that is left.
-OSErr renameByLink(const Location& from, const Location& to) {
+OSErr renameByLink(const Move& move) {
+  const Location &from = move.from, &to = move.to;
   SystemCalls& calls = systemCalls();
   if (calls.link(from.folder(), from.path(), to.folder(), to.path()) == 0) {
-    if (calls.unlink(from.folder(), from.path(), 0) == 0) return noErr;
-    const int error = errno;
+    const OSErr removed = removeFrom(move);
     // Over a network a call can be done and yet be answered by an error: the new name goes again
     // only where the old one is seen to be left.
     struct stat info;
-    if (isOneItem(from, to, info)) calls.unlink(to.folder(), to.path(), 0);
-    return resultFromErrno(error);
+    if (removed != noErr && isOneItem(from, to, info)) calls.unlink(to.folder(), to.path(), 0);
+    return removed;
   }
-  if (errno == EEXIST) return nameIsTaken(from, to);
+  if (errno == EEXIST) return nameIsTaken(move);
   if (errno != EPERM && errno != ENOTSUP && errno != EOPNOTSUPP && errno != ENOSYS &&
       errno != EMLINK) {
     return resultFromErrno(errno);
   }
   struct stat info;
-  if (calls.lstat(to.folder(), to.path(), &info) == 0) return nameIsTaken(from, to);
+  if (calls.lstat(to.folder(), to.path(), &info) == 0) return nameIsTaken(move);
   if (errno != ENOENT) return resultFromErrno(errno);
-  return plainRename(from, to);
+  return plainRename(move);
 }
 
-OSErr renameWithoutReplacing(const FSRef& ref, const FSRef& newFolder, const std::string& newName,
-                             FSRef* newRef) {
-  const Location from(ref);
-  const Location to(newFolder, newName);
-  if (from.status() != noErr) return from.status();
-  if (to.status() != noErr) return to.status();
-  OSErr result = noErr;
-  if (systemCalls().renameNoReplace(from.folder(), from.path(), to.folder(), to.path()) != 0) {
-    const int error = errno;
-    if (error == EEXIST) {
-      result = nameIsTaken(from, to);
-    } else if (error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EOPNOTSUPP) {
-      result = renameByLink(from, to);
-    } else {
-      result = resultFromErrno(error);
-    }
+OSErr renameWithoutReplacing(const Move& move) {
+  const Location &from = move.from, &to = move.to;
+  if (systemCalls().renameNoReplace(from.folder(), from.path(), to.folder(), to.path()) == 0) {
+    return noErr;
   }
+  const int error = errno;
+  if (error == EEXIST) return nameIsTaken(move);
+  if (error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EOPNOTSUPP) {
+    return renameByLink(move);
+  }
+  return resultFromErrno(error);
+}
+
+OSErr renameReplacing(const Move& move) {
+  // Between two names of one file the system's rename does nothing at all.
+  return isSecondName(move) ? removeFrom(move) : plainRename(move);
+}
+
+OSErr moveItem(const FSRef& ref, const FSRef& newFolder, const std::string& newName,
+               OSErr (*way)(const Move&), FSRef* newRef) {
+  const Move move(ref, newFolder, newName);
+  if (move.status() != noErr) return move.status();
+  const OSErr result = way(move);
   if (result == fnfErr) return failureAt(ref, ENOENT);
   if (result != noErr) return result;
-  const FSRef renamed{nodes().intern(newFolder.node, newName)};
-  if (renamed != ref) placeChanged(ref);
-  if (newRef != nullptr) *newRef = renamed;
+  const FSRef moved{nodes().intern(newFolder.node, newName)};
+  if (moved != ref) placeChanged(ref);
+  if (newRef != nullptr) *newRef = moved;
   return noErr;
+}
+
+OSErr moveToFolder(const FSRef& ref, const FSRef& folder, OSErr (*way)(const Move&),
+                   FSRef* newRef) {
+  if (!placeOf(ref, nullptr, nullptr)) return errFSBadFSRef;
+  if (const OSErr result = requireFolder(folder); result != noErr) return result;
+  return moveItem(ref, folder, std::string(nodes().name(ref.node)), way, newRef);
 }
 
 // What creating has in common: a real folder, a name that it can hold, a place for the new item.
@@ -124,6 +171,18 @@ OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef
 OSErr makeDirectory(const Location& place) {
   return systemCalls().mkdir(place.folder(), place.path(), 0777) == 0 ? noErr
                                                                       : resultFromErrno(errno);
+}
+
+OSErr flushThrough(const FSRef& ref, int (*flush)(int descriptor)) {
+  const Location place(ref);
+  if (place.status() != noErr) return place.status();
+  SystemCalls& calls = systemCalls();
+  const int descriptor =
+      calls.open(place.folder(), place.path(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0);
+  if (descriptor < 0) return failureAt(ref, errno);
+  const OSErr result = flush(descriptor) == 0 ? noErr : resultFromErrno(errno);
+  calls.close(descriptor);
+  return result;
 }
 
 }  // namespace
@@ -159,13 +218,30 @@ OSErr FSRenameUnicode(const FSRef* ref, std::size_t length, const UniChar* name,
   }
   FSRef folder;
   if (!placeOf(*ref, &folder, nullptr)) return errFSBadFSRef;
-  return renameWithoutReplacing(*ref, folder, volumeName, newRef);
+  return moveItem(*ref, folder, volumeName, renameWithoutReplacing, newRef);
+}
+
+OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name) {
+  std::string volumeName;
+  if (const OSErr result = volumeNameFromUnicode({name, length}, volumeName); result != noErr) {
+    return result;
+  }
+  FSRef folder;
+  if (!placeOf(*ref, &folder, nullptr)) return errFSBadFSRef;
+  const Move move(*ref, folder, volumeName);
+  if (move.status() != noErr) return move.status();
+  const Location &from = move.from, &to = move.to;
+  if (systemCalls().link(from.folder(), from.path(), to.folder(), to.path()) == 0) return noErr;
+  const int error = errno;
+  return error == EEXIST && isSecondName(move) ? noErr : failureAt(*ref, error);
 }
 
 OSErr FSMoveObject(const FSRef* ref, const FSRef* folder, FSRef* newRef) {
-  if (!placeOf(*ref, nullptr, nullptr)) return errFSBadFSRef;
-  if (const OSErr result = requireFolder(*folder); result != noErr) return result;
-  return renameWithoutReplacing(*ref, *folder, std::string(nodes().name(ref->node)), newRef);
+  return moveToFolder(*ref, *folder, renameWithoutReplacing, newRef);
+}
+
+OSErr FSMoveObjectReplacing(const FSRef* ref, const FSRef* folder, FSRef* newRef) {
+  return moveToFolder(*ref, *folder, renameReplacing, newRef);
 }
 
 OSErr FSDeleteObject(const FSRef* ref) {
@@ -183,6 +259,14 @@ OSErr FSDeleteObject(const FSRef* ref) {
   }
   placeChanged(*ref);
   return noErr;
+}
+
+OSErr FSFlushObject(const FSRef* ref) {
+  return flushThrough(*ref, systemCalls().flush);
+}
+
+OSErr FSFlushVolume(const FSRef* ref) {
+  return flushThrough(*ref, systemCalls().flushVolume);
 }
 
 }  // namespace cairnset

@@ -83,15 +83,28 @@ OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar
 OSErr FSCreateDirectoryUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
                                FSRef* ref, FSSpec* fsSpec, std::uint32_t* dirID);
 /// Renames in place and answers the new reference (`newRef` may be null, or `ref` itself). Never
-/// replaces: dupFNErr where the name is taken, save by the item itself on a volume that ignores
-/// case.
+/// replaces: dupFNErr where the name is taken, save by the item itself: on a volume that ignores
+/// case, or as a second name of the file, where the old one is then just taken away.
 OSErr FSRenameUnicode(const FSRef* ref, std::size_t length, const UniChar* name,
                       std::uint32_t encodingHint, FSRef* newRef);
 /// Moves into `folder` under the same name; otherwise as FSRenameUnicode. diffVolErr between
 /// volumes.
 OSErr FSMoveObject(const FSRef* ref, const FSRef* folder, FSRef* newRef);
+/// The same, in the place of a file or alias that has the name there. At no moment is neither of
+/// the two to be found by that name.
+OSErr FSMoveObjectReplacing(const FSRef* ref, const FSRef* folder, FSRef* newRef);
+/// Gives a file a second name beside its own, in its folder; FSRenameUnicode to that name then
+/// takes the first one away, so that in between both lead to the file. Never replaces: dupFNErr
+/// where the name is taken, save by the file itself. An error where the volume has no hard links.
+OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name);
 /// Deletes a file, an alias, or an empty folder (fBsyErr where it is not empty).
 OSErr FSDeleteObject(const FSRef* ref);
+/// Waits until the disk has what the file holds, or the names that the folder holds, so that no
+/// loss of power can take it back.
+OSErr FSFlushObject(const FSRef* ref);
+/// The same for all of the volume that the item is on, also for what others wrote; ioErr where the
+/// system cannot.
+OSErr FSFlushVolume(const FSRef* ref);
 
 // --- Aliases ----------------------------------------------------------------------------------
 

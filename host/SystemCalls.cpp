@@ -11,12 +11,23 @@ namespace cairnset {
 
 namespace {
 
-int openFile(int folder, const char* path, int flags, mode_t mode) {
-  int descriptor;
+// Some network and user-space volumes answer EINTR although no signal was caught. Asking again is
+// right for all but close, of which nobody knows then whether it was done.
+template <typename Call>
+int untilDone(Call call) {
+  int result;
   do
-    descriptor = ::openat(folder, path, flags, mode);
-  while (descriptor < 0 && errno == EINTR);
-  return descriptor;
+    result = call();
+  while (result < 0 && errno == EINTR);
+  return result;
+}
+
+int openFile(int folder, const char* path, int flags, mode_t mode) {
+  return untilDone([=] { return ::openat(folder, path, flags, mode); });
+}
+
+int makeFolder(int folder, const char* path, mode_t mode) {
+  return untilDone([=] { return ::mkdirat(folder, path, mode); });
 }
 
 int lstatFile(int folder, const char* path, struct stat* out) {
@@ -26,17 +37,54 @@ int lstatFile(int folder, const char* path, struct stat* out) {
 int renameNoReplace([[maybe_unused]] int oldFolder, [[maybe_unused]] const char* oldPath,
                     [[maybe_unused]] int newFolder, [[maybe_unused]] const char* newPath) {
 #if defined(__linux__)
-  return ::renameat2(oldFolder, oldPath, newFolder, newPath, RENAME_NOREPLACE);
+  return untilDone(
+      [=] { return ::renameat2(oldFolder, oldPath, newFolder, newPath, RENAME_NOREPLACE); });
 #elif defined(__APPLE__)
-  return ::renameatx_np(oldFolder, oldPath, newFolder, newPath, RENAME_EXCL);
+  return untilDone(
+      [=] { return ::renameatx_np(oldFolder, oldPath, newFolder, newPath, RENAME_EXCL); });
 #else
   errno = ENOSYS;
   return -1;
 #endif
 }
 
+int renameFile(int oldFolder, const char* oldPath, int newFolder, const char* newPath) {
+  return untilDone([=] { return ::renameat(oldFolder, oldPath, newFolder, newPath); });
+}
+
 int linkFile(int oldFolder, const char* oldPath, int newFolder, const char* newPath) {
-  return ::linkat(oldFolder, oldPath, newFolder, newPath, 0);
+  return untilDone([=] { return ::linkat(oldFolder, oldPath, newFolder, newPath, 0); });
+}
+
+int unlinkFile(int folder, const char* path, int flags) {
+  return untilDone([=] { return ::unlinkat(folder, path, flags); });
+}
+
+struct dirent* readEntry(DIR* listing) {
+  struct dirent* entry;
+  do {
+    errno = 0;
+    entry = ::readdir(listing);
+  } while (entry == nullptr && errno == EINTR);
+  return entry;
+}
+
+int flushDescriptor(int descriptor) {
+#if defined(__APPLE__)
+  // There, fsync leaves the bytes in the drive's own memory.
+  return untilDone([=] { return ::fcntl(descriptor, F_FULLFSYNC); });
+#else
+  return untilDone([=] { return ::fsync(descriptor); });
+#endif
+}
+
+int flushVolume([[maybe_unused]] int descriptor) {
+#if defined(__linux__)
+  return untilDone([=] { return ::syncfs(descriptor); });
+#else
+  errno = ENOSYS;
+  return -1;
+#endif
 }
 
 ssize_t getAttribute(const char* path, const char* name, void* value, size_t size) {
@@ -78,11 +126,11 @@ int birthTime([[maybe_unused]] int folder, [[maybe_unused]] const char* path,
 }  // namespace
 
 SystemCalls& systemCalls() {
-  static SystemCalls calls{openFile,    ::close,    ::fstat,     ::pread,         ::pwrite,
-                           ::ftruncate, lstatFile,  ::mkdirat,   renameNoReplace, ::renameat,
-                           linkFile,    ::unlinkat, ::symlinkat, ::readlinkat,    ::realpath,
-                           ::fdopendir, ::readdir,  ::closedir,  getAttribute,    setAttribute,
-                           birthTime,   ::statvfs};
+  static SystemCalls calls{openFile,    ::close,    ::fstat,         ::pread,         ::pwrite,
+                           ::ftruncate, lstatFile,  makeFolder,      renameNoReplace, renameFile,
+                           linkFile,    unlinkFile, ::symlinkat,     ::readlinkat,    ::realpath,
+                           ::fdopendir, readEntry,  ::closedir,      getAttribute,    setAttribute,
+                           birthTime,   ::statvfs,  flushDescriptor, flushVolume};
   return calls;
 }
 

@@ -44,6 +44,10 @@ struct SystemCalls {
   /// keeps none.
   int (*birthTime)(int folder, const char* path, struct timespec* out);
   int (*statvfs)(const char* path, struct statvfs* out);
+  /// Waits until the disk has what the file or folder holds (fsync).
+  int (*flush)(int descriptor);
+  /// The same for the whole volume that it lies on (syncfs); ENOSYS where the system cannot.
+  int (*flushVolume)(int descriptor);
 };
 
 /// The table in use. A test may change its members, and puts them back.

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
@@ -213,6 +214,7 @@ OSErr Preset::writeOut() {
   _edited = false;
   const OSErr closed = close();  // where some volumes first tell that a write was lost
   if (_status == noErr) _status = closed;
+  if (_status == noErr) _file_index = _index;
   return _status;
 }
 
@@ -241,6 +243,12 @@ void Preset::deleteIfEmpty() {
   if (size == 0) FSDeleteObject(&_file_ref);
 }
 
+OSErr Preset::addName(const unsigned char* newName) const {
+  HFSUniStr255 name;
+  ConvertPStringToHFSUniStr(newName, &name);
+  return FSAddNameUnicode(&_file_ref, name.length, name.unicode);
+}
+
 OSErr Preset::rename(const unsigned char* newName) {
   HFSUniStr255 name;
   ConvertPStringToHFSUniStr(newName, &name);
@@ -255,24 +263,32 @@ OSErr Preset::rename(const unsigned char* newName) {
 }
 
 OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
+  auto move = FSMoveObject;
   if (replace) {
-    HFSUniStr255 name;
+    HFSUniStr255 name, ownName;
     placeOf(_cf_name, nullptr, &name);
+    placeOf(_file_ref, nullptr, &ownName);
     FSRef there;
     OSErr result =
         FSMakeFSRefUnicode(&folder, name.length, name.unicode, kTextEncodingUnknown, &there);
     if (result == noErr &&
         there != _file_ref) {  // a preset must never make room by deleting itself
-      result = FSDeleteObject(&there);
+      // Where the place is the very one that this file takes, both are done at one stroke.
+      const auto view = [](const HFSUniStr255& n) {
+        return std::u16string_view(n.unicode, n.length);
+      };
+      if (view(name) == view(ownName) && !isFolder(&there)) {
+        move = FSMoveObjectReplacing;
+      } else {
+        result = FSDeleteObject(&there);
+      }
     } else if (result == fnfErr) {
       result = noErr;
     }
     if (result != noErr) return result;
   }
   FSRef moved;
-  if (const OSErr result = FSMoveObject(&_file_ref, &folder, &moved); result != noErr) {
-    return result;
-  }
+  if (const OSErr result = move(&_file_ref, &folder, &moved); result != noErr) return result;
   changeFile(moved);
   return FSRefIsValid(_file_ref) == noErr ? 1 : 0;
 }
@@ -341,6 +357,7 @@ long Preset::extractImage(VirtualFile& file, std::uint32_t size) {
   _reserved3 = 0;
   readField(file, _rom);
   readField(file, _index);
+  _file_index = _index;
   return extractVirtualFileData(file);
 }
 

@@ -87,6 +87,8 @@ class Preset : public TreeLeaf {
   void setROM(bool rom) { _rom = rom; }
   std::int32_t index() const { return _index; }
   void setIndex(std::int32_t index) { _index = index; }
+  /// The index as it was last read or written; the list gives RAM presets others in memory alone.
+  std::int32_t fileIndex() const { return _file_index; }
   bool edited() const { return _edited; }
   void setEdited(bool edited) { _edited = edited; }
   /// Has the destructor delete the file.
@@ -121,12 +123,15 @@ class Preset : public TreeLeaf {
   OSErr writeOut();
   /// Makes and writes the file anew where it is gone; 0 where it is there.
   OSErr writeOutIfDeletedFromDisk();
+  /// Gives the file a second name, to which rename() then only has to take the first one away. An
+  /// error where the name is taken or the volume has no hard links.
+  OSErr addName(const unsigned char* newName) const;
   /// Renames the file; the name in memory follows, the one inside the file only at the next
   /// writeOut.
   OSErr rename(const unsigned char* newName);
-  /// Moves the file. With `replace`, a file there that bears this preset's host name is deleted
-  /// first. On success the answer is not 0 but 1, for a file that is now valid: callers have always
-  /// had it so.
+  /// Moves the file. With `replace`, a file there that bears this preset's host name is replaced.
+  /// On success the answer is not 0 but 1, for a file that is now valid: callers have always had it
+  /// so.
   OSErr moveToFolder(const FSRef& folder, bool replace);
 
   /// noErr where an open file starts as a preset does, and of which kind it then is: all that makes
@@ -175,6 +180,7 @@ class Preset : public TreeLeaf {
   bool _edited = false;
   std::uint8_t _rom = 0;
   std::int32_t _index = 0;
+  std::int32_t _file_index = 0;
   VirtualFile* _flat_file = nullptr;  // owned
 };
 

@@ -21,7 +21,7 @@ void setROM(PresetList* list, bool rom) {
   forEachPreset(list, [rom](Preset& preset) {
     if (preset.isROM() == rom) return;
     preset.setROM(rom);
-    (void)writeAndReport(preset);
+    (void)writeAndReport(preset, std::cerr);
   });
 }
 

@@ -2,22 +2,26 @@
 
 #include <cstring>
 #include <iostream>
+#include <iterator>
 #include <optional>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "host/FileNameRules.h"
-#include "host/PascalStrings.h"
 #include "host/Process.h"
 #include "host/ReportText.h"
 #include "presets/PresetManager.h"
 #include "tool/LeafIteration.h"
 #include "tool/ReferrerIndex.h"
+#include "tool/Renames.h"
 #include "tool/Session.h"
-#include "tool/WriteFailures.h"
 
 namespace cairnset {
 
 namespace {
+
+enum : std::size_t { kVelocityMaps, kEffects, kPrograms, kSessions };
 
 // One kind's renaming: what it is called, and by whom and how it is named.
 struct Renaming {
@@ -28,46 +32,49 @@ struct Renaming {
   const char* referrerKindName;
 };
 
-void printQuoted(const char* before, const char* name, const char* after) {
-  std::cout << before;
-  writeHeldName(std::cout, name);
-  std::cout << after;
+void writeQuoted(std::ostream& out, const char* name, const char* after) {
+  out << '"';
+  writeHeldName(out, name);
+  out << '"' << after;
 }
 
-// Answers whether all that named the preset could be written.
-bool rename(Preset& preset, const char* corrected, const Renaming& renaming, ReferrerIndex* index) {
-  const HeldSignals held(&std::cout);
-  const std::string oldName = preset.getTreeItemName();
-  std::cout << "renaming " << renaming.kindName;
-  printQuoted(" \"", oldName.c_str(), "\" to ");
-  printQuoted("\"", corrected, "\"\n");
-  Str255 newName;
-  C2PCopy(newName, corrected);
-  // A rename that fails is not looked at, and the references are relinked all the same. Meant so:
-  // it is how the tool has always behaved, and what was broken shows in -d.
-  (void)preset.rename(newName);
-  if (index == nullptr) return true;
-  bool allWritten = true;
-  for (Preset* referrer : index->relink(oldName, corrected)) {
-    std::cout << "\t relinking " << renaming.referrerKindName;
-    printQuoted(" \"", referrer->getTreeItemName(), "\"\n");
-    allWritten = writeAndReport(*referrer) && allWritten;
-  }
-  return allWritten;
-}
-
-bool renameAll(const Renaming& renaming) {
-  bool allWritten = true;
+// Finds what is to be done for one kind, and tells of it.
+std::vector<Rename> plan(const Renaming& renaming, std::ostream& report) {
+  std::vector<Rename> renames;
   std::optional<ReferrerIndex> index;
   forEachPreset(renaming.list, [&](Preset& preset) {
-    const char* corrected = isIllegalFilename(preset.getTreeItemName());
+    const char* name = preset.getTreeItemName();
+    const char* corrected = isIllegalFilename(name);
     if (corrected == nullptr) return;
-    if (!index && renaming.reference != nullptr) {
-      index.emplace(renaming.referrers, *renaming.reference);
+    report << "renaming " << renaming.kindName << ' ';
+    writeQuoted(report, name, " to ");
+    writeQuoted(report, corrected, "\n");
+    Rename& rename = renames.emplace_back(Rename{&preset, corrected, {}, renaming.reference, {}});
+    if (renaming.reference == nullptr) return;
+    if (!index) index.emplace(renaming.referrers, *renaming.reference);
+    // A corrected name is never again one to be corrected: none of these is asked for twice.
+    rename.referrers = index->takeReferrersOf(name);
+    for (const Preset* referrer : rename.referrers) {
+      report << "\t relinking " << renaming.referrerKindName << ' ';
+      writeQuoted(report, referrer->getTreeItemName(), "\n");
+      rename.told.push_back(static_cast<std::size_t>(report.tellp()));
     }
-    allWritten = rename(preset, corrected, renaming, index ? &*index : nullptr) && allWritten;
   });
-  return allWritten;
+  return renames;
+}
+
+// The report, with each failure after the line that it belongs to.
+void print(const std::string& report, const Failures& failures) {
+  std::size_t printed = 0;
+  const auto printUpTo = [&](std::size_t end) {
+    std::cout.write(report.data() + printed, static_cast<std::streamsize>(end - printed));
+    printed = end;
+  };
+  for (const auto& [at, text] : failures) {
+    printUpTo(at);
+    std::cerr << text;
+  }
+  printUpTo(report.size());
 }
 
 }  // namespace
@@ -97,17 +104,32 @@ int checkFilenames() {
 
 int fixFilenames() {
   const OutlivesReader outlives(std::cout);
+  const HeldSignals held(&std::cout);
   const Renaming renamings[] = {
       {_v, "velmap", _s, &kSessionVelocityMapReference, "session"},
       {_e, "effect", _p, &kProgramEffectsReference, "program"},
       {_p, "program", _s, &kSessionProgramReference, "session"},
       {_s, "session", nullptr, nullptr, nullptr},
   };
-  bool allWritten = true;
-  for (const Renaming& renaming : renamings)
-    allWritten = renameAll(renaming) && allWritten;
+  std::ostringstream report;
+  std::vector<Rename> renames[std::size(renamings)];
+  for (std::size_t kind = 0; kind < std::size(renamings); ++kind)
+    renames[kind] = plan(renamings[kind], report);
+  // What names a kind is rewritten before it is itself renamed. The sessions, which name
+  // two kinds, are rewritten in one go.
+  Failures failures;
+  for (const std::vector<std::size_t>& kinds :
+       {std::vector<std::size_t>{kEffects}, {kVelocityMaps, kPrograms}, {kSessions}}) {
+    std::vector<Rename*> together;
+    for (const std::size_t kind : kinds) {
+      for (Rename& rename : renames[kind])
+        together.push_back(&rename);
+    }
+    renameAll(together, failures);
+  }
+  print(report.str(), failures);
   std::cout << "Fixing all preset file names has finished.\n";
-  return allWritten ? kSuccess : kReferencesNotWritten;
+  return failures.empty() ? kSuccess : kReferencesNotWritten;
 }
 
 }  // namespace cairnset

@@ -13,8 +13,8 @@ int checkFilenames();
 
 /// Renames each preset whose name Windows rejects, and rewrites those that named it. Answers
 /// kReferencesNotWritten where one of these could not be written (told on standard error; the rest
-/// goes on), else kSuccess. Signals are held back while one preset is handled with all
-/// that named it.
+/// goes on), else kSuccess. Signals are held back until all is done; what a SIGKILL leaves
+/// half-done is in tool/Renames.h.
 int fixFilenames();
 
 }  // namespace cairnset

@@ -1,20 +1,23 @@
 #include "tool/WriteFailures.h"
 
-#include <iostream>
+#include <ostream>
 
 #include "presets/Preset.h"
 
 namespace cairnset {
 
-bool writeAndReport(Preset& preset) {
+bool writeAndReport(Preset& preset, std::ostream& errors) {
   OSErr result = preset.writeOut();
   // A file that could not even be opened is told by the status alone.
   if (result == noErr) result = preset.status();
-  if (result == noErr) return true;
-  std::cerr << "### error " << result << " occurred while writing ";
-  preset.printTreeItemInfo(std::cerr, 0);
-  std::cerr << '\n';
-  return false;
+  if (result != noErr) reportWriteFailure(preset, result, errors);
+  return result == noErr;
+}
+
+void reportWriteFailure(const Preset& preset, OSErr result, std::ostream& errors) {
+  errors << "### error " << result << " occurred while writing ";
+  preset.printTreeItemInfo(errors, 0);
+  errors << '\n';
 }
 
 }  // namespace cairnset

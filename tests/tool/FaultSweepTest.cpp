@@ -81,6 +81,8 @@ void guardAll(bool hasLinks) {
   guard<&S::fdopendir>(s.fdopendir, {ENOMEM});
   guard<&S::readdir>(s.readdir, {EIO});
   guard<&S::closedir, true>(s.closedir, {EIO});
+  guard<&S::flush>(s.flush, {EIO, ENOSPC});
+  guard<&S::flushVolume>(s.flushVolume, {EIO, ENOSYS});
 }
 
 const std::string kBad = "?" + std::string(50, 'x') + "?";  // a reference to it cannot tear unseen

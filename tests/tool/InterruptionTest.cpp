@@ -88,7 +88,7 @@ TEST_F(InterruptionTest, NothingIsLostAndNoReferenceBroken) {
     }
     int halfway = 0;
     // On a busy machine a run can be over, or not yet begun, at every one of the points.
-    for (int i = 0; i < kPoints || (halfway == 0 && i < 10 * kPoints); ++i) {
+    for (int i = 0; i < kPoints || (halfway == 0 && option == "-s" && i < 10 * kPoints); ++i) {
       const int point = i % kPoints + 1;
       SCOPED_TRACE(option + std::to_string(point));
       makeLibrary();
@@ -97,11 +97,11 @@ TEST_F(InterruptionTest, NothingIsLostAndNoReferenceBroken) {
       EXPECT_TRUE(status == 0 || (WIFSIGNALED(status) && WTERMSIG(status) == signal)) << status;
       const Files now = files();
       EXPECT_EQ(now.names, before.names);
-      halfway += (now.bad < before.bad && now.bad > done.bad) ||
-                 (now.loose < before.loose && now.loose > done.loose);
+      halfway += now.loose < before.loose && now.loose > done.loose;
+      EXPECT_TRUE(now.bad == before.bad || now.bad == done.bad) << "a repair is not cut short";
       EXPECT_EQ(shell(*this, "cairnset -e lib -d >/dev/null"), 0) << "nothing was missing before";
     }
-    EXPECT_GT(halfway, 0) << "this test has shown nothing";
+    EXPECT_TRUE(halfway > 0 || option == "-z") << "this test has shown nothing";
   }
 }
 
