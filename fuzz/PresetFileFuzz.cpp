@@ -28,11 +28,11 @@ void relink(Preset& preset, const PresetReference& reference, const std::string&
   const std::string before = imageOf(preset);
   reference.setName(preset, name.c_str());
   check(reference.name(preset) == name.substr(0, PresetReference::kWidth), "a name is kept", name);
-  const std::string after = imageOf(preset);
-  std::size_t changed = 0;
-  for (std::size_t i = 0; i < after.size(); ++i)
-    changed += after[i] != before[i];
-  check(after.size() == before.size() && changed <= PresetReference::kWidth, "one field", name);
+  std::string after = imageOf(preset);
+  const auto first = static_cast<std::size_t>(reference.field(preset) -
+                                              static_cast<const char*>(preset.getData()));
+  after.replace(93 + first, PresetReference::kWidth, before, 93 + first, PresetReference::kWidth);
+  check(after == before, "no other field is changed", name);
 }
 
 void checkFile(const TestFolder& folder, const std::string& bytes) {
