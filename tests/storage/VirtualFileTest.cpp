@@ -7,6 +7,7 @@
 #include "storage/ByteOrder.h"
 #include "storage/VirtualFile.h"
 #include "tests/storage/StorageTest.h"
+#include "tests/storage/VirtualFileModel.h"
 
 // For the whole test program, so that allocations can fail.
 static bool outOfMemory = false;
@@ -20,52 +21,9 @@ namespace {
 TEST(VirtualFile, RandomOperationsMatchAString) {
   std::mt19937 random(20);
   VirtualFile f(7);
-  std::string memory;  // everything ever stored; the content is its beginning
-  std::size_t size = 0, readAt = 0, writeAt = 0;
-  const auto resize = [&](std::size_t n) {
-    memory.resize(std::max(memory.size(), size = n));
-    readAt = std::min(readAt, n), writeAt = std::min(writeAt, n);
-  };
-  const auto store = [&](std::size_t at, const std::string& bytes) {
-    resize(std::max(size, at + bytes.size()));
-    memory.replace(at, bytes.size(), bytes);
-    return at + bytes.size();
-  };
-  for (int step = 0; step < 60000; ++step) {
-    const std::size_t n = random() % (random() % 10 == 0 ? 300 : 20), operation = random() % 7;
-    const auto length = static_cast<long>(n);
-    const std::string bytes(n, static_cast<char>(step));
-    int result = 1;
-    if (operation < 2) {
-      result = operation == 0 ? f.append(bytes.data(), length) : f.write(bytes.data(), length);
-      const std::size_t end = store(operation == 0 ? size : writeAt, bytes);
-      if (operation == 1) writeAt = end;
-    } else if (operation == 2) {
-      result = f.write(f, length);
-      writeAt = store(writeAt, (memory + std::string(n, '\0')).substr(readAt, n));
-      readAt = std::min(readAt + n, size);
-    } else if (operation == 3) {  // a short read clears the start of what it brings
-      std::string got(n, 'x'), want = got;
-      const std::size_t held = std::min(n, size - readAt);
-      want.replace(0, held, memory, readAt, held).replace(0, n - held, n - held, '\0');
-      result = f.read(got.data(), length) == 1 && got == want;
-      readAt += held;
-    } else if (operation == 4) {
-      result = f.resize_buffer(n);
-      resize(n);
-    } else {
-      const auto whence = static_cast<from_pos>(random() % 3);
-      std::size_t& at = operation == 5 ? readAt : writeAt;
-      const auto base = static_cast<long>(whence == 0 ? 0 : whence == 1 ? at : size);
-      const auto target = static_cast<std::size_t>(std::max(0l, base + length - 10));
-      if (operation == 6) resize(std::max(size, target));
-      at = std::min(target, size);
-      operation == 5 ? f.seekg(length - 10, whence) : f.seekp(length - 10, whence);
-    }
-    ASSERT_TRUE(result == 1 && contentOf(f) == memory.substr(0, size) &&
-                f.rptr() == f.buffer() + readAt && f.wptr() == f.buffer() + writeAt)
-        << operation;
-  }
+  VirtualFileModel model(f, [&random](std::size_t n) { return random() % n; });
+  for (int step = 0; step < 60000; ++step)
+    ASSERT_TRUE(model.step()) << step;
 }
 
 TEST(VirtualFile, RefusesImpossibleSizesAndSurvivesLackOfMemory) {

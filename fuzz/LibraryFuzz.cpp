@@ -1,0 +1,322 @@
+// The whole program: a library made from the input, and every command run on it. Nothing is lost
+// but what -s is meant to replace, a second run changes nothing, references go on resolving, and
+// nothing outside the library is touched. Files are known by their numbers, which must not be given
+// out twice: the temporary folder has to be a tmpfs.
+#include <map>
+#include <set>
+#include <sstream>
+#include <sys/stat.h>
+
+#include "fuzz/Fuzz.h"
+#include "host/NameConversions.h"
+#include "host/Names.h"
+#include "host/NodeTable.h"
+#include "host/PascalStrings.h"
+#include "presets/PresetManager.h"
+#include "presets/PresetReferences.h"
+#include "tests/tool/ToolTest.h"
+#include "tool/CommandLine.h"
+#include "tool/FilenameRepair.h"
+#include "tool/LeafIteration.h"
+#include "tool/Session.h"
+
+namespace cairnset {
+namespace {
+
+namespace fs = std::filesystem;
+using Input = FuzzedDataProvider;
+
+const std::string kPresets = "lib/Presets/";
+const std::string kKinds[] = {"Velocity Maps", "Effects", "Programs", "Sessions"};
+const std::set<std::string> kPlaces = {
+    "User",        "Factory",       "Halls",           "Small Rooms",   "EQ Timbres", "Choruses",
+    "Synth",       "Special FX",    "Nordic D",        "Salon 7ft",     "Pin Piano",  "Concerto",
+    "Alpine 10ft", "Urban Upright", "Antique Upright", "Saloon Upright"};
+
+const TestFolder& world() {
+  static const TestFolder folder;
+  return folder;
+}
+
+// --- A library from the input ---
+
+std::string takeName(Input& input) {
+  static const std::string kNames[] = {
+      "Default", "default",  "DEFAULT", "Default.", "User",  "Factory", "Synth",    "a",
+      "a?",      "a*",       "A?",      "a_",       "a.",    "a:b",     "a_b",      "...",
+      "\u00E9?", "e\u0301?", "\u00E9_", "__",       "\xFF?", "\u65E5?", "Default?", "A"};
+  const int how = input.ConsumeIntegralInRange(0, 9);
+  std::string name = how > 5 ? takeText(input, 40) : input.PickValueInArray(kNames);
+  if (how > 8) name.insert(0, input.ConsumeIntegralInRange<std::size_t>(50, 260), 'x');
+  std::erase(name, '/');
+  name.resize(std::min<std::size_t>(name.size(), 255));
+  return name.empty() || name == "." || name == ".." ? "x" : name;
+}
+
+std::string bigEndian(std::size_t size) {
+  return {0, 0, static_cast<char>(size >> 8), static_cast<char>(size)};
+}
+
+void makeItem(const std::string& path, std::vector<std::string>& folders, Input& input) {
+  const std::string full = kPresets + path, there = world().path(full);
+  if (path.size() > 1500 || world().exists(full)) return;
+  const int how = input.ConsumeIntegralInRange(0, 15);
+  PresetFile preset{path, input.ConsumeBool(), input.ConsumeIntegralInRange(0u, 2100u)};
+  for (int i = 0; i < 2; ++i)
+    preset.references.push_back(heldNameFromVolumeName(takeName(input)));
+  if (how == 0) return fs::create_symlink(input.ConsumeBool() ? "../../../outside/p" : ".", there);
+  if (how == 1) return (void)::mkfifo(there.c_str(), 0666);
+  if (how == 2) return folders.push_back(path), world().makeFolder(full);
+  if (how == 3) preset.path = input.PickValueInArray(kKinds) + "/of another kind";
+  std::string bytes = preset.bytes();
+  if (how < 6 && input.ConsumeBool()) bytes.resize(input.ConsumeIntegralInRange(0ul, 400ul), 't');
+  if (how < 5 && bytes.size() > 11) bytes.replace(8, 4, bigEndian(bytes.size()));
+  if (how == 6) bytes[input.ConsumeIntegralInRange(0ul, 102ul)] = input.ConsumeIntegral<char>();
+  world().write(full, bytes);
+}
+
+void makeLibrary(Input& input) {
+  for (const char* name : {"lib", "outside"})
+    fs::remove_all(world().path(name));
+  put(world(), "outside/p", PresetFile{"Effects/p", true}.bytes());
+  world().makeFolder(kPresets);
+  std::vector<std::string> folders;
+  for (const std::string& kind : kKinds) {
+    const int how = input.ConsumeIntegralInRange(0, 20);
+    if (how == 0) fs::create_symlink("../../outside", world().path(kPresets + kind));
+    if (how == 1) world().write(kPresets + kind, "text");
+    if (how < 3) continue;
+    world().makeFolder(kPresets + kind);
+    folders.push_back(kind);
+  }
+  for (int i = 0; i < 40 && !folders.empty() && input.remaining_bytes() > 0; ++i) {
+    const auto at = input.ConsumeIntegralInRange<std::size_t>(0, folders.size() - 1);
+    makeItem(folders[at] + "/" + takeName(input), folders, input);
+  }
+}
+
+// --- What is on the disk ---
+
+struct File {
+  std::string folder, name, bytes;  // or where a link leads
+  bool isFolder = false;
+  // In a kind's folder, `root`, only; `corrected` is what -z makes of the name.
+  const KindFormat* kind = nullptr;
+  std::string root{}, corrected{};
+  bool isPreset = false, isLoaded = false, isROM = false, isDefault = false;
+
+  bool operator==(const File&) const = default;
+
+  void look() {
+    for (const std::string& one : kKinds)
+      if ((folder + "/").starts_with(kPresets + one + "/")) kind = &formatOf(one);
+    if (kind == nullptr) return;
+    root = kPresets + kind->folder;
+    isPreset = bytes.starts_with(std::string("OlPs") + kind->code);
+    isLoaded = isPreset && bytes.compare(8, 4, bigEndian(bytes.size())) == 0;
+    isROM = isLoaded && bytes.size() > 84 && bytes[84] != 0;
+    const std::string held = heldNameFromVolumeName(name).substr(0, 239);
+    const char* good = isIllegalFilename(held.c_str());
+    isDefault = fncmp(good != nullptr ? good : held.c_str(), "Default") == 0;
+    HFSUniStr255 unicode;
+    if (isPreset && good != nullptr && ConvertCStringToHFSUniStr(good, &unicode) == noErr)
+      volumeNameFromUnicode({unicode.unicode, unicode.length}, corrected);
+  }
+
+  // Whether `after` is this file written anew for the ROM flag, or else for its references. What
+  // could not be read has lost its settings, and what is longer keeps its tail; both are meant.
+  bool isWrittenAs(std::string after, bool forROM) const {
+    const std::size_t size = 93 + kind->payload, width = forROM ? 1 : 64 * kind->references;
+    std::string before = bytes;
+    if (after.size() != std::max(before.size(), size)) return false;
+    if (!isLoaded || before.size() != size) return true;
+    for (std::string* b : {&before, &after})
+      b->replace(12, 72, 72, '0')
+          .replace(85, 8, 8, '0')
+          .replace(forROM ? 84 : 93, width, width, '0');
+    return before == after;
+  }
+};
+
+using Tree = std::map<ino_t, File>;
+
+Tree tree() {
+  Tree all;
+  for (const auto& entry : fs::recursive_directory_iterator(world().path(""))) {
+    const auto path = entry.path().lexically_relative(world().path(""));
+    struct stat info;
+    check(::lstat(entry.path().c_str(), &info) == 0, "what is listed is there", path);
+    File& file =
+        all[info.st_ino] = {path.parent_path(), path.filename(), "", S_ISDIR(info.st_mode)};
+    if (S_ISREG(info.st_mode)) file.bytes = world().read(path);
+    if (S_ISLNK(info.st_mode)) file.bytes = fs::read_symlink(entry);
+    file.look();
+  }
+  return all;
+}
+
+Tree::const_iterator at(const Tree& tree, const std::string& folder, const std::string& name) {
+  return std::find_if(tree.begin(), tree.end(), [&](auto& item) {
+    return item.second.folder == folder && item.second.name == name;
+  });
+}
+
+// --- Runs ---
+
+std::ostringstream report;
+
+int run(std::vector<std::string> options) {
+  options.insert(options.begin(), {"cairnset", "-e", world().path("lib")});
+  std::vector<char*> arguments;
+  for (std::string& option : options)
+    arguments.push_back(option.data());
+  report.str("");
+  return runCommandLine(static_cast<int>(arguments.size()), arguments.data());
+}
+
+struct Reference {
+  std::string name;
+  bool resolves, isExact;
+};
+
+// By the file that refers and the name's place in it. A file of odd size loses them when written.
+std::map<std::pair<ino_t, const PresetReference*>, Reference> references(const Tree& tree) {
+  std::map<std::pair<ino_t, const PresetReference*>, Reference> all;
+  check(instantiate() == kSuccess, "a library loads");
+  const auto look = [&](PresetList* from, PresetList* to, const PresetReference& reference) {
+    std::set<std::string> names;
+    forEachPreset(to, [&](Preset& preset) { names.insert(preset.getTreeItemName()); });
+    forEachPreset(from, [&](Preset& preset) {
+      const fs::path path = NodeTable::shared().path(preset.fileRef().node);
+      const std::string folder = path.parent_path().lexically_relative(world().path(""));
+      const auto file = at(tree, folder, path.filename());
+      if (file == tree.end() || file->second.bytes.size() != 93 + file->second.kind->payload)
+        return;
+      const std::string name = reference.name(preset);
+      const bool resolves = to->findPreset(name.c_str()) != nullptr;
+      all[{file->first, &reference}] = {name, resolves, names.contains(name)};
+    });
+  };
+  look(_p, _e, kProgramEffectsReference);
+  look(_s, _p, kSessionProgramReference);
+  look(_s, _v, kSessionVelocityMapReference);
+  deinstantiate();
+  return all;
+}
+
+// --- What must hold ---
+
+void checkTree(char command, const Tree& before, const Tree& after) {
+  for (const auto& [inode, file] : before) {
+    const auto found = after.find(inode);
+    if (found == after.end()) {  // a factory preset that lay loose has taken its place
+      const auto loose = at(before, file.root, file.name),
+                 there = at(after, file.folder, file.name);
+      check(command == 's' && loose != before.end() && there != after.end() &&
+                loose->first == there->first && (loose->second.isROM || loose->second.isDefault),
+            "a file is lost", file.name);
+      continue;
+    }
+    const File& now = found->second;
+    // A file in the Default's place is taken over, whatever it was.
+    const bool isTaken = file.isDefault && (file.isPreset || file.folder == file.root);
+    check(file.bytes == now.bytes || ((command == 'z' ? file.isLoaded : isTaken) &&
+                                      file.isWrittenAs(now.bytes, command != 'z')),
+          "a file is changed", file.name);
+    const bool isSorted = command == 's' && file.isPreset && file.folder == file.root &&
+                          file.root != kPresets + kKinds[3];
+    const std::string place = now.folder.substr(std::min(file.root.size() + 1, now.folder.size()));
+    const bool isKept = now.folder == file.folder && now.name == file.name;
+    if (isSorted && !isKept) {
+      check(now.name == file.name && now.folder == file.root + "/" + place &&
+                kPlaces.contains(place) && (file.isDefault || (place == "User") != file.isROM),
+            "it goes where it belongs", file.name);
+    } else {
+      const bool isNamed = command == 'z' && !file.corrected.empty();
+      check(isKept ? !isNamed || at(after, file.folder, file.corrected) != after.end()
+                   : isNamed && now.folder == file.folder && now.name == file.corrected,
+            "it is named as it should be", file.name);
+    }
+  }
+  for (const auto& [inode, file] : after)
+    check(before.contains(inode) || (command != 'z' && file.isFolder) ||
+              (command == 'e' && file.folder == file.root && file.name == "Default"),
+          "it is new", file.name);
+}
+
+void checkCommand(char command) {
+  const std::string option{'-', command};
+  const Tree before = tree();
+  const auto named = references(before);
+  check(run({option}) == kSuccess, "it succeeds", option);
+  Tree after = tree();
+  checkTree(command, before, after);
+  // With several of that name, another one can come first now, is made the Default, and moves. So
+  // does what was refused as long as a loose preset bore its folder's name.
+  std::map<const KindFormat*, int> defaults;
+  int rounds = 0;
+  for (const auto& [inode, file] : before) {
+    const bool isInTheWay =
+        file.isPreset && file.folder == file.root && kPlaces.contains(file.name);
+    if (isInTheWay || (file.isDefault && ++defaults[file.kind] > 1)) rounds = 3;
+  }
+  for (Tree next; run({option}), next = tree(), next != after; after = next)
+    check(rounds-- > 0, "a second run changes nothing", option);
+  std::set<std::string> stuck;
+  for (const auto& [inode, file] : after) {
+    const std::string held = heldNameFromVolumeName(file.name);
+    if (isIllegalFilename(held.c_str()) != nullptr) stuck.insert(held);
+  }
+  const auto now = references(after);
+  for (const auto& [which, was] : named) {
+    // One with other capitals is not relinked, and one whose preset kept its name leads nowhere.
+    const bool isGiven = command == 'z' && (!was.isExact || stuck.contains(was.name));
+    const auto is = now.find(which);
+    check(!was.resolves || isGiven || is == now.end() || is->second.resolves, "it leads nowhere",
+          was.name);
+  }
+}
+
+void checkLibrary(Input& input) {
+  makeLibrary(input);
+  const bool sortsFirst = input.ConsumeBool();
+  const Tree made = tree();
+  check(run({}) == kSuccess, "a library loads");
+  checkTree('e', made, tree());
+  run({});  // a Default that was no preset before keeps its tail, and is a damaged one by now
+  Tree before = tree();
+  const int names = run({"-y", "-p"}), missing = run({"-rdp"});
+  check((names == 0 || names == 10) && (missing == 0 || missing == 11), "statuses");
+  check(tree() == before, "a report changes nothing");
+  for (const bool sorts : {sortsFirst, !sortsFirst})
+    checkCommand(sorts ? 's' : 'z');
+  // A repaired name can be one that -s moves now, and the reverse.
+  for (int rounds = 0; before != tree(); ++rounds) {
+    before = tree();
+    const int all = run({"-hszpd", "-r"});
+    check((all == 0 || all == 11) && rounds < 10, "all commands at once come to an end");
+  }
+}
+
+}  // namespace
+}  // namespace cairnset
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace cairnset;
+  std::cout.rdbuf(report.rdbuf());
+  std::cerr.rdbuf(report.rdbuf());
+  FuzzedDataProvider input(data, size);
+  checkLibrary(input);
+  // Each input starts as a process does, so that runs are alike and millions of them fit: iterators
+  // that the load leaves open are closed, and all places forgotten. The host layer remembers one
+  // path, which has to be that of the root, whose number stays.
+  for (FSIterator i = 1; i < 10000; ++i)
+    FSCloseIterator(i);
+  FSRef any;
+  FSPathMakeRef("/dev", &any, nullptr);
+  FSGetCatalogInfo(&any, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr);
+  NodeTable::shared() = NodeTable();
+  TreeItem::_current_index = 0;
+  Preset::_index_count = 100000;
+  return 0;
+}

@@ -1,0 +1,84 @@
+// Names between the volume, Unicode and Mac Roman, and the order of a folder.
+#include "fuzz/Fuzz.h"
+#include "host/Decomposition.h"
+#include "host/NameConversions.h"
+#include "host/Names.h"
+#include "host/PascalStrings.h"
+#include "host/ResultCodes.h"
+#include "host/Utf8.h"
+
+namespace cairnset {
+namespace {
+
+struct Order {
+  std::string key, decomposedCopy;
+  std::u16string units;  // what the key is meant to order by
+};
+
+Order orderOf(const std::string& volumeName) {
+  Order order;
+  appendSortKey(volumeName, order.key);
+  for (const char32_t c : decomposed(unicodeFromVolumeName(volumeName))) {
+    if (c >= 0xDC80 && c <= 0xDCFF) {  // a byte that is not UTF-8
+      order.decomposedCopy += static_cast<char>(c - 0xDC00);
+    } else {
+      appendUtf8(c == ':' ? U'/' : c == '/' ? U':' : c, order.decomposedCopy);
+    }
+    const char32_t lower = lowerCase(c);
+    if (lower >= 0x10000) order.units += static_cast<char16_t>(0xD7C0 + (lower >> 10));
+    order.units += static_cast<char16_t>(lower >= 0x10000 ? 0xDC00 + (lower & 0x3FF) : lower);
+  }
+  return order;
+}
+
+void checkVolumeName(const std::string& name, const Order& order) {
+  const std::u16string unicode = unicodeFromVolumeName(name);
+  const bool isPossible = !name.empty() && name != "." && name != ".." && name.size() <= 255;
+  std::string back = "left over";
+  check((volumeNameFromUnicode(unicode, back) == noErr) == isPossible, "which names can be", name);
+  check(back == (isPossible ? name : ""), "a name comes back", name);
+  const std::string held = heldNameFromVolumeName(name);
+  check(held == heldNameFromUnicode(unicode), "held alike from both forms", name);
+  check(held.size() <= name.size() && held.find('\0') == held.npos, "no longer, no NUL", name);
+  check(heldNameFromVolumeName(order.decomposedCopy) == held, "held alike in both spellings", name);
+  check(orderOf(order.decomposedCopy).key == order.key, "ordered alike in both spellings", name);
+  check(fncmpKey(fncmpKey(held)) == fncmpKey(held), "in capitals, and again", name);
+}
+
+// A new name, Mac Roman, to the volume and back, and into a buffer of `size` bytes.
+void checkHeldName(const std::string& held, std::size_t size) {
+  HFSUniStr255 name;
+  const auto text = exactCopy(held), buffer = exactCopy("", size);
+  const OSErr made = ConvertCStringToHFSUniStr(text.get(), &name);
+  check(made == (held.empty() ? OSErr{kNameIsEmpty} : OSErr{noErr}), "every text converts", held);
+  std::string volume;
+  if (volumeNameFromUnicode({name.unicode, name.length}, volume) == noErr)
+    check(heldNameFromVolumeName(volume) == held.substr(0, 254), "a new name comes back", held);
+  ConvertHFSUniStrToCString(&name, buffer.get(), static_cast<long>(size) + 1);
+  check(buffer.get() == held.substr(0, std::min<std::size_t>(size, 254)), "cut to size", held);
+}
+
+}  // namespace
+}  // namespace cairnset
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace cairnset;
+  FuzzedDataProvider input(data, size);
+  const auto bufferSize = input.ConsumeIntegralInRange<std::size_t>(0, 300);
+  std::string first = takeText(input, 300), volume;
+  std::string second = takeText(input, 300);
+  checkHeldName(first, bufferSize);
+  std::u16string any(first.size() / 2, u'\0');
+  if (!any.empty()) std::memcpy(any.data(), first.data(), 2 * any.size());
+  if (volumeNameFromUnicode(any, volume) == noErr)
+    check(unicodeFromVolumeName(volume) == any, "exact inverses", volume);
+  (void)heldNameFromUnicode(any);
+  std::erase(first, '/');
+  std::erase(second, '/');
+  const Order a = orderOf(first), b = orderOf(second);
+  checkVolumeName(first, a);
+  checkVolumeName(second, b);
+  const int byKey = a.key.compare(b.key), byUnits = a.units.compare(b.units);
+  check((byKey < 0) == (byUnits < 0) && (byKey > 0) == (byUnits > 0), "a folder's order", first);
+  return 0;
+}
