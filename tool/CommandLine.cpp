@@ -2,11 +2,13 @@
 
 #include <cstring>
 #include <iostream>
+#include <string>
 
 #include "host/Process.h"
 #include "host/ReportText.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
+#include "tool/Options.h"
 #include "tool/Reports.h"
 #include "tool/Session.h"
 
@@ -14,15 +16,15 @@ namespace cairnset {
 
 namespace {
 
-struct Option {
-  char letter;
-  CommandFlag flag;
-};
-
-constexpr Option kOptions[] = {
-    {'p', kListPresets},  {'d', kListDependencies}, {'r', kListParents}, {'s', kSort},
-    {'z', kFixFilenames}, {'y', kCheckFilenames},   {'h', kShowUsage},   {'e', kExplicitPath},
-};
+// As getopt wants them.
+std::string optionLetters() {
+  std::string letters;
+  for (const Option& option : kOptions) {
+    letters += option.letter;
+    if (option.takesFolder) letters += ':';
+  }
+  return letters;
+}
 
 // False where the path does not fit; nothing is ever cut, since a cut path can be another folder.
 bool takePath(const char* path) {
@@ -43,12 +45,14 @@ bool takePath(const char* path) {
 
 // Unknown options are ignored; getopt has complained of them.
 bool readOptions(int argc, char** argv, unsigned& flags) {
+  const std::string letters = optionLetters();
   restartOptions();
-  for (int letter = 0; (letter = nextOption(argc, argv, "e:pdrszhy")) != -1;) {
+  for (int letter = 0; (letter = nextOption(argc, argv, letters.c_str())) != -1;) {
     for (const Option& option : kOptions) {
-      if (letter == option.letter) flags |= option.flag;
+      if (letter != option.letter) continue;
+      flags |= option.flag;
+      if (option.flag == kExplicitPath && !takePath(optionArgument())) return false;
     }
-    if (letter == 'e' && !takePath(optionArgument())) return false;
   }
   return true;
 }
@@ -97,25 +101,19 @@ int runCommandLine(int argc, char** argv) {
 void printVersionAndCopyright() {
   // The build's date is part of the name, so to speak: the same on every machine.
   std::cout << "\n"
-               "Cairnset v1.71.00  Jul 11 2008 09:28:09\n"
+               "Cairnset v" CAIRNSET_VERSION
+               "  Jul 11 2008 09:28:09\n"
                "Copyright (c) 2008-2026 the Cairnset authors\n";
 }
 
 void printUsage() {
-  std::cout
-      << "\n"
-         "Cairnset is a command-line utility for managing Quenholt Olvan presets.\n"
-         "\n"
-         "Cairnset options:\n"
-         "\t -e \t Specify an explicit Olvan Items folder to search in\n"
-         "\t -p \t List presets hierarchically\n"
-         "\t -d \t Print and check dependencies\n"
-         "\t -r \t List parents\n"
-         "\t -s \t Auto-sort presets into subdirectories\n"
-         "\t -y \t Check file names for Windows incompatibility\n"
-         "\t -z \t Fix any file names that are Windows-incompatible and relink their parents\n"
-         "\t -h \t Help (you're reading it)\n"
-         "\n";
+  std::cout << "\n"
+               "Cairnset is a command-line utility for managing Quenholt Olvan presets.\n"
+               "\n"
+               "Cairnset options:\n";
+  for (const Option& option : kOptions)
+    std::cout << "\t -" << option.letter << " \t " << option.description << '\n';
+  std::cout << '\n';
 }
 
 }  // namespace cairnset

@@ -1,0 +1,22 @@
+# Run by CPack on the installed files (or the copied sources) before it packs them: what only a
+# Debian package wants, and one time for all files.
+set(root "${CPACK_TEMPORARY_DIRECTORY}")
+
+if(CPACK_GENERATOR STREQUAL "DEB")
+  set(usr "${root}${CPACK_PACKAGING_INSTALL_PREFIX}")
+  file(COPY_FILE "${CPACK_CAIRNSET_CHANGELOG}" "${usr}/share/doc/cairnset/changelog")
+  execute_process(COMMAND gzip -9n "${usr}/share/doc/cairnset/changelog"
+                                   "${usr}/share/man/man1/cairnset.1"
+                  COMMAND_ERROR_IS_FATAL ANY)
+  if(EXISTS "${usr}/share/zsh/site-functions/_cairnset")
+    file(MAKE_DIRECTORY "${usr}/share/zsh/vendor-completions")
+    file(RENAME "${usr}/share/zsh/site-functions/_cairnset"
+                "${usr}/share/zsh/vendor-completions/_cairnset")
+    file(REMOVE_RECURSE "${usr}/share/zsh/site-functions")
+  endif()
+endif()
+
+# Packed in this process, which takes from there the times that no file has.
+set(ENV{SOURCE_DATE_EPOCH} "${CPACK_CAIRNSET_EPOCH}")
+execute_process(COMMAND find "${root}" -exec touch --no-dereference "--date=@${CPACK_CAIRNSET_EPOCH}" {} +
+                COMMAND_ERROR_IS_FATAL ANY)
