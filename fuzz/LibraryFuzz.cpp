@@ -192,7 +192,7 @@ std::map<std::pair<ino_t, const PresetReference*>, Reference> references(const T
       const auto file = at(tree, folder, path.filename());
       if (file == tree.end() || file->second.bytes.size() != 93 + file->second.kind->payload)
         return;
-      const std::string name = reference.name(preset);
+      const std::string name(reference.name(preset));
       const bool resolves = to->findPreset(name.c_str()) != nullptr;
       all[{file->first, &reference}] = {name, resolves, names.contains(name)};
     });

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "storage/ByteOrder.h"
@@ -15,9 +15,9 @@
 namespace cairnset {
 
 /// The names in presets (of other presets, of keysets) have fixed width and are filled with zeros;
-/// a name that fills its field has no terminator.
+/// a name that fills its field has no terminator. The answer is the field itself.
 template <std::size_t kWidth>
-std::string nameInField(const char (&field)[kWidth]) {
+std::string_view nameInField(const char (&field)[kWidth]) {
   const void* end = std::memchr(field, '\0', kWidth);
   return {field, end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - field)
                                 : kWidth};
@@ -25,9 +25,9 @@ std::string nameInField(const char (&field)[kWidth]) {
 
 /// Puts a name into its field, zeros behind it. What does not fit is cut off.
 template <std::size_t kWidth>
-void setNameInField(char (&field)[kWidth], const char* name) {
-  const std::size_t length = std::min(std::strlen(name), kWidth);
-  std::memcpy(field, name, length);
+void setNameInField(char (&field)[kWidth], std::string_view name) {
+  const std::size_t length = std::min(name.size(), kWidth);
+  std::memcpy(field, name.data(), length);
   std::memset(field + length, 0, kWidth - length);
 }
 

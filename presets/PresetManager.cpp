@@ -1,5 +1,7 @@
 #include "presets/PresetManager.h"
 
+#include <string>
+
 #include "host/BrumePrefs.h"
 #include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
@@ -154,15 +156,15 @@ void PresetManager::debugCheckDependencies() {
   while (const void* entry = sessionList.iterNext()) {
     const auto& fields =
         static_cast<const SessionPreset*>(static_cast<const Preset*>(entry))->fields;
-    (void)velocityMaps().findPreset(nameInField(fields.velocityMapName).c_str());
-    (void)programs().findPreset(nameInField(fields.programName).c_str());
+    (void)velocityMaps().findPreset(std::string(nameInField(fields.velocityMapName)).c_str());
+    (void)programs().findPreset(std::string(nameInField(fields.programName)).c_str());
   }
   ProgramPresetList& programList = programs();
   programList.iterReset();
   while (const void* entry = programList.iterNext()) {
     const auto& fields =
         static_cast<const ProgramPreset*>(static_cast<const Preset*>(entry))->fields;
-    (void)effects().findPreset(nameInField(fields.effectsName).c_str());
+    (void)effects().findPreset(std::string(nameInField(fields.effectsName)).c_str());
   }
 }
 

@@ -27,7 +27,7 @@ const PresetReference kProgramEffectsReference{kProgramKind, kEffectsKind, effec
 const PresetReference kSessionProgramReference{kSessionKind, kProgramKind, programName};
 const PresetReference kSessionVelocityMapReference{kSessionKind, kVelocityMapKind, velocityMapName};
 
-std::string PresetReference::name(const Preset& preset) const {
+std::string_view PresetReference::name(const Preset& preset) const {
   return nameInField(field(const_cast<Preset&>(preset)));
 }
 

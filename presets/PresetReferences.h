@@ -1,7 +1,7 @@
 // Who refers to whom: the three references between presets, each a name in a field of 64 bytes.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "presets/Preset.h"
 #include "presets/PresetKinds.h"
@@ -17,8 +17,8 @@ struct PresetReference {
   /// The field, in a preset of kind `from`.
   char (&(*field)(Preset& preset))[kWidth];
 
-  /// The name as stored, at most 64 bytes.
-  std::string name(const Preset& preset) const;
+  /// The name as stored, at most 64 bytes; it lasts until the reference is changed.
+  std::string_view name(const Preset& preset) const;
   /// Stores a name, zeros behind it; of a longer one the first 64 bytes. In memory only.
   void setName(Preset& preset, const char* name) const;
 };

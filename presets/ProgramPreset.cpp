@@ -34,9 +34,9 @@ ProgramPreset::ProgramPreset(KeymapManager* keymaps, const ProgramPreset& source
                              const unsigned char* newName, const FSRef* folder)
     : PresetOfKind(source, newName, folder), _keymaps(keymaps) {
   // Names are copied up to their terminators: what a file held behind one stays behind.
-  setNameInField(fields.effectsName, nameInField(source.fields.effectsName).c_str());
-  setNameInField(fields.pianoKeysetName, nameInField(source.fields.pianoKeysetName).c_str());
-  setNameInField(fields.synthKeysetName, nameInField(source.fields.synthKeysetName).c_str());
+  setNameInField(fields.effectsName, nameInField(source.fields.effectsName));
+  setNameInField(fields.pianoKeysetName, nameInField(source.fields.pianoKeysetName));
+  setNameInField(fields.synthKeysetName, nameInField(source.fields.synthKeysetName));
 }
 
 }  // namespace cairnset

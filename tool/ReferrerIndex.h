@@ -1,7 +1,7 @@
 // Finding the presets that name a given one.
 #pragma once
 
-#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -19,12 +19,13 @@ class ReferrerIndex {
   ReferrerIndex(PresetList* list, const PresetReference& reference);
 
   /// Those that name `name`, in the order of the list's leaf walk.
-  const std::vector<Preset*>& referrersOf(const std::string& name) const;
+  const std::vector<Preset*>& referrersOf(std::string_view name) const;
   /// The same, which the index forgets: they are about to name something else.
-  std::vector<Preset*> takeReferrersOf(const std::string& name);
+  std::vector<Preset*> takeReferrersOf(std::string_view name);
 
  private:
-  std::unordered_map<std::string, std::vector<Preset*>> _by_name;
+  // The names are the references themselves, which is why these must stay as they are.
+  std::unordered_map<std::string_view, std::vector<Preset*>> _by_name;
 };
 
 }  // namespace cairnset

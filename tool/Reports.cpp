@@ -23,7 +23,7 @@ bool checkReferences(PresetList* referrers, const PresetReference& reference, Pr
   bool all = true;
   std::string line;
   forEachPreset(referrers, [&](Preset& preset) {
-    const std::string name = reference.name(preset);
+    const std::string name(reference.name(preset));
     const bool found = referred->findPreset(name.c_str()) != nullptr;
     all = all && found;
     line = found ? "   [ ok ]      " : " [ MISSING ]   ";
