@@ -119,6 +119,7 @@ FolderListing* listingAt(FSIterator iterator) {
 }  // namespace
 
 OSErr FolderListing::read() {
+  closeKeptFolder();
   const Location place(_folder);
   if (place.status() != noErr) return place.status();
   SystemCalls& calls = systemCalls();
@@ -135,8 +136,11 @@ OSErr FolderListing::read() {
   }
   Entries entries;
   const OSErr result = readEntries(listing, entries);
-  calls.closedir(listing);
-  if (result != noErr) return result;
+  if (result != noErr) {
+    calls.closedir(listing);
+    return result;
+  }
+  keepFolderOpen(_folder, listing);
   entries.sort();
   _items.reserve(entries.list.size());
   for (const Entry& entry : entries.list) {
@@ -186,6 +190,7 @@ OSErr FSGetCatalogInfoBulk(FSIterator iterator, std::size_t maximum, std::size_t
 
 OSErr FSCloseIterator(FSIterator iterator) {
   if (listingAt(iterator) == nullptr) return paramErr;
+  closeKeptFolder();
   listings[iterator - 1].reset();
   freeNumbers.push_back(iterator);
   return noErr;

@@ -25,8 +25,12 @@ const std::string& folderPath(std::uint32_t folder) {
   return lastPath;
 }
 
-std::uint32_t keptFolder = 0;  // a node, or 0
-int keptDescriptor = -1;       // -1 too where the folder could not be opened
+struct KeptFolder {
+  std::uint32_t node = 0;  // 0 where none is kept
+  int descriptor = -1;     // -1 too where the folder could not be opened
+  DIR* listing = nullptr;  // whose descriptor it is; null where it is nobody's
+};
+KeptFolder kept;
 
 int openFolder(int folder, const char* path) {
   return systemCalls().open(folder, path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
@@ -35,18 +39,25 @@ int openFolder(int folder, const char* path) {
 }  // namespace
 
 void keepFolderOpen(const FSRef& folder) {
-  if (folder.node == keptFolder) return;
+  if (folder.node == kept.node) return;
   closeKeptFolder();
   const Location place(folder);
   if (place.status() != noErr) return;
-  keptDescriptor = openFolder(place.folder(), place.path());
-  keptFolder = folder.node;
+  kept = {folder.node, openFolder(place.folder(), place.path()), nullptr};
+}
+
+void keepFolderOpen(const FSRef& folder, DIR* listing) {
+  closeKeptFolder();
+  kept = {folder.node, ::dirfd(listing), listing};
 }
 
 void closeKeptFolder() {
-  if (keptDescriptor >= 0) systemCalls().close(keptDescriptor);
-  keptDescriptor = -1;
-  keptFolder = 0;
+  if (kept.listing != nullptr) {
+    systemCalls().closedir(kept.listing);
+  } else if (kept.descriptor >= 0) {
+    systemCalls().close(kept.descriptor);
+  }
+  kept = {};
 }
 
 Location::Location(const FSRef& ref, By by) : _folder(AT_FDCWD) {
@@ -73,8 +84,8 @@ Location::~Location() {
 }
 
 void Location::locate(std::uint32_t folder, std::string_view name, By by) {
-  if (by == By::kOpenFolder && folder == keptFolder && keptDescriptor >= 0) {
-    _folder = keptDescriptor;
+  if (by == By::kOpenFolder && folder == kept.node && kept.descriptor >= 0) {
+    _folder = kept.descriptor;
     std::memcpy(_path, name.data(), name.size());
     _path[name.size()] = '\0';
     return;

@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <dirent.h>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -54,6 +55,8 @@ class Location {
 /// been renamed, moved or deleted: then it may no longer be the folder of its place. Where it
 /// cannot be opened, paths do.
 void keepFolderOpen(const FSRef& folder);
+/// The same of a folder that is open already; takes the listing over.
+void keepFolderOpen(const FSRef& folder, DIR* listing);
 void closeKeptFolder();
 
 /// What the volume says of the item itself, links not followed.
