@@ -10,8 +10,19 @@ namespace cairnset {
 namespace {
 
 bool isIllegal(char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  return (byte >= 0x01 && byte <= 0x1F) || (c != '\0' && std::strchr("\"*/<>?\\|", c) != nullptr);
+  switch (c) {
+    case '"':
+    case '*':
+    case '/':
+    case '<':
+    case '>':
+    case '?':
+    case '\\':
+    case '|':
+      return true;
+    default:
+      return c >= 0x01 && c <= 0x1F;
+  }
 }
 
 void applyToPascal(unsigned char* name, void (*rule)(char*)) {

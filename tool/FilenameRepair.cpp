@@ -90,13 +90,14 @@ const char* isIllegalFilename(const char* name) {
 
 int checkFilenames() {
   int status = kSuccess;
+  std::string line;
   for (PresetList* list : {_v, _e, _p, _s}) {
-    forEachPreset(list, [&status](Preset& preset) {
+    forEachPreset(list, [&](Preset& preset) {
       const bool isIllegal = isIllegalFilename(preset.getTreeItemName()) != nullptr;
       if (isIllegal) status = kIncompatibleNames;
-      std::cout << (isIllegal ? "[INCOMPATIBLE]  " : "    [ ok ]      ");
-      preset.printTreeItemInfo(std::cout, 0);
-      std::cout << '\n';
+      line = isIllegal ? "[INCOMPATIBLE]  " : "    [ ok ]      ";
+      preset.appendTreeItemInfo(line, std::cout);
+      writeText(std::cout, line.append(1, '\n'));
     });
   }
   return status;
