@@ -18,12 +18,12 @@ PtrLink* unusedLinks = nullptr;  // chained by their `next`
 }  // namespace
 
 void* PtrLink::operator new(std::size_t /*size*/) {
-  if (unusedLinks == nullptr) {
-    static std::deque<std::array<PtrLink, 256>> blocks;
-    for (PtrLink& link : blocks.emplace_back())
-      link.next = std::exchange(unusedLinks, &link);
-  }
-  return std::exchange(unusedLinks, unusedLinks->next);
+  if (unusedLinks != nullptr) return std::exchange(unusedLinks, unusedLinks->next);
+  static std::deque<std::array<PtrLink, 256>> blocks;
+  auto& block = blocks.emplace_back();
+  for (std::size_t i = 1; i < block.size(); ++i)
+    block[i].next = std::exchange(unusedLinks, &block[i]);
+  return &block.front();
 }
 
 void PtrLink::operator delete(void* link) {
