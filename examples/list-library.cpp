@@ -1,0 +1,36 @@
+// list-library FOLDER: lists the presets of a library kind by kind, in the order that the
+// instrument shows them in: factory presets (ROM) first, then the user's.
+#include <initializer_list>
+#include <iostream>
+
+#include "host/FileManager.h"
+#include "presets/PresetManager.h"
+
+int main(int argc, char** argv) {
+  using namespace cairnset;
+  if (argc != 2) {
+    std::cerr << "usage: list-library FOLDER\n";
+    return 2;
+  }
+  PresetManager library(nullptr);
+  FSRef items;
+  OSStatus status = FSPathMakeRef(argv[1], &items, nullptr);
+  if (status == noErr) status = library.setOlvanItemsFSRef(items);
+  if (status != noErr) {
+    std::cerr << "list-library: no library at " << argv[1] << ": error " << status << '\n';
+    return 1;
+  }
+  library.openAllPresets();  // also makes the folders and "Default"s that are missing
+
+  const std::initializer_list<const PresetList*> kinds = {
+      &library.velocityMaps(), &library.effects(), &library.programs(), &library.sessions()};
+  for (const PresetList* kind : kinds) {
+    for (const Preset* preset : kind->presets()) {
+      preset->printTreeItemInfo(std::cout, 0);
+      // A file that starts as a preset but cannot be read as one is in the library all the same.
+      if (preset->status() != noErr) std::cout << " cannot be read: " << preset->status();
+      std::cout << '\n';
+    }
+  }
+  return std::cout.flush() ? 0 : 1;
+}
