@@ -3,10 +3,9 @@
 #include <iostream>
 #include <string>
 
-#include "host/FileManager.h"
+#include "examples/OpenLibrary.h"
 #include "host/Names.h"
 #include "host/PascalStrings.h"
-#include "presets/PresetManager.h"
 #include "presets/PresetReferences.h"
 
 int main(int argc, char** argv) {
@@ -16,14 +15,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   PresetManager library(nullptr);
-  FSRef items;
-  OSStatus status = FSPathMakeRef(argv[1], &items, nullptr);
-  if (status == noErr) status = library.setOlvanItemsFSRef(items);
-  if (status != noErr) {
-    std::cerr << "find-users: no library at " << argv[1] << ": error " << status << '\n';
-    return 1;
-  }
-  library.openAllPresets();
+  if (!openLibrary(argv[1], library)) return 1;
 
   // UTF-8 on the volume and the terminal; Mac Roman in memory and inside the files.
   const std::string name = heldNameFromVolumeName(argv[2]);

@@ -3,8 +3,7 @@
 #include <initializer_list>
 #include <iostream>
 
-#include "host/FileManager.h"
-#include "presets/PresetManager.h"
+#include "examples/OpenLibrary.h"
 
 int main(int argc, char** argv) {
   using namespace cairnset;
@@ -13,14 +12,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   PresetManager library(nullptr);
-  FSRef items;
-  OSStatus status = FSPathMakeRef(argv[1], &items, nullptr);
-  if (status == noErr) status = library.setOlvanItemsFSRef(items);
-  if (status != noErr) {
-    std::cerr << "list-library: no library at " << argv[1] << ": error " << status << '\n';
-    return 1;
-  }
-  library.openAllPresets();  // also makes the folders and "Default"s that are missing
+  if (!openLibrary(argv[1], library)) return 1;
 
   const std::initializer_list<const PresetList*> kinds = {
       &library.velocityMaps(), &library.effects(), &library.programs(), &library.sessions()};

@@ -3,11 +3,10 @@
 #include <iostream>
 #include <string>
 
-#include "host/FileManager.h"
+#include "examples/OpenLibrary.h"
 #include "host/FileNameRules.h"
 #include "host/Names.h"
 #include "host/PascalStrings.h"
-#include "presets/PresetManager.h"
 
 int main(int argc, char** argv) {
   using namespace cairnset;
@@ -16,16 +15,10 @@ int main(int argc, char** argv) {
     return 2;
   }
   PresetManager library(nullptr);
-  FSRef items;
-  OSStatus status = FSPathMakeRef(argv[1], &items, nullptr);
-  if (status == noErr) status = library.setOlvanItemsFSRef(items);
-  if (status != noErr) {
-    std::cerr << "make-preset: no library at " << argv[1] << ": error " << status << '\n';
-    return 1;
-  }
-  library.openAllPresets();
+  if (!openLibrary(argv[1], library)) return 1;
 
-  std::string name = heldNameFromVolumeName(argv[2]).substr(0, 255);  // Mac Roman from here on
+  // UTF-8 on the volume and the terminal; Mac Roman in memory and inside the files.
+  std::string name = heldNameFromVolumeName(argv[2]).substr(0, 255);
   RemoveAllIllegalFilenameCharsInPlace(name.data());
   Str255 pascalName;
   C2PCopy(pascalName, name.c_str());
@@ -34,10 +27,11 @@ int main(int argc, char** argv) {
   // lay. A copy never takes over a file that is there already, as newPreset() does.
   EffectsPresetList& effects = library.effects();
   const Preset* original = effects.findPreset(Preset::_default_preset_name);
-  status = original == nullptr ? fnfErr
-           : effects.findPreset(name.c_str()) != nullptr
-               ? dupFNErr
-               : effects.duplicatePreset(effects.findPresetIndex(original), pascalName);
+  const OSStatus status =
+      original == nullptr ? fnfErr
+      : effects.findPreset(name.c_str()) != nullptr
+          ? dupFNErr
+          : effects.duplicatePreset(effects.findPresetIndex(original), pascalName);
   if (status != noErr) {
     std::cerr << "make-preset: not made: error " << status << '\n';
     return 1;
