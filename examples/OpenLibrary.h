@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "host/FileManager.h"
+#include "host/Process.h"
 #include "presets/PresetManager.h"
 
 namespace cairnset {
@@ -11,6 +12,7 @@ namespace cairnset {
 /// Reads the library at `path`, which also makes the folders and "Default"s that are missing there.
 /// False, told on standard error, where it cannot be opened.
 inline bool openLibrary(const char* path, PresetManager& library) {
+  prepareProcess();  // or a preset file could be opened in the place of a closed standard output
   FSRef items;
   OSStatus status = FSPathMakeRef(path, &items, nullptr);
   if (status == noErr) status = library.setOlvanItemsFSRef(items);
