@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
   for (const auto& [users, reference, use] : uses) {
     for (const Preset* user : users.presets()) {
       // As the instrument looks names up: without regard to case.
-      if (fncmp(reference.name(*user).c_str(), name.c_str()) != 0) continue;
+      if (fncmp(std::string(reference.name(*user)).c_str(), name.c_str()) != 0) continue;
       user->printTreeItemInfo(std::cout, 0);
       std::cout << use << '\n';
     }
