@@ -61,7 +61,7 @@ static_assert(sizeof(EffectsFields) == 64);
 class EffectsPreset : public PresetOfKind<EffectsFields> {
  public:
   /// As the base's constructor; a new preset has the defaults of the parameter table, frequencies
-  /// and dampings at their nearest steps.
+  /// and dampings at their steps, which are the next higher ones.
   EffectsPreset(const FSRef& ref, const char* name, bool create);
   EffectsPreset(const EffectsPreset& source, const unsigned char* newName, const FSRef* folder);
 };

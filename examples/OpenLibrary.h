@@ -1,0 +1,24 @@
+// How a program opens a preset library.
+#pragma once
+
+#include <iostream>
+
+#include "host/FileManager.h"
+#include "host/Process.h"
+#include "presets/PresetManager.h"
+
+namespace cairnset {
+
+/// Reads the library at `path`, which also makes the folders and "Default"s that are missing there.
+/// False, told on standard error, where it cannot be opened.
+inline bool openLibrary(const char* path, PresetManager& library) {
+  prepareProcess();  // or a preset file could be opened in the place of a closed standard output
+  FSRef items;
+  OSStatus status = FSPathMakeRef(path, &items, nullptr);
+  if (status == noErr) status = library.setOlvanItemsFSRef(items);
+  if (status != noErr) std::cerr << "No library at " << path << ": error " << status << '\n';
+  if (status == noErr) library.openAllPresets();
+  return status == noErr;
+}
+
+}  // namespace cairnset

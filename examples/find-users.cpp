@@ -1,0 +1,40 @@
+// find-users FOLDER NAME: tells which presets of a library use the preset whose file is called
+// NAME.
+#include <iostream>
+#include <string>
+
+#include "examples/OpenLibrary.h"
+#include "host/Names.h"
+#include "host/PascalStrings.h"
+#include "presets/PresetReferences.h"
+
+int main(int argc, char** argv) {
+  using namespace cairnset;
+  if (argc != 3) {
+    std::cerr << "usage: find-users FOLDER NAME\n";
+    return 2;
+  }
+  PresetManager library(nullptr);
+  if (!openLibrary(argv[1], library)) return 1;
+
+  // UTF-8 on the volume and the terminal; Mac Roman in memory and inside the files.
+  const std::string name = heldNameFromVolumeName(argv[2]);
+  const struct {
+    const PresetList& users;
+    const PresetReference& reference;
+    const char* use;
+  } uses[] = {
+      {library.programs(), kProgramEffectsReference, " as its effects preset"},
+      {library.sessions(), kSessionProgramReference, " as its program"},
+      {library.sessions(), kSessionVelocityMapReference, " as its velocity map"},
+  };
+  for (const auto& [users, reference, use] : uses) {
+    for (const Preset* user : users.presets()) {
+      // As the instrument looks names up: without regard to case.
+      if (fncmp(std::string(reference.name(*user)).c_str(), name.c_str()) != 0) continue;
+      user->printTreeItemInfo(std::cout, 0);
+      std::cout << use << '\n';
+    }
+  }
+  return std::cout.flush() ? 0 : 1;
+}
