@@ -307,7 +307,7 @@ class Writer {
     f.sustainResonanceOn = _dice.flag();
     f.dynamicRange = _dice.between(20, 50);
     f.keyNoise = _dice.between(-12, 6);
-    f.stereoWidth = _dice.between(50, 150) / 100;
+    f.stereoWidth = _dice.between(50, 100) / 100;
   }
 
   void fill(SessionPreset& preset, const Place& /*place*/, std::size_t n) {

@@ -16,7 +16,7 @@
 
 namespace cairnset {
 
-// --- Paths -----------------------------------------------------------------------------------
+// --- Paths (Catalog.cpp) ---------------------------------------------------------------------
 
 /// The reference of the item at a path as a user gives it: relative or absolute, links resolved.
 /// The item must exist. `isDirectory` may be null.
@@ -29,7 +29,7 @@ OSErr FSRefMakePath(const FSRef* ref, char* path, std::size_t size);
 /// The reference of the item that an FSSpec names; the item must exist.
 OSErr FSpMakeFSRef(const FSSpec* fsSpec, FSRef* ref);
 
-// --- Catalogue -------------------------------------------------------------------------------
+// --- Catalogue (Catalog.cpp) -----------------------------------------------------------------
 
 using FSCatalogInfoBitmap = std::uint32_t;
 enum : FSCatalogInfoBitmap {
@@ -74,7 +74,7 @@ OSErr FSCompareFSRefs(const FSRef* a, const FSRef* b);
 /// root.
 bool placeOf(const FSRef& ref, FSRef* folder, HFSUniStr255* name);
 
-// --- Changing ---------------------------------------------------------------------------------
+// --- Changing (Changes.cpp) -------------------------------------------------------------------
 
 /// Makes an empty file; dupFNErr where the name is taken. The outputs may be null.
 OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar* name, FSRef* ref,
@@ -106,7 +106,7 @@ OSErr FSFlushObject(const FSRef* ref);
 /// system cannot.
 OSErr FSFlushVolume(const FSRef* ref);
 
-// --- Aliases ----------------------------------------------------------------------------------
+// --- Aliases (Aliases.cpp) --------------------------------------------------------------------
 
 /// Whether the existing item is an alias file, and (where not null) whether it is a folder.
 OSErr FSIsAliasFile(const FSRef* ref, bool* isAlias, bool* isFolder);
@@ -118,7 +118,7 @@ OSErr FSResolveAliasFile(FSRef* ref, bool resolveChains, bool* targetIsFolder, b
 OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* name,
                         const FSRef* target, FSRef* ref);
 
-// --- Listing a folder --------------------------------------------------------------------------
+// --- Listing a folder (Iterators.cpp) ----------------------------------------------------------
 
 /// The number of an open iterator; 0 is none.
 using FSIterator = std::uint32_t;
@@ -137,7 +137,7 @@ OSErr FSGetCatalogInfoBulk(FSIterator iterator, std::size_t maximum, std::size_t
                            FSCatalogInfoBitmap which, FSCatalogInfo* infos, FSRef* refs);
 OSErr FSCloseIterator(FSIterator iterator);
 
-// --- Forks -------------------------------------------------------------------------------------
+// --- Forks (Forks.cpp) -------------------------------------------------------------------------
 
 enum : std::int8_t { fsRdPerm = 1, fsWrPerm = 2, fsRdWrPerm = 3 };
 enum : std::uint16_t { fsAtMark = 0, fsFromStart = 1, fsFromLEOF = 2, fsFromMark = 3 };
@@ -166,7 +166,7 @@ OSErr FSGetForkSize(std::int16_t fork, std::int64_t* size);
 /// Closes the fork. A close that fails is a write that may be lost, and is an error.
 OSErr FSCloseFork(std::int16_t fork);
 
-// --- Volumes and special folders -----------------------------------------------------------------
+// --- Volumes and special folders (Volumes.cpp) ---------------------------------------------------
 
 /// The one volume that this layer shows, and its number.
 inline constexpr std::int16_t kVolumeNumber = -100;
