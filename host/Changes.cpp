@@ -136,7 +136,10 @@ OSErr moveItem(const FSRef& ref, const FSRef& newFolder, const std::string& newN
   if (result == fnfErr) return failureAt(ref, ENOENT);
   if (result != noErr) return result;
   const FSRef moved{nodes().intern(newFolder.node, newName)};
-  if (moved != ref) placeChanged(ref);
+  if (moved != ref) {
+    placeChanged(ref);
+    placeChanged(moved);  // of what was replaced
+  }
   if (newRef != nullptr) *newRef = moved;
   return noErr;
 }
@@ -262,7 +265,12 @@ OSErr FSDeleteObject(const FSRef* ref) {
 }
 
 OSErr FSFlushObject(const FSRef* ref) {
-  return flushThrough(*ref, systemCalls().flush);
+  return flushThrough(*ref, [](int descriptor) {
+    if (systemCalls().flush(descriptor) == 0) return 0;
+    const bool hasNone =
+        errno == EINVAL || errno == ENOSYS || errno == ENOTSUP || errno == EOPNOTSUPP;
+    return hasNone ? 0 : -1;
+  });
 }
 
 OSErr FSFlushVolume(const FSRef* ref) {

@@ -100,7 +100,7 @@ OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name
 /// Deletes a file, an alias, or an empty folder (fBsyErr where it is not empty).
 OSErr FSDeleteObject(const FSRef* ref);
 /// Waits until the disk has what the file holds, or the names that the folder holds, so that no
-/// loss of power can take it back.
+/// loss of power can take it back. noErr too where the volume knows of no such thing.
 OSErr FSFlushObject(const FSRef* ref);
 /// The same for all of the volume that the item is on, also for what others wrote; ioErr where the
 /// system cannot.

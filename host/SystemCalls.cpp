@@ -71,11 +71,12 @@ struct dirent* readEntry(DIR* listing) {
 
 int flushDescriptor(int descriptor) {
 #if defined(__APPLE__)
-  // There, fsync leaves the bytes in the drive's own memory.
-  return untilDone([=] { return ::fcntl(descriptor, F_FULLFSYNC); });
-#else
-  return untilDone([=] { return ::fsync(descriptor); });
+  // There, fsync leaves the bytes in the drive's own memory; but it is all that many a volume on
+  // a network knows.
+  if (untilDone([=] { return ::fcntl(descriptor, F_FULLFSYNC); }) == 0) return 0;
+  if (errno == EIO) return -1;
 #endif
+  return untilDone([=] { return ::fsync(descriptor); });
 }
 
 int flushVolume([[maybe_unused]] int descriptor) {

@@ -361,13 +361,25 @@ void PresetList::makeSureOfDefault() {
 
 Preset* PresetList::openPassedDefault() {
   FSRef file;
+  OSStatus status = noErr;
+  const bool isThere =
+      findFolder(_root_folder, Preset::_default_preset_name, false, file) == noErr &&
+      isRegularFile(&file);
+  return isThere ? openIfOfThisKind(file, status) : nullptr;
+}
+
+Preset* PresetList::openIfOfThisKind(const FSRef& file, OSStatus& status) {
+  std::int16_t fork = 0;
+  if (FSOpenFork(&file, 0, nullptr, fsRdWrPerm, &fork) != noErr) return nullptr;
+  Preset* preset = nullptr;
   std::uint32_t kind = 0;
-  if (findFolder(_root_folder, Preset::_default_preset_name, false, file) != noErr ||
-      Preset::readKind(file, kind) != noErr ||
-      kind != static_cast<std::uint32_t>(getPresetType())) {
-    return nullptr;
+  if (Preset::readKind(fork, kind) == noErr &&
+      kind == static_cast<std::uint32_t>(getPresetType())) {
+    // While the file is open, what it was known by is also what the preset is read from.
+    preset = openPreset(file);
   }
-  return openPreset(file);
+  status = FSCloseFork(fork);
+  return preset;
 }
 
 OSStatus PresetList::readFolders(const FSRef& folder, PresetLimb* limb, bool& listed) {
@@ -399,14 +411,7 @@ OSStatus PresetList::readFolders(const FSRef& folder, PresetLimb* limb, bool& li
     if (actual == 0) {
       reading.pop_back();  // the iterator has always been left open, and costs nothing now
     } else if ((info.nodeFlags & kFSNodeIsDirectoryMask) == 0) {
-      std::int16_t fork = 0;
-      if (FSOpenFork(&ref, 0, nullptr, fsRdWrPerm, &fork) != noErr) continue;
-      std::uint32_t kind = 0;
-      if (Preset::readKind(fork, kind) == noErr &&
-          kind == static_cast<std::uint32_t>(getPresetType())) {
-        openPreset(ref);
-      }
-      status = FSCloseFork(fork);
+      openIfOfThisKind(ref, status);
     } else {
       const Reading& here = reading.back();
       const auto known = here.limbsBefore.find(ref.node);

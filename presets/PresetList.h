@@ -152,6 +152,9 @@ class PresetList : public PtrManager, public PresetLimb {
   /// The preset in the root folder's file "Default", for which a load that could not open or read
   /// it for a moment would write a new one over it. Null where there is no such preset.
   Preset* openPassedDefault();
+  /// The preset of a file that starts as one of this kind does, else null. Where the file could be
+  /// opened, `status` is how it could be closed.
+  Preset* openIfOfThisKind(const FSRef& file, OSStatus& status);
   template <typename Lies>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, Lies lies) const;
 

@@ -1,8 +1,10 @@
 #include "tool/BulkMaintenance.h"
 
 #include <iostream>
+#include <string>
 
 #include "host/Process.h"
+#include "host/ReportText.h"
 #include "presets/PresetManager.h"
 #include "tool/LeafIteration.h"
 #include "tool/Session.h"
@@ -21,7 +23,9 @@ void setROM(PresetList* list, bool rom) {
   forEachPreset(list, [rom](Preset& preset) {
     if (preset.isROM() == rom) return;
     preset.setROM(rom);
-    (void)writeAndReport(preset, std::cerr);
+    if (const std::string failure = writeAndTell(preset); !failure.empty()) {
+      writeText(std::cerr, failure);
+    }
   });
 }
 

@@ -4,8 +4,8 @@
 #include <iostream>
 #include <iterator>
 #include <optional>
-#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/FileNameRules.h"
@@ -32,49 +32,46 @@ struct Renaming {
   const char* referrerKindName;
 };
 
-void writeQuoted(std::ostream& out, const char* name, const char* after) {
-  out << '"';
-  writeHeldName(out, name);
-  out << '"' << after;
+void appendQuoted(std::string& report, const char* name, const char* after) {
+  report += '"';
+  appendHeldName(report, std::cout, name);
+  report.append(1, '"').append(after);
 }
 
 // Finds what is to be done for one kind, and tells of it.
-std::vector<Rename> plan(const Renaming& renaming, std::ostream& report) {
+std::vector<Rename> plan(const Renaming& renaming, std::string& report) {
   std::vector<Rename> renames;
   std::optional<ReferrerIndex> index;
   forEachPreset(renaming.list, [&](Preset& preset) {
     const char* name = preset.getTreeItemName();
     const char* corrected = isIllegalFilename(name);
     if (corrected == nullptr) return;
-    report << "renaming " << renaming.kindName << ' ';
-    writeQuoted(report, name, " to ");
-    writeQuoted(report, corrected, "\n");
+    report.append("renaming ").append(renaming.kindName).append(" ");
+    appendQuoted(report, name, " to ");
+    appendQuoted(report, corrected, "\n");
     Rename& rename = renames.emplace_back(Rename{&preset, corrected, {}, renaming.reference, {}});
     if (renaming.reference == nullptr) return;
     if (!index) index.emplace(renaming.referrers, *renaming.reference);
     // A corrected name is never again one to be corrected: none of these is asked for twice.
     rename.referrers = index->takeReferrersOf(name);
     for (const Preset* referrer : rename.referrers) {
-      report << "\t relinking " << renaming.referrerKindName << ' ';
-      writeQuoted(report, referrer->getTreeItemName(), "\n");
-      rename.told.push_back(static_cast<std::size_t>(report.tellp()));
+      report.append("\t relinking ").append(renaming.referrerKindName).append(" ");
+      appendQuoted(report, referrer->getTreeItemName(), "\n");
+      rename.told.push_back(report.size());
     }
   });
   return renames;
 }
 
 // The report, with each failure after the line that it belongs to.
-void print(const std::string& report, const Failures& failures) {
+void print(std::string_view report, const Failures& failures) {
   std::size_t printed = 0;
-  const auto printUpTo = [&](std::size_t end) {
-    std::cout.write(report.data() + printed, static_cast<std::streamsize>(end - printed));
-    printed = end;
-  };
   for (const auto& [at, text] : failures) {
-    printUpTo(at);
-    std::cerr << text;
+    writeText(std::cout, report.substr(printed, at - printed));
+    writeText(std::cerr, text);
+    printed = at;
   }
-  printUpTo(report.size());
+  writeText(std::cout, report.substr(printed));
 }
 
 }  // namespace
@@ -112,7 +109,7 @@ int fixFilenames() {
       {_p, "program", _s, &kSessionProgramReference, "session"},
       {_s, "session", nullptr, nullptr, nullptr},
   };
-  std::ostringstream report;
+  std::string report;
   std::vector<Rename> renames[std::size(renamings)];
   for (std::size_t kind = 0; kind < std::size(renamings); ++kind)
     renames[kind] = plan(renamings[kind], report);
@@ -128,7 +125,7 @@ int fixFilenames() {
     }
     renameAll(together, failures);
   }
-  print(report.str(), failures);
+  print(report, failures);
   std::cout << "Fixing all preset file names has finished.\n";
   return failures.empty() ? kSuccess : kReferencesNotWritten;
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <set>
-#include <sstream>
+#include <utility>
 
 #include "host/FileManager.h"
 #include "host/PascalStrings.h"
@@ -57,11 +57,7 @@ void flushFiles(const std::vector<Rewrite>& rewrites, Failures& failures) {
   for (const auto& [preset, told] : rewrites) {
     if (failures.count(told) > 0) continue;
     const OSErr result = FSFlushObject(&preset->fileRef());
-    // Some volumes have nothing to flush, and say so.
-    if (result == noErr || result == paramErr) continue;
-    std::ostringstream errors;
-    reportWriteFailure(*preset, result, errors);
-    failures[told] = errors.str();
+    if (result != noErr) failures[told] = writeFailure(*preset, result);
   }
 }
 
@@ -75,8 +71,9 @@ std::vector<Rewrite> rewriteReferrers(const std::vector<Rename*>& renames, Failu
   }
   std::stable_sort(rewrites.begin(), rewrites.end(), writesBefore);
   for (const auto& [preset, told] : rewrites) {
-    std::ostringstream errors;
-    if (!writeAndReport(*preset, errors)) failures[told] = errors.str();
+    if (std::string failure = writeAndTell(*preset); !failure.empty()) {
+      failures[told] = std::move(failure);
+    }
   }
   return rewrites;
 }

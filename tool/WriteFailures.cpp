@@ -1,23 +1,22 @@
 #include "tool/WriteFailures.h"
 
-#include <ostream>
+#include <iostream>
 
 #include "presets/Preset.h"
 
 namespace cairnset {
 
-bool writeAndReport(Preset& preset, std::ostream& errors) {
+std::string writeAndTell(Preset& preset) {
   OSErr result = preset.writeOut();
   // A file that could not even be opened is told by the status alone.
   if (result == noErr) result = preset.status();
-  if (result != noErr) reportWriteFailure(preset, result, errors);
-  return result == noErr;
+  return result == noErr ? std::string() : writeFailure(preset, result);
 }
 
-void reportWriteFailure(const Preset& preset, OSErr result, std::ostream& errors) {
-  errors << "### error " << result << " occurred while writing ";
-  preset.printTreeItemInfo(errors, 0);
-  errors << '\n';
+std::string writeFailure(const Preset& preset, OSErr result) {
+  std::string line = "### error " + std::to_string(result) + " occurred while writing ";
+  preset.appendTreeItemInfo(line, std::cerr);
+  return line += '\n';
 }
 
 }  // namespace cairnset

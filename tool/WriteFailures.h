@@ -1,7 +1,7 @@
 // Writing a preset back and telling of a failure.
 #pragma once
 
-#include <iosfwd>
+#include <string>
 
 #include "host/ResultCodes.h"
 
@@ -9,11 +9,11 @@ namespace cairnset {
 
 class Preset;
 
-/// Writes the preset to its file. Where that fails a line on `errors` says so, and the answer is
-/// false.
-bool writeAndReport(Preset& preset, std::ostream& errors);
+/// Writes the preset to its file. Where that fails the answer is the line that standard error is to
+/// show, else nothing.
+std::string writeAndTell(Preset& preset);
 
 /// The line itself, with the result code and the preset.
-void reportWriteFailure(const Preset& preset, OSErr result, std::ostream& errors);
+std::string writeFailure(const Preset& preset, OSErr result);
 
 }  // namespace cairnset
