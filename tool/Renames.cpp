@@ -55,7 +55,7 @@ void flushFiles(const std::vector<Rewrite>& rewrites, Failures& failures) {
     return;
   }
   for (const auto& [preset, told] : rewrites) {
-    if (failures.count(told) > 0) continue;
+    if (failures.contains(told)) continue;
     const OSErr result = FSFlushObject(&preset->fileRef());
     // Some volumes have nothing to flush, and say so.
     if (result == noErr || result == paramErr) continue;
