@@ -6,10 +6,11 @@ set(CMAKE_CXX_COMPILER powerpc-linux-gnu-g++)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-ppc)
 
 # The programs name their libraries' folder themselves. "qemu-ppc -L" would look into that folder for
-# every absolute path that a program opens, and show it that folder in place of "/".
+# every absolute path that a program opens, and show it that folder in place of "/". The older form
+# of an rpath also serves the libraries of the libraries.
 set(libraries /usr/powerpc-linux-gnu/lib)
 set(CMAKE_EXE_LINKER_FLAGS_INIT
-    "-Wl,--dynamic-linker=${libraries}/ld.so.1 -Wl,-rpath,${libraries}")
+    "-Wl,--dynamic-linker=${libraries}/ld.so.1 -Wl,--disable-new-dtags,-rpath,${libraries}")
 
 # No library of this machine is taken for one of that machine.
 set(CMAKE_FIND_ROOT_PATH /usr/powerpc-linux-gnu)

@@ -91,7 +91,7 @@ void writeHeldName(std::ostream& os, std::string_view heldName) {
 void appendHeldName(std::string& text, const std::ostream& os, std::string_view heldName) {
   const std::size_t start = text.size();
   appendUtf8FromMacRoman(heldName, text);
-  if (isMasked(os)) text.replace(start, std::string::npos, masked(text.substr(start), ""));
+  if (isMasked(os)) text.replace(start, text.size() - start, masked(text.substr(start), ""));
 }
 
 void writeHeldText(std::ostream& os, std::string_view heldText) {

@@ -46,7 +46,9 @@ void guard(Result (*&call)(Args...), std::vector<int> waysToFail) {
       error = ways[way];
     }
     if (error == 0) return real(args...);
-    if constexpr (std::is_same_v<Result, ssize_t>) {
+    // Where ssize_t is an int, only the offset tells the reads and writes from the other calls.
+    using Last = std::tuple_element_t<sizeof...(Args) - 1, std::tuple<Args...>>;
+    if constexpr (std::is_same_v<Last, off_t>) {
       const auto [descriptor, bytes, size, offset] = std::tuple(args...);
       failsNext = error == kShortThenError;
       if (error == kNothing) return 0;
