@@ -1,6 +1,7 @@
 // Names between the volume, Unicode and Mac Roman, and the order of a folder.
 #include "fuzz/Fuzz.h"
 #include "host/Decomposition.h"
+#include "host/MacRoman.h"
 #include "host/NameConversions.h"
 #include "host/Names.h"
 #include "host/PascalStrings.h"
