@@ -55,7 +55,7 @@ void flushFiles(const std::vector<Rewrite>& rewrites, Failures& failures) {
     return;
   }
   for (const auto& [preset, told] : rewrites) {
-    if (failures.count(told) > 0) continue;
+    if (failures.contains(told)) continue;
     const OSErr result = FSFlushObject(&preset->fileRef());
     if (result != noErr) failures[told] = writeFailure(*preset, result);
   }
