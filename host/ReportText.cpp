@@ -91,7 +91,10 @@ void writeHeldName(std::ostream& os, std::string_view heldName) {
 void appendHeldName(std::string& text, const std::ostream& os, std::string_view heldName) {
   const std::size_t start = text.size();
   appendUtf8FromMacRoman(heldName, text);
-  if (isMasked(os)) text.replace(start, text.size() - start, masked(text.substr(start), ""));
+  if (!isMasked(os)) return;
+  const std::string shown = masked(std::string_view(text).substr(start), "");
+  text.resize(start);
+  text += shown;
 }
 
 void writeHeldText(std::ostream& os, std::string_view heldText) {

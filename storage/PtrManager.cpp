@@ -19,7 +19,8 @@ PtrLink* unusedLinks = nullptr;  // chained by their `next`
 
 void* PtrLink::operator new(std::size_t /*size*/) {
   if (unusedLinks != nullptr) return std::exchange(unusedLinks, unusedLinks->next);
-  static std::deque<std::array<PtrLink, 256>> blocks;
+  // Never destroyed: a list that is itself static may outlive whatever else is.
+  static auto& blocks = *new std::deque<std::array<PtrLink, 256>>;
   auto& block = blocks.emplace_back();
   for (std::size_t i = 1; i < block.size(); ++i)
     block[i].next = std::exchange(unusedLinks, &block[i]);
