@@ -14,7 +14,7 @@
 #include "host/PascalStrings.h"
 #include "presets/PresetManager.h"
 #include "presets/PresetReferences.h"
-#include "tests/tool/ToolTest.h"
+#include "tests/PresetFile.h"
 #include "tool/CommandLine.h"
 #include "tool/FilenameRepair.h"
 #include "tool/LeafIteration.h"

@@ -7,7 +7,7 @@
 
 #include "host/SystemCalls.h"
 #include "presets/PresetManager.h"
-#include "tests/tool/ToolTest.h"
+#include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
 #include "tool/Menu.h"

@@ -36,11 +36,13 @@
 // Words with blanks are quoted; %HH is a byte.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <iomanip>
 #include <map>
 #include <sstream>
+#include <sys/wait.h>
 
-#include "tests/tool/ToolTest.h"
+#include "tests/PresetFile.h"
 
 namespace cairnset {
 namespace {
@@ -53,6 +55,16 @@ constexpr const char* kBanner =
 const fs::file_time_type kLongAgo =
     std::chrono::floor<std::chrono::hours>(fs::file_time_type::clock::now()) -
     std::chrono::hours(9);
+
+/// Runs a shell's command line, in which the program is "cairnset", in the folder. Answers its exit
+/// status, or -1.
+int shell(const TestFolder& folder, const std::string& command) {
+  const std::string program = CAIRNSET_PROGRAM;
+  const int status = std::system(("cd '" + folder.path("") + "' && PATH=\"" +
+                                  program.substr(0, program.rfind('/')) + ":$PATH\" && " + command)
+                                     .c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 std::vector<std::string> wordsOf(const std::string& line) {
   std::vector<std::string> words;
