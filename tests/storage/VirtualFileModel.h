@@ -39,22 +39,17 @@ class VirtualFileModel {
       case 1:
         store(_size, bytes);
         return _f.append(bytes.data(), length) == 1;
-      case 2: {
-        const bool done = _f.write(_f, length) == 1;
-        write((_memory + std::string(n, '\0')).substr(_read, n));
-        _read = std::min(_read + n, _size);
-        return done;
-      }
+      case 2:
+        write((_memory + std::string(n, '\0')).substr(_read, n), n);
+        return _f.write(_f, length) == 1;
       case 3:
         write(std::string(n, '\0'));
         return _f.writeZeroes(length) == 1;
-      case 4: {
-        bytes.resize(std::min(n, std::char_traits<char>::length(bytes.c_str())));
-        std::string field = bytes.substr(0, n);
-        field.resize(n + 1);
-        write(field);
+      case 4:
+        bytes.resize(std::char_traits<char>::length(bytes.c_str()));
+        bytes.resize(n + 1);
+        write(bytes);
         return _f.writeStringAndPad(bytes.c_str(), length + 1) == 1;
-      }
       case 5: {  // a short read clears the start of what it brings
         std::string got(n, 'x'), want = got;
         const std::size_t held = std::min(n, rest.size());
@@ -119,9 +114,10 @@ class VirtualFileModel {
     resize(std::max(_size, at + bytes.size()));
     _memory.replace(at, bytes.size(), bytes);
   }
-  void write(const std::string& bytes) {
+  void write(const std::string& bytes, std::size_t alsoRead = 0) {
     store(_write, bytes);
     _write += bytes.size();
+    _read = std::min(_read + alsoRead, _size);
   }
 
   VirtualFile& _f;
