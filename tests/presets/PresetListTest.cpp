@@ -104,12 +104,6 @@ TEST_F(PresetListTest, OrdersROMFirstNumbersRAMAnewAndLoadsOnlyWhatIsNew) {
 }
 
 TEST_F(PresetListTest, UnconfirmedListsDoNothing) {
-  VelocityMapPresetList lost(&manager);
-  SessionPresetList sessions(&manager);
-  EXPECT_EQ(lost.newPreset(pascal("x"), true, false), 0);
-  EXPECT_EQ(lost.openPreset(ref("")), nullptr);
-  lost.openPresets();
-  EXPECT_EQ(lost.count(), 0);
   // A list whose folder is a file, or can neither be found nor made, is not confirmed by another's.
   write("Presets/Effects", "a file");
   manager.openAllPresets();
@@ -134,7 +128,6 @@ TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
   EXPECT_EQ(copy->index(), made->index());
   EXPECT_FALSE(copy->isROM());
   EXPECT_EQ(list.duplicatePreset(1, pascal("co_py")), dupFNErr);
-  EXPECT_EQ(list.duplicatePreset(99, pascal("x")), 0);
   const long count = list.count();
   list.deletePreset(list.findPresetIndex(copy));
   list.deletePreset(99);

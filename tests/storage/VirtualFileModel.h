@@ -19,7 +19,7 @@ class VirtualFileModel {
   /// One operation on both; false where they differ.
   bool step() {
     const std::size_t n = _pick(_pick(10) == 0 ? 300 : 20);
-    return operate(_pick(13), n, static_cast<long>(n)) && _f.good() &&
+    return operate(_pick(10), n, static_cast<long>(n)) && _f.good() &&
            std::string(_f.buffer(), _f.size()) == _memory.substr(0, _size) &&
            _f.rptr() == _f.buffer() + _read && _f.wptr() == _f.buffer() + _write &&
            _f.eof() == (_read == _size);
@@ -71,29 +71,6 @@ class VirtualFileModel {
         const long now =
             operation == 7 ? _f.seekg(length - 10, whence) : _f.seekp(length - 10, whence);
         return now == static_cast<long>(at);
-      }
-      case 9: {
-        std::string line = "untouched";
-        const std::size_t stop = std::min(rest.find_first_of("\r\n"), rest.size());
-        _read += stop + (stop < rest.size()) + (rest.compare(stop, 2, "\r\n") == 0);
-        return _f.getLine(line) ? line == rest.substr(0, stop) : rest.empty();
-      }
-      case 10: {
-        char* text = nullptr;
-        _f.get(&text);
-        const std::unique_ptr<char[]> owned(text);
-        const std::string want = rest.c_str();
-        _read = std::min(_read + want.size() + 1, _size);
-        return want == text;
-      }
-      case 11: {  // a number moves on within the content, whatever it is
-        double real = 0;
-        int whole = 0;
-        n % 2 == 0 ? _f >> real : _f >> whole;
-        const long now = _f.tellg();
-        const bool isAhead = now >= static_cast<long>(_read) && now <= static_cast<long>(_size);
-        _read = static_cast<std::size_t>(now);
-        return isAhead;
       }
       default: {
         std::stringstream stream;
