@@ -18,49 +18,29 @@ std::string shown(const ParamConverter& converter, float raw) {
   return text;
 }
 
-const ParamConverter* const kShared[] = {&StaticRawParamConverter,
-                                         &StaticAmpTableParamConverter,
-                                         &StaticFreqTableParamConverter,
-                                         &StaticOnOffParamConverter,
-                                         &StaticStereoPerspectiveParamConverter,
-                                         &StaticTuningParamConverter,
-                                         &StaticBufferSizeParamConverter,
-                                         &StaticAmpVTConverter,
-                                         &StaticNVoicesConverter,
-                                         &StaticSusRampIncConverter,
-                                         &StaticXPose8vsConverter,
-                                         &StaticXPoseSemisConverter,
-                                         &StaticXPoseCentsConverter,
-                                         &StaticXPoseARefConverter,
-                                         &StaticVelFreqOffsetConverter,
-                                         &StaticPercentConverter,
-                                         &StaticBipolarPercentConverter,
-                                         &Static300msDelayConverter,
-                                         &Static100msDelayConverter,
-                                         &Static30msDelayConverter,
-                                         &Static5msDelayConverter,
-                                         &Static2msDelayConverter,
-                                         &StaticLFORateConverter,
-                                         &StaticSlowLFORateConverter,
-                                         &StaticBVGainConverter,
-                                         &StaticRVSizeConverter,
-                                         &StaticReleaseConverter,
-                                         &StaticVelocityConverter,
-                                         &Static24dBGainConverter};
-
-// Each with the number of its steps, the first and the last.
+// Each with the number of its steps, the first and the last: those of the parameters, in their
+// order, and some that no parameter has.
 const std::string kRanges =
-    "65535: -32767 to 32767 | 111: -50.0 to 24.0 | 121: 20.0 Hz to 20.0 kHz | 2: Off to On | "
-    "2: Audience to Performer | 2: Equal to Stretch | 3: Small to Large | 61: 0 to 60 | "
-    "40: 4 to 160 | 100: 0.0001 to 0.0100 | 9: -4 to 4 | 23: -11 to 11 | 199: -99 to 99 | "
-    "81: 420.0 to 460.0 | 199: -99 to 99 | 101: 0 to 100 | 201: -100 to 100 | "
-    "3001: 0.0 to 300.0 | 1001: 0.0 to 100.0 | 301: 0.0 to 30.0 | 501: 0.00 to 5.00 | "
-    "201: 0.00 to 2.00 | 401: 0.00 to 4.00 | 201: 0.00 to 2.00 | 25: -6.0 to 6.0 | "
-    "151: 0.50 to 2.00 | 281: 0.20 to 3.00 | 128: 0 to 127 | 97: -24.0 to 24.0 | ";
+    "97: -24.0 to 24.0 | 40: 4 to 160 | 3: Small to Large | 2: Audience to Performer | "
+    "2: Equal to Stretch | 9: -4 to 4 | 23: -11 to 11 | 199: -99 to 99 | 81: 420.0 to 460.0 | "
+    "65535: -32767 to 32767 | 2: Off to On | 2: Off to On | 61: 0 to 60 | 199: -99 to 99 | "
+    "97: -24.0 to 24.0 | 101: 0 to 100 | 281: 0.20 to 3.00 | 2: Off to On | "
+    "65535: -32767 to 32767 | 97: -24.0 to 24.0 | 2: Off to On | 201: -100 to 100 | "
+    "301: 0.0 to 30.0 | 101: 0 to 100 | 401: 0.00 to 4.00 | 201: -100 to 100 | "
+    "121: 20.0 Hz to 20.0 kHz | 2: Off to On | 121: 20.0 Hz to 20.0 kHz | 97: -24.0 to 24.0 | "
+    "121: 20.0 Hz to 20.0 kHz | 97: -24.0 to 24.0 | 2: Off to On | 65535: -32767 to 32767 | "
+    "25: -6.0 to 6.0 | 2: Off to On | 65535: -32767 to 32767 | 201: -100 to 100 | "
+    "151: 0.50 to 2.00 | 1001: 0.0 to 100.0 | 121: 20.0 Hz to 20.0 kHz | 65535: -32767 to 32767 | "
+    "201: -100 to 100 | 128: 0 to 127 | 128: 0 to 127 | 111: -50.0 to 24.0 | 3001: 0.0 to 300.0 | "
+    "501: 0.00 to 5.00 | 201: 0.00 to 2.00 | 100: 0.0001 to 0.0100 | ";
 
 TEST(ParamConverter, EveryStepSurvivesEveryWayThereAndBack) {
   std::string ranges;
-  for (const ParamConverter* converter : kShared) {
+  std::vector all(std::begin(Param_Converters), std::end(Param_Converters));
+  all.insert(all.end(),
+             {&StaticAmpTableParamConverter, &Static300msDelayConverter, &Static5msDelayConverter,
+              &Static2msDelayConverter, &StaticSusRampIncConverter});
+  for (const ParamConverter* converter : all) {
     const long count = converter->rawToIndex(1.0F) + 1;
     ranges += std::to_string(count) + ": " + shown(*converter, 0.0F) + " to " +
               shown(*converter, 1.0F) + " | ";
@@ -95,7 +75,7 @@ TEST(ParamConverter, TypedTextIsReadAlikeUnderEveryLocale) {
     for (const auto& [text, index] : cases)
       EXPECT_EQ(converter->stringToIndex(text), index) << text;
   const std::string digits(400, '9');
-  for (const ParamConverter* converter : kShared)
+  for (const ParamConverter* converter : Param_Converters)
     for (const char* text : {"", "abc", "1.2.3", "nan", "-", ".", "--1", "5-", "1e400", "%",
                              digits.c_str(), "\xFF", static_cast<const char*>(nullptr)})
       EXPECT_EQ(converter->stringToIndex(text), -1) << (text == nullptr ? "null" : text);
