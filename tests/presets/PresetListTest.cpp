@@ -10,7 +10,7 @@
 #include "host/PascalStrings.h"
 #include "host/SystemCalls.h"
 #include "presets/PresetManager.h"
-#include "tests/TestFolder.h"
+#include "tests/PresetFile.h"
 
 namespace cairnset {
 namespace {
@@ -28,15 +28,9 @@ class PresetListTest : public testing::Test, protected TestFolder {
 
   void load() { manager.openAllPresetsOfType(kVelocityMapKind); }
 
-  // A file as the library itself writes it, with a ROM flag and an index.
   void writePreset(const std::string& path, bool rom, std::int32_t index) {
-    const std::string whole = "Presets/Velocity Maps/" + path;
-    const std::string folder = whole.substr(0, whole.rfind('/'));
-    makeFolder(folder);
-    VelocityMapPreset preset(ref(folder), whole.substr(folder.size() + 1).c_str(), true);
-    preset.setROM(rom);
-    preset.setIndex(index);
-    ASSERT_EQ(preset.writeOut(), 0);
+    const PresetFile preset{"Velocity Maps/" + path, rom, static_cast<unsigned>(index)};
+    put(*this, "Presets/" + preset.path, preset.bytes());
   }
 
   std::string shown() {
