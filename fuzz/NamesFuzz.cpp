@@ -3,7 +3,6 @@
 #include "host/Decomposition.h"
 #include "host/NameConversions.h"
 #include "host/Names.h"
-#include "host/PascalStrings.h"
 #include "host/ResultCodes.h"
 #include "host/Utf8.h"
 
@@ -30,7 +29,6 @@ void checkVolumeName(const std::string& name) {
   check(held == heldNameFromUnicode(unicode) && held.find('\0') == held.npos, "held", name);
   check(heldNameFromVolumeName(other) == held, "held alike in both spellings", name);
   check(keyOf(other) == keyOf(name), "ordered alike in both spellings", name);
-  check(fncmpKey(fncmpKey(held)) == fncmpKey(held), "in capitals, and again", name);
 }
 
 // A new name, Mac Roman, to the volume and back, and into a buffer of `size` bytes.

@@ -2,7 +2,6 @@
 #include <cstring>
 #include <functional>
 #include <memory>
-#include <sstream>
 
 #include "presets/EffectsPreset.h"
 #include "presets/PresetComparison.h"
@@ -192,22 +191,6 @@ TEST_F(PresetFileTest, CopiesShareTheIndexAndAreRAM) {
   EXPECT_EQ(std::string(copy.fields.effectsName, 64), padded("Hall", 64));
   EXPECT_FALSE(copy.equalParams(source)) << "the bytes behind the name differ";
   EXPECT_EQ(ProgramPreset(nullptr, source, pascal("\1c"), nullptr).status(), dupFNErr);
-}
-
-TEST_F(PresetFileTest, IsShownWithIndexKindRomMarkAndName) {
-  const auto preset = written("Gr\x8En", kKinds[2]);  // Mac Roman e acute
-  std::ostringstream os;
-  os.width(9);
-  for (const bool rom : {false, true}) {
-    preset->setTreeItemIndex(rom ? 12345 : 7);
-    preset->setROM(rom);
-    preset->printTreeItemInfo(os, 0);
-  }
-  EXPECT_EQ(os.str(), "  7 [Prog]      \"Gr\xC3\xA9n\"12345 [Prog] ROM  \"Gr\xC3\xA9n\"");
-  EXPECT_EQ(os.width(), 9);
-  Str255 name;
-  preset->getListName(name);
-  EXPECT_EQ(std::string(reinterpret_cast<char*>(name), 7), "\6\xA5 Gr\x8En");
 }
 
 TEST(PresetComparison, StepsAndEmptyNames) {
