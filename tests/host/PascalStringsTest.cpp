@@ -30,7 +30,7 @@ TEST(PascalStringsTest, ConvertingAndAppending) {
     CtoPstr(c), PtoCstr(c);
     EXPECT_EQ(c, text.substr(0, 255));
   }
-  constexpr std::size_t cases[][4] = {{3, 4, 7, 7}, {56, 200, 255, 0}, {200, 300, 244, 244}};
+  constexpr std::size_t cases[][4] = {{55, 200, 255, 255}, {56, 200, 255, 0}, {200, 300, 244, 244}};
   for (const auto& [first, second, clamped, wrapped] : cases) {
     const std::string added = std::string(second, 'b'), whole = std::string(first, 'a') + added;
     Pascal appended(std::string(first, 'a')), joined(std::string(first, 'a')), src(added);
