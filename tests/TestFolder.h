@@ -44,9 +44,8 @@ class TestFolder {
 
   FSRef ref(const std::string& name) const {
     FSRef result;
-    if (FSPathMakeRef(path(name).c_str(), &result, nullptr) != noErr) {
+    if (FSPathMakeRef(path(name).c_str(), &result, nullptr) != noErr)
       throw std::runtime_error("no such item: " + name);
-    }
     return result;
   }
 
@@ -74,9 +73,8 @@ class TestFolder {
   /// The names in a folder, sorted.
   std::vector<std::string> list(const std::string& name) const {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(path(name))) {
+    for (const auto& entry : std::filesystem::directory_iterator(path(name)))
       names.push_back(entry.path().filename().string());
-    }
     std::sort(names.begin(), names.end());
     return names;
   }

@@ -59,19 +59,6 @@ TEST(PathStringsTest, ChangedInPlace) {
   }
 }
 
-TEST(PathStringsTest, SystemVersions) {
-  const std::tuple<GestaltAnswers, bool, bool, const char*> cases[] = {
-      {{0x1050, 5}, true, true, nullptr},
-      {{0x1039, 4}, true, false, "Tiger"},
-      {{0x0FFF, 9}, false, false, nullptr},
-      {{{}, {}}, false, false, nullptr}};
-  for (const auto& [answers, isX, isTiger, name] : cases) {
-    gestaltAnswers() = answers;
-    EXPECT_EQ(std::tuple(isRunningOSX(), isRunningTiger()), std::tuple(isX, isTiger));
-    EXPECT_STREQ(getSystemVersionString(), name);
-  }
-}
-
 TEST(TokenizerTest, Steps) {
   // t: getToken; l: skipLine; j: skipJunk. Then the text, the place reached, the token's length.
   const std::tuple<char, std::string, long, long> cases[] = {{'t', "  \"Grand Hall\",x", 3, 10},

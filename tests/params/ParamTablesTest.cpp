@@ -18,43 +18,32 @@ std::string shown(const ParamConverter& converter, float raw) {
   return text;
 }
 
-// Each with the number of its steps, the first and the last.
-const std::tuple<const ParamConverter*, long, const char*, const char*> kShared[] = {
-    {&StaticRawParamConverter, 65535, "-32767", "32767"},
-    {&StaticAmpTableParamConverter, 111, "-50.0", "24.0"},
-    {&StaticFreqTableParamConverter, 121, "20.0 Hz", "20.0 kHz"},
-    {&StaticOnOffParamConverter, 2, "Off", "On"},
-    {&StaticStereoPerspectiveParamConverter, 2, "Audience", "Performer"},
-    {&StaticTuningParamConverter, 2, "Equal", "Stretch"},
-    {&StaticBufferSizeParamConverter, 3, "Small", "Large"},
-    {&StaticAmpVTConverter, 61, "0", "60"},
-    {&StaticNVoicesConverter, 40, "4", "160"},
-    {&StaticSusRampIncConverter, 100, "0.0001", "0.0100"},
-    {&StaticXPose8vsConverter, 9, "-4", "4"},
-    {&StaticXPoseSemisConverter, 23, "-11", "11"},
-    {&StaticXPoseCentsConverter, 199, "-99", "99"},
-    {&StaticXPoseARefConverter, 81, "420.0", "460.0"},
-    {&StaticVelFreqOffsetConverter, 199, "-99", "99"},
-    {&StaticPercentConverter, 101, "0", "100"},
-    {&StaticBipolarPercentConverter, 201, "-100", "100"},
-    {&Static300msDelayConverter, 3001, "0.0", "300.0"},
-    {&Static100msDelayConverter, 1001, "0.0", "100.0"},
-    {&Static30msDelayConverter, 301, "0.0", "30.0"},
-    {&Static5msDelayConverter, 501, "0.00", "5.00"},
-    {&Static2msDelayConverter, 201, "0.00", "2.00"},
-    {&StaticLFORateConverter, 401, "0.00", "4.00"},
-    {&StaticSlowLFORateConverter, 201, "0.00", "2.00"},
-    {&StaticBVGainConverter, 25, "-6.0", "6.0"},
-    {&StaticRVSizeConverter, 151, "0.50", "2.00"},
-    {&StaticReleaseConverter, 281, "0.20", "3.00"},
-    {&StaticVelocityConverter, 128, "0", "127"},
-    {&Static24dBGainConverter, 97, "-24.0", "24.0"}};
+// Each with the number of its steps, the first and the last: those of the parameters, in their
+// order, and some that no parameter has.
+const std::string kRanges =
+    "97: -24.0 to 24.0 | 40: 4 to 160 | 3: Small to Large | 2: Audience to Performer | "
+    "2: Equal to Stretch | 9: -4 to 4 | 23: -11 to 11 | 199: -99 to 99 | 81: 420.0 to 460.0 | "
+    "65535: -32767 to 32767 | 2: Off to On | 2: Off to On | 61: 0 to 60 | 199: -99 to 99 | "
+    "97: -24.0 to 24.0 | 101: 0 to 100 | 281: 0.20 to 3.00 | 2: Off to On | "
+    "65535: -32767 to 32767 | 97: -24.0 to 24.0 | 2: Off to On | 201: -100 to 100 | "
+    "301: 0.0 to 30.0 | 101: 0 to 100 | 401: 0.00 to 4.00 | 201: -100 to 100 | "
+    "121: 20.0 Hz to 20.0 kHz | 2: Off to On | 121: 20.0 Hz to 20.0 kHz | 97: -24.0 to 24.0 | "
+    "121: 20.0 Hz to 20.0 kHz | 97: -24.0 to 24.0 | 2: Off to On | 65535: -32767 to 32767 | "
+    "25: -6.0 to 6.0 | 2: Off to On | 65535: -32767 to 32767 | 201: -100 to 100 | "
+    "151: 0.50 to 2.00 | 1001: 0.0 to 100.0 | 121: 20.0 Hz to 20.0 kHz | 65535: -32767 to 32767 | "
+    "201: -100 to 100 | 128: 0 to 127 | 128: 0 to 127 | 111: -50.0 to 24.0 | 3001: 0.0 to 300.0 | "
+    "501: 0.00 to 5.00 | 201: 0.00 to 2.00 | 100: 0.0001 to 0.0100 | ";
 
 TEST(ParamConverter, EveryStepSurvivesEveryWayThereAndBack) {
-  for (const auto& [converter, count, first, last] : kShared) {
-    EXPECT_EQ(converter->rawToIndex(1.0F) + 1, count) << first << " to " << last;
-    EXPECT_EQ(shown(*converter, 0.0F), first);
-    EXPECT_EQ(shown(*converter, 1.0F), last);
+  std::string ranges;
+  std::vector all(std::begin(Param_Converters), std::end(Param_Converters));
+  all.insert(all.end(),
+             {&StaticAmpTableParamConverter, &Static300msDelayConverter, &Static5msDelayConverter,
+              &Static2msDelayConverter, &StaticSusRampIncConverter});
+  for (const ParamConverter* converter : all) {
+    const long count = converter->rawToIndex(1.0F) + 1;
+    ranges += std::to_string(count) + ": " + shown(*converter, 0.0F) + " to " +
+              shown(*converter, 1.0F) + " | ";
     for (long index = 0; index < count; ++index) {
       char text[kParamDisplaySize];
       converter->indexToDisplay(index, text);
@@ -64,6 +53,7 @@ TEST(ParamConverter, EveryStepSurvivesEveryWayThereAndBack) {
       ASSERT_EQ(converter->stringToIndex(text), index) << text;
     }
   }
+  EXPECT_EQ(ranges, kRanges);
 }
 
 TEST(ParamConverter, TypedTextIsReadAlikeUnderEveryLocale) {
@@ -85,10 +75,10 @@ TEST(ParamConverter, TypedTextIsReadAlikeUnderEveryLocale) {
     for (const auto& [text, index] : cases)
       EXPECT_EQ(converter->stringToIndex(text), index) << text;
   const std::string digits(400, '9');
-  for (const auto& [converter, count, first, last] : kShared)
+  for (const ParamConverter* converter : Param_Converters)
     for (const char* text : {"", "abc", "1.2.3", "nan", "-", ".", "--1", "5-", "1e400", "%",
                              digits.c_str(), "\xFF", static_cast<const char*>(nullptr)})
-      EXPECT_EQ(converter->stringToIndex(text), -1) << last << (text == nullptr ? "null" : text);
+      EXPECT_EQ(converter->stringToIndex(text), -1) << (text == nullptr ? "null" : text);
   std::locale::global(before);
 }
 

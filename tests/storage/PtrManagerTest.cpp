@@ -6,9 +6,8 @@
 #include "storage/PtrManager.h"
 
 namespace cairnset {
-namespace {
 
-void* pointer(std::intptr_t value) {
+static void* pointer(std::intptr_t value) {
   return reinterpret_cast<void*>(value);
 }
 
@@ -62,5 +61,4 @@ TEST(PtrManager, CursorCountsItsStepsAndOutlivesItsEntry) {
   EXPECT_EQ(next(0, -3), 1) << "the last entry, on which a fresh cursor stands, was removed";
 }
 
-}  // namespace
 }  // namespace cairnset

@@ -1,13 +1,10 @@
-// The commands on a session in this process: the menu, those without an option, and writes that
-// fail.
-#include <cerrno>
+// The commands on a session in this process: the menu, and those without an option.
 #include <cstring>
-#include <fcntl.h>
 #include <sstream>
 
 #include "host/SystemCalls.h"
 #include "presets/PresetManager.h"
-#include "tests/tool/ToolTest.h"
+#include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
 #include "tool/Menu.h"
@@ -15,24 +12,6 @@
 
 namespace cairnset {
 namespace {
-
-SystemCalls real;
-std::string fails;  // the preset whose file cannot be written
-int failure = 0;    // and why, if at all: EACCES as it is opened, anything else as it is written
-int writes = 0;
-
-ssize_t countedWrite(int descriptor, const void* bytes, size_t size, off_t offset) {
-  ++writes;
-  const bool ends =
-      failure != 0 && failure != EACCES && static_cast<const char*>(bytes) + 12 == fails;
-  return ends ? (errno = failure, -1) : real.pwrite(descriptor, bytes, size, offset);
-}
-
-int guardedOpen(int folder, const char* path, int flags, mode_t mode) {
-  const bool ends =
-      failure == EACCES && (flags & O_RDWR) != 0 && std::string(path).ends_with(fails);
-  return ends ? (errno = failure, -1) : real.open(folder, path, flags, mode);
-}
 
 struct Redirection {
   std::ios& stream;
@@ -48,30 +27,17 @@ class CommandsTest : public testing::Test, protected TestFolder {
     std::strcpy(path_string, path("lib").c_str());
     TreeItem::_current_index = 0;
     EXPECT_EQ(instantiate(), 0);
-    real = systemCalls();
-    systemCalls().pwrite = countedWrite;
-    systemCalls().open = guardedOpen;
-    writes = failure = 0;
   }
-  ~CommandsTest() override {
-    systemCalls() = real;
-    deinstantiate();
-  }
-
-  void expectFile(PresetFile preset, bool rom) {
-    preset.rom = rom;
-    EXPECT_TRUE(read("lib/Presets/" + preset.path) == preset.bytes()) << preset.path;
-  }
+  ~CommandsTest() override { deinstantiate(); }
 
   // With the folders that are made, "p" is item 12 of the run and its neighbours 11 and 13.
   const std::vector<PresetFile> library = {
       {"Velocity Maps/Default", true}, {"Velocity Maps/v"},        {"Effects/?"},
       {"Effects/Default", true},       {"Programs/Default", true}, {"Programs/p", false, 0, {"?"}},
       {"Programs/q", false, 1, {"?"}}, {"Sessions/Default", true}};
-  std::ostringstream out, err;
+  std::ostringstream out;
   std::istringstream in;
-  const Redirection redirections[3] = {{std::cout, std::cout.rdbuf(out.rdbuf())},
-                                       {std::cerr, std::cerr.rdbuf(err.rdbuf())},
+  const Redirection redirections[2] = {{std::cout, std::cout.rdbuf(out.rdbuf())},
                                        {std::cin, std::cin.rdbuf(in.rdbuf())}};
 };
 
@@ -82,13 +48,6 @@ TEST_F(CommandsTest, MenuRunsNumbersAndEndsAtAllElse) {
       "\t0) Quit\n\n-> ";
   // What is typed, and how each command's output begins.
   const std::pair<const char*, std::vector<const char*>> cases[] = {
-      {"", {}},
-      {"8", {}},
-      {"0\n8\n", {}},
-      {"-1\n8\n", {}},
-      {"12\n8\n", {}},
-      {"x\n8\n", {}},
-      {"99999999999\n8\n", {}},
       {"7\n8 x", {"unrecognized command: 7\n\n", "unrecognized command: 8\n\n"}},
       {"9\n", {"unrecognized command: 9\n\n"}},
       {"1\n", {"Folder: Velocity Maps\n\t  5 [VMap] ROM  \"Default\"\n"}},
@@ -98,13 +57,17 @@ TEST_F(CommandsTest, MenuRunsNumbersAndEndsAtAllElse) {
       {"6\n6\n",
        {"renaming effect \"?\" to \"_\"\n", "Fixing all preset file names has finished.\n\n"}},
       {"4\n", {"Sorting presets has finished.\n\n"}}};
-  for (const auto& [typed, begins] : cases) {
-    SCOPED_TRACE(typed);
+  const auto shownFor = [this](const char* typed) {
     out.str("");
     in.str(typed);
     std::cin.clear();
     EXPECT_EQ(doInteractive(), 0);
-    std::string rest = out.str();
+    return out.str();
+  };
+  for (const char* end : {"", "8", "0\n8\n", "-1\n8\n", "12\n8\n", "x\n8\n", "99999999999\n8\n"})
+    EXPECT_EQ(shownFor(end), menu) << end;
+  for (const auto& [typed, begins] : cases) {
+    std::string rest = shownFor(typed);
     for (const char* begin : begins) {
       EXPECT_TRUE(rest.starts_with(menu + begin)) << rest;
       rest.erase(0, std::min(rest.find(menu, 1), rest.size()));
@@ -115,6 +78,9 @@ TEST_F(CommandsTest, MenuRunsNumbersAndEndsAtAllElse) {
 }
 
 TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
+  static int writes;
+  static const SystemCalls real = systemCalls();
+  systemCalls().pwrite = [](auto... args) { return ++writes, real.pwrite(args...); };
   setROM(nullptr, true);
   for (const auto& [rom, expected] : {std::pair(true, 4), {true, 0}, {false, 8}, {false, 0}}) {
     out.str("");
@@ -123,37 +89,12 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
     EXPECT_EQ(writes, expected);
     EXPECT_EQ(out.str(),
               std::string("Setting all presets to R") + (rom ? "O" : "A") + "M has finished.\n");
-    for (const PresetFile& preset : library)
-      expectFile(preset, rom);
+    for (PresetFile preset : library) {
+      preset.rom = rom;
+      EXPECT_EQ(read("lib/Presets/" + preset.path), preset.bytes()) << preset.path;
+    }
   }
-}
-
-TEST_F(CommandsTest, OneThatCannotBeWrittenIsToldAndTheRestGoesOn) {
-  fails = "p";
-  for (const auto& [error, code] : {std::pair(ENOSPC, "-34"), {EIO, "-36"}, {EACCES, "-54"}}) {
-    failure = error;
-    err.str("");
-    makeAllROM();
-    EXPECT_EQ(err.str(),
-              std::string("### error ") + code + " occurred while writing  12 [Prog] ROM  \"p\"\n");
-    EXPECT_TRUE(_p->findPreset("p")->isROM());
-    for (const PresetFile& preset : library)
-      expectFile(preset, preset.path != "Programs/p");
-    failure = 0;
-    makeAllRAM();
-  }
-}
-
-TEST_F(CommandsTest, ARelinkThatCannotBeWrittenMakesTheStatus20) {
-  fails = "p";
-  failure = ENOSPC;
-  EXPECT_EQ(fixFilenames(), 20);
-  EXPECT_EQ(out.str(),
-            "renaming effect \"?\" to \"_\"\n\t relinking program \"p\"\n"
-            "\t relinking program \"q\"\nFixing all preset file names has finished.\n");
-  EXPECT_EQ(err.str(), "### error -34 occurred while writing  12 [Prog]      \"p\"\n");
-  expectFile(library[5], false);
-  expectFile({"Programs/q", false, 1, {"_"}}, false);
+  systemCalls() = real;
 }
 
 }  // namespace

@@ -35,12 +35,13 @@
 // A PATH is below the library's "Presets", or with "/" in front below the folder that holds "lib".
 // Words with blanks are quoted; %HH is a byte.
 #include <chrono>
-#include <cstdio>
+#include <cstdlib>
 #include <iomanip>
 #include <map>
 #include <sstream>
+#include <sys/wait.h>
 
-#include "tests/tool/ToolTest.h"
+#include "tests/PresetFile.h"
 
 namespace cairnset {
 namespace {
@@ -53,6 +54,16 @@ constexpr const char* kBanner =
 const fs::file_time_type kLongAgo =
     std::chrono::floor<std::chrono::hours>(fs::file_time_type::clock::now()) -
     std::chrono::hours(9);
+
+/// Runs a shell's command line, in which the program is "cairnset", in the folder. Answers its exit
+/// status, or -1.
+int shell(const TestFolder& folder, const std::string& command) {
+  const std::string program = CAIRNSET_PROGRAM;
+  const int status = std::system(("cd '" + folder.path("") + "' && PATH=\"" +
+                                  program.substr(0, program.rfind('/')) + ":$PATH\" && " + command)
+                                     .c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 std::vector<std::string> wordsOf(const std::string& line) {
   std::vector<std::string> words;
@@ -73,25 +84,10 @@ struct Item {
 
   std::string text(const std::string& name) const {
     if (type != kFile) return name + (type == kFolder ? " is a folder\n" : " -> " + bytes + "\n");
-    std::string out = name + ": " + std::to_string(bytes.size()) + (isWritten ? " written" : "");
-    for (std::size_t i = 0; i < std::min(shown, bytes.size()); ++i) {
-      char hex[20];
-      std::snprintf(hex, sizeof hex, " %02X", static_cast<unsigned char>(bytes[i]));
-      if (i % 16 == 0) out += "\n" + name + " from " + std::to_string(i) + ":";
-      out += hex;
-    }
-    return out + "\n";
+    return name + ": " + std::to_string(bytes.size()) + (isWritten ? " written " : " ") +
+           testing::PrintToString(bytes.substr(0, shown)) + "\n";
   }
 };
-
-void expectSame(const std::string& what, const std::string& actual, const std::string& expected) {
-  const auto start = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
-  const std::string same(actual.begin(), start.first);
-  const std::size_t line = same.rfind('\n') + 1;  // npos + 1 is 0
-  EXPECT_TRUE(actual == expected) << what << ", from the first line that differs on:\n"
-                                  << actual.substr(line) << "*** it should be:\n"
-                                  << expected.substr(line);
-}
 
 std::pair<std::string, Item> itemFrom(const std::vector<std::string>& words) {
   const std::string& path = words.at(0);
@@ -177,8 +173,8 @@ class TranscriptTest : public testing::TestWithParam<std::string>, protected Tes
         shell(*this, "export HOME=$PWD XDG_CONFIG_HOME=$PWD/config && { " + run.command + "\n} >'" +
                          output.path("out") + "' 2>'" + output.path("err") + "' </dev/null"),
         run.status);
-    expectSame("standard output", output.read("out"), run.out);
-    expectSame("standard error", output.read("err"), run.err);
+    EXPECT_EQ(output.read("out"), run.out);
+    EXPECT_EQ(output.read("err"), run.err);
     for (const std::string& line : run.changes)
       change(items, line);
     Items actual = look();
@@ -191,7 +187,7 @@ class TranscriptTest : public testing::TestWithParam<std::string>, protected Tes
       item.isWritten = false;
       item.shown = std::string::npos;
     }
-    expectSame("files", actualText, expectedText);
+    EXPECT_EQ(actualText, expectedText);
     items = actual;
   }
 };

@@ -1,9 +1,5 @@
-// What the tests of the command line share: preset files, made from the file format alone so that
-// the program does not vouch for itself, and running the program.
+// Preset files, made from the file format alone so that the program does not vouch for itself.
 #pragma once
-
-#include <cstdlib>
-#include <sys/wait.h>
 
 #include "tests/TestFolder.h"
 
@@ -22,9 +18,8 @@ inline const KindFormat& formatOf(const std::string& path) {
                                           {"Effects", "Effx", 0, 63, 63},
                                           {"Programs", "Prog", 1, 108, 172},
                                           {"Sessions", "Sess", 2, 150, 150}};
-  for (const KindFormat& kind : kKinds) {
+  for (const KindFormat& kind : kKinds)
     if (path.substr(0, path.find('/')) == kind.folder) return kind;
-  }
   throw std::runtime_error("in no kind's folder: " + path);
 }
 
@@ -49,7 +44,7 @@ struct PresetFile {
     for (std::size_t i = 0; i < kind.references; ++i)
       payload += field(i < references.size() ? references[i] : "Default");
     while (payload.size() < kind.payload)
-      payload += static_cast<char>('!' + payload.size() % 64);  // no float of these is a NaN
+      payload += static_cast<char>('!' + payload.size() % 61);  // no float of these is a NaN
     return std::string("OlPs") + kind.code + big(93 + kind.payload) + field(name) +
            std::string(8, '\0') + (rom ? '\1' : '\0') + big(index) + big(kind.declared) + payload;
   }
@@ -62,16 +57,6 @@ inline void put(const TestFolder& folder, const std::string& name, const std::st
 }
 inline void put(const TestFolder& folder, const PresetFile& preset) {
   put(folder, "lib/Presets/" + preset.path, preset.bytes());
-}
-
-/// Runs a shell's command line, in which the program is "cairnset", in the folder. Answers its exit
-/// status, or -1.
-inline int shell(const TestFolder& folder, const std::string& command) {
-  const std::string program = CAIRNSET_PROGRAM;
-  const int status = std::system(("cd '" + folder.path("") + "' && PATH=\"" +
-                                  program.substr(0, program.rfind('/')) + ":$PATH\" && " + command)
-                                     .c_str());
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 }  // namespace cairnset
