@@ -17,9 +17,9 @@ TEST(Keysets, LookUpsAndRows) {
   for (const int id : {-32767, -4, 96, 201, 429, 566, 5}) {
     const char* name = findKeysetNameWithID(id);
     found += (name != nullptr ? name : "none") + std::string(" ");
-    for (const long part : {long{findInstrumentIDWithKeysetID(id)},
-                            long{getProductIDFromKeysetID(id)}, long{getFormFromKeysetID(id)}})
-      found += std::to_string(part);
+    found += std::to_string(findInstrumentIDWithKeysetID(id));
+    found += std::to_string(getProductIDFromKeysetID(id));
+    found += std::to_string(getFormFromKeysetID(id));
     found += ", ";
   }
   EXPECT_EQ(found,
