@@ -124,9 +124,10 @@ OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* 
 using FSIterator = std::uint32_t;
 
 /// Reads the whole listing of a folder, in the order of host/Names.h's sort keys, folders, files
-/// and aliases together; FIFOs, sockets and devices are left out, so that nobody opens one. The
-/// iterator holds no descriptor, and once it has come to its end next to no memory, so that one
-/// which is never closed does no harm. A listing that fails half-way is an error.
+/// and aliases together; FIFOs, sockets and devices are left out, so that nobody opens one. Of all
+/// iterators only the one listed or asked last keeps its folder's descriptor, for the opening of
+/// its files, and lets it go at its end or when anything is renamed; next to no memory is left then
+/// either. So one that is never closed does no harm. A listing that fails half-way is an error.
 OSErr FSOpenIterator(const FSRef* folder, std::uint32_t flags, FSIterator* iterator);
 
 /// Answers up to `maximum` further items. `infos` and `refs` may be null; of the infos only

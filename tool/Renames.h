@@ -45,8 +45,8 @@ struct Rename {
 using Failures = std::map<std::size_t, std::string>;
 
 /// Renames, and makes all referrers name the new names. That a rename fails is not noticed, and the
-/// references are rewritten all the same. All referrers must be of one kind, of which
-/// none is itself renamed.
+/// references are rewritten all the same. Meant so: the tool has always behaved like this, and what
+/// was broken shows in -d. All referrers must be of one kind, of which none is itself renamed.
 void renameAll(const std::vector<Rename*>& renames, Failures& failures);
 
 }  // namespace cairnset
