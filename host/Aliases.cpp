@@ -85,7 +85,7 @@ OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* 
   if (const OSErr result = volumeNameIn(*folder, length, name, volumeName); result != noErr) {
     return result;
   }
-  const Location place(*folder, volumeName);
+  const Location place(*folder, volumeName, Location::By::kOwnFolder);
   if (place.status() != noErr) return place.status();
   const std::string path = nodes().path(target->node);
   if (systemCalls().symlink(path.c_str(), place.folder(), place.path()) != 0) {

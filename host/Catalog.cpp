@@ -193,14 +193,13 @@ OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, const FSCata
   const Location place(*ref);
   if (place.status() != noErr) return place.status();
   if ((which & kFSCatInfoCreateDate) == 0) return noErr;
-  if (!place.isAbsolute()) return bdNamErr;
   unsigned char bytes[8];
   for (std::size_t i = 0; i < sizeof bytes; ++i) {
     bytes[i] = static_cast<unsigned char>(info->createDate >> (56 - 8 * i));
   }
-  return systemCalls().setAttribute(place.path(), kCreationDateAttribute, bytes, sizeof bytes) == 0
-             ? noErr
-             : failureAt(*ref, errno);
+  return callOnOpenItem(*ref, [&](int descriptor) {
+    return systemCalls().setAttribute(descriptor, kCreationDateAttribute, bytes, sizeof bytes);
+  });
 }
 
 OSErr FSMakeFSRefUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
@@ -210,7 +209,7 @@ OSErr FSMakeFSRefUnicode(const FSRef* folder, std::size_t length, const UniChar*
     return result;
   }
   {
-    const Location place(*folder, volumeName);
+    const Location place(*folder, volumeName, Location::By::kPath);
     if (place.status() != noErr) return place.status();
     struct stat info;
     if (systemCalls().lstat(place.folder(), place.path(), &info) != 0) {

@@ -33,15 +33,23 @@ std::string sortKeyOf(const Location& place) {
   return key;
 }
 
+FSRef folderOf(const FSRef& ref) {
+  FSRef folder;
+  placeOf(ref, &folder, nullptr);
+  return folder;
+}
+
 // One item's way from one place to another.
 struct Move {
   FSRef fromFolder, toFolder;
   Location from, to;
 
   Move(const FSRef& ref, const FSRef& newFolder, std::string_view newName)
-      : toFolder(newFolder), from(ref), to(newFolder, newName) {
-    placeOf(ref, &fromFolder, nullptr);
-  }
+      : fromFolder(folderOf(ref)),
+        toFolder(newFolder),
+        from(ref, Location::By::kOwnFolder),
+        to(fromFolder == toFolder ? Location(from, newName)
+                                  : Location(toFolder, newName, Location::By::kOwnFolder)) {}
   OSErr status() const { return from.status() != noErr ? from.status() : to.status(); }
 };
 
@@ -147,7 +155,6 @@ OSErr moveItem(const FSRef& ref, const FSRef& newFolder, const std::string& newN
 OSErr moveToFolder(const FSRef& ref, const FSRef& folder, OSErr (*way)(const Move&),
                    FSRef* newRef) {
   if (!placeOf(ref, nullptr, nullptr)) return errFSBadFSRef;
-  if (const OSErr result = requireFolder(folder); result != noErr) return result;
   return moveItem(ref, folder, std::string(nodes().name(ref.node)), way, newRef);
 }
 
@@ -156,12 +163,11 @@ template <typename Make>
 OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef* ref,
              FSSpec* fsSpec, Make make) {
   std::string volumeName;
-  if (const OSErr result = volumeNameIn(folder, length, name, volumeName); result != noErr) {
-    return result;
-  }
+  const OSErr named = volumeNameFromUnicode({name, length}, volumeName);
   {
-    const Location place(folder, volumeName);
+    const Location place(folder, volumeName, Location::By::kOwnFolder);
     if (place.status() != noErr) return place.status();
+    if (named != noErr) return named;
     if (const OSErr result = make(place); result != noErr) return result;
   }
   const FSRef made{nodes().intern(folder.node, volumeName)};
@@ -174,18 +180,6 @@ OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef
 OSErr makeDirectory(const Location& place) {
   return systemCalls().mkdir(place.folder(), place.path(), 0777) == 0 ? noErr
                                                                       : resultFromErrno(errno);
-}
-
-OSErr flushThrough(const FSRef& ref, int (*flush)(int descriptor)) {
-  const Location place(ref);
-  if (place.status() != noErr) return place.status();
-  SystemCalls& calls = systemCalls();
-  const int descriptor =
-      calls.open(place.folder(), place.path(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0);
-  if (descriptor < 0) return failureAt(ref, errno);
-  const OSErr result = flush(descriptor) == 0 ? noErr : resultFromErrno(errno);
-  calls.close(descriptor);
-  return result;
 }
 
 }  // namespace
@@ -248,7 +242,7 @@ OSErr FSMoveObjectReplacing(const FSRef* ref, const FSRef* folder, FSRef* newRef
 }
 
 OSErr FSDeleteObject(const FSRef* ref) {
-  const Location place(*ref);
+  const Location place(*ref, Location::By::kOwnFolder);
   if (place.status() != noErr) return place.status();
   if (systemCalls().unlink(place.folder(), place.path(), 0) != 0) {
     const int error = errno;  // EISDIR or EPERM for a folder, by system
@@ -265,7 +259,7 @@ OSErr FSDeleteObject(const FSRef* ref) {
 }
 
 OSErr FSFlushObject(const FSRef* ref) {
-  return flushThrough(*ref, [](int descriptor) {
+  return callOnOpenItem(*ref, [](int descriptor) {
     if (systemCalls().flush(descriptor) == 0) return 0;
     const bool hasNone =
         errno == EINVAL || errno == ENOSYS || errno == ENOTSUP || errno == EOPNOTSUPP;
@@ -274,7 +268,7 @@ OSErr FSFlushObject(const FSRef* ref) {
 }
 
 OSErr FSFlushVolume(const FSRef* ref) {
-  return flushThrough(*ref, systemCalls().flushVolume);
+  return callOnOpenItem(*ref, systemCalls().flushVolume);
 }
 
 }  // namespace cairnset

@@ -64,7 +64,7 @@ OpenFile& unusedFile() {
 }
 
 OSErr openFile(const FSRef& ref, std::int8_t permissions, OpenFile*& out) {
-  const Location place(ref, Location::By::kOpenFolder);
+  const Location place(ref, Location::By::kKeptFolder);
   if (place.status() != noErr) return place.status();
   SystemCalls& calls = systemCalls();
   const int access = permissions == fsRdPerm   ? O_RDONLY

@@ -33,7 +33,7 @@ struct KeptFolder {
 KeptFolder kept;
 
 int openFolder(int folder, const char* path) {
-  return systemCalls().open(folder, path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+  return systemCalls().open(folder, path, kToFindIn | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
 }
 
 }  // namespace
@@ -71,12 +71,17 @@ Location::Location(const FSRef& ref, By by) : _folder(AT_FDCWD) {
   }
 }
 
-Location::Location(const FSRef& folder, std::string_view volumeName) : _folder(AT_FDCWD) {
+Location::Location(const FSRef& folder, std::string_view volumeName, By by) : _folder(AT_FDCWD) {
   if (!NodeTable::shared().contains(folder.node)) {
     _status = errFSBadFSRef;
   } else {
-    locate(folder.node, volumeName, By::kPath);
+    locate(folder.node, volumeName, by);
   }
+}
+
+Location::Location(const Location& sibling, std::string_view volumeName)
+    : _status(sibling._status), _folder(sibling._folder) {
+  putName(0, volumeName);
 }
 
 Location::~Location() {
@@ -84,26 +89,26 @@ Location::~Location() {
 }
 
 void Location::locate(std::uint32_t folder, std::string_view name, By by) {
-  if (by == By::kOpenFolder && folder == kept.node && kept.descriptor >= 0) {
+  std::size_t start = 0;
+  if (by == By::kKeptFolder && folder == kept.node && kept.descriptor >= 0) {
     _folder = kept.descriptor;
-    std::memcpy(_path, name.data(), name.size());
-    _path[name.size()] = '\0';
-    return;
-  }
-  const std::string& path = folderPath(folder);
-  std::size_t length = 0;
-  if (path.size() + name.size() + 2 <= sizeof _path) {
-    if (folder != NodeTable::kRoot) {
-      std::memcpy(_path, path.data(), path.size());
-      length = path.size();
-    }
-    _path[length++] = '/';
-  } else {
+  } else if (const std::string& path = folderPath(folder);
+             by == By::kOwnFolder || path.size() + name.size() + 2 > sizeof _path) {
     openStretches(path);
     if (_status != noErr) return;
+  } else {
+    if (folder != NodeTable::kRoot) {
+      std::memcpy(_path, path.data(), path.size());
+      start = path.size();
+    }
+    _path[start++] = '/';
   }
-  std::memcpy(_path + length, name.data(), name.size());
-  _path[length + name.size()] = '\0';
+  putName(start, name);
+}
+
+void Location::putName(std::size_t start, std::string_view name) {
+  std::memcpy(_path + start, name.data(), name.size());
+  _path[start + name.size()] = '\0';
 }
 
 void Location::openStretches(std::string_view folderPath) {
@@ -112,8 +117,7 @@ void Location::openStretches(std::string_view folderPath) {
     if (stretch.size() >= sizeof _path) {
       stretch = stretch.substr(0, stretch.substr(0, sizeof _path - 1).rfind('/'));
     }
-    std::memcpy(_path, stretch.data(), stretch.size());
-    _path[stretch.size()] = '\0';
+    putName(0, stretch);
     const int next = openFolder(_folder, _path);
     const int error = errno;
     if (_descriptor >= 0) systemCalls().close(_descriptor);
@@ -156,6 +160,18 @@ OSErr failureAt(const FSRef& ref, int error) {
   if (error != ENOENT) return resultFromErrno(error);
   const FSRef folder{NodeTable::shared().folder(ref.node)};
   return requireFolder(folder) == noErr ? fnfErr : dirNFErr;
+}
+
+OSErr callOnOpenItem(const FSRef& ref, const std::function<int(int descriptor)>& call) {
+  const Location place(ref);
+  if (place.status() != noErr) return place.status();
+  SystemCalls& calls = systemCalls();
+  const int descriptor =
+      calls.open(place.folder(), place.path(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0);
+  if (descriptor < 0) return failureAt(ref, errno);
+  const OSErr result = call(descriptor) == 0 ? noErr : resultFromErrno(errno);
+  calls.close(descriptor);
+  return result;
 }
 
 }  // namespace cairnset

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdint>
 #include <dirent.h>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -21,13 +22,19 @@ class Location {
   /// How a place may be given.
   enum class By {
     kPath,        // the absolute path wherever the system takes it
-    kOpenFolder,  // by the name alone where the folder that the place is in is kept open
+    kKeptFolder,  // by the name alone where the folder that the place is in is kept open
+    // By the name alone, in its folder, which this object opens. For every change by another call
+    // than open: those follow the links that somebody may have swapped the folders above for.
+    kOwnFolder,
   };
 
   /// The place of a node.
   explicit Location(const FSRef& ref, By by = By::kPath);
   /// The place called `volumeName` in a folder; interns nothing.
-  Location(const FSRef& folder, std::string_view volumeName);
+  Location(const FSRef& folder, std::string_view volumeName, By by);
+  /// The place called `volumeName` beside one that has a folder of its own, which serves both and
+  /// must live as long.
+  Location(const Location& sibling, std::string_view volumeName);
   ~Location();
   Location(const Location&) = delete;
   Location& operator=(const Location&) = delete;
@@ -42,6 +49,7 @@ class Location {
 
  private:
   void locate(std::uint32_t folder, std::string_view name, By by);
+  void putName(std::size_t start, std::string_view name);
   void openStretches(std::string_view folderPath);
 
   OSErr _status = noErr;
@@ -74,6 +82,9 @@ OSErr volumeNameIn(const FSRef& folder, std::size_t length, const UniChar* name,
 /// The result code of a failed call on the item at `ref`, telling a missing item (fnfErr) from a
 /// missing folder (dirNFErr).
 OSErr failureAt(const FSRef& ref, int error);
+
+/// Opens the item for one call on its descriptor, which answers -1 and errno where it fails.
+OSErr callOnOpenItem(const FSRef& ref, const std::function<int(int descriptor)>& call);
 
 /// For after a place was renamed, moved or deleted. The forks that are open on it, or on any place
 /// within it, become strangers to it: whoever opens the place again must not be handed the old

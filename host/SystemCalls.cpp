@@ -4,8 +4,14 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <stdlib.h>
+#include <string>
+#include <string_view>
 #include <sys/xattr.h>
 #include <unistd.h>
+#if __has_include(<linux/openat2.h>)
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#endif
 
 namespace cairnset {
 
@@ -22,8 +28,56 @@ int untilDone(Call call) {
   return result;
 }
 
+int openByName(int folder, const char* name, int flags, mode_t mode) {
+  return untilDone([=] { return ::openat(folder, name, flags | O_NOFOLLOW, mode); });
+}
+
+// One folder after the other, for systems that cannot be told to follow no link.
+int openStepByStep(int folder, std::string_view path, int flags, mode_t mode) {
+  constexpr int kStep = kToFindIn | O_DIRECTORY | O_CLOEXEC;
+  int at = -1;
+  if (path.front() == '/') {
+    folder = at = openByName(AT_FDCWD, "/", kStep, 0);
+    path.remove_prefix(1);
+    if (at < 0 || path.empty()) return at;
+  }
+  for (;;) {
+    const std::size_t slash = path.find('/');
+    const bool isLast = slash == std::string_view::npos;
+    const std::string name(path.substr(0, slash));
+    const int next = isLast ? openByName(folder, name.c_str(), flags, mode)
+                            : openByName(folder, name.c_str(), kStep, 0);
+    const int error = errno;
+    if (at >= 0) ::close(at);
+    errno = error;
+    if (isLast || next < 0) return next;
+    folder = at = next;
+    path.remove_prefix(slash + 1);
+  }
+}
+
 int openFile(int folder, const char* path, int flags, mode_t mode) {
-  return untilDone([=] { return ::openat(folder, path, flags, mode); });
+  if (std::string_view(path).find('/') == std::string_view::npos) {
+    return openByName(folder, path, flags, mode);
+  }
+#if defined(SYS_openat2)
+  struct open_how how = {};
+  how.flags = static_cast<unsigned>(flags | O_LARGEFILE);
+  how.mode = (flags & O_CREAT) != 0 ? mode : 0;
+  how.resolve = RESOLVE_NO_SYMLINKS;
+  static bool isKnown = true;
+  if (isKnown) {
+    const int descriptor = untilDone(
+        [&] { return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)); });
+    // Where a sandbox forbids the unknown, EPERM says it.
+    if (descriptor >= 0 || (errno != ENOSYS && errno != EPERM)) return descriptor;
+    isKnown = errno == EPERM;
+  }
+#elif defined(O_NOFOLLOW_ANY)
+  return untilDone(
+      [=] { return ::openat(folder, path, (flags & ~O_NOFOLLOW) | O_NOFOLLOW_ANY, mode); });
+#endif
+  return openStepByStep(folder, path, flags, mode);
 }
 
 int makeFolder(int folder, const char* path, mode_t mode) {
@@ -96,11 +150,11 @@ ssize_t getAttribute(const char* path, const char* name, void* value, size_t siz
 #endif
 }
 
-int setAttribute(const char* path, const char* name, const void* value, size_t size) {
+int setAttribute(int descriptor, const char* name, const void* value, size_t size) {
 #if defined(__APPLE__)
-  return ::setxattr(path, name, value, size, 0, XATTR_NOFOLLOW);
+  return ::fsetxattr(descriptor, name, value, size, 0, 0);
 #else
-  return ::lsetxattr(path, name, value, size, 0);
+  return ::fsetxattr(descriptor, name, value, size, 0);
 #endif
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/types.h>
@@ -15,7 +16,10 @@
 namespace cairnset {
 
 struct SystemCalls {
-  int (*open)(int folder, const char* path, int flags, mode_t mode);  // openat
+  /// openat, which follows no link anywhere on the way: ELOOP or ENOTDIR where one is met. Folders
+  /// above the file can be swapped for links by others at any moment, and a path that was free of
+  /// them when it was listed may not be now.
+  int (*open)(int folder, const char* path, int flags, mode_t mode);
   int (*close)(int descriptor);
   int (*fstat)(int descriptor, struct stat* out);
   ssize_t (*pread)(int descriptor, void* buffer, size_t count, off_t offset);
@@ -37,9 +41,10 @@ struct SystemCalls {
   struct dirent* (*readdir)(DIR* listing);
   int (*closedir)(DIR* listing);
   /// An extended attribute of the item itself: the number of bytes got, or -1; ENODATA where the
-  /// item has none of that name, ENOTSUP where the volume has no such attributes.
+  /// item has none of that name, ENOTSUP where the volume has no such attributes. Set by descriptor
+  /// since, as with open, whatever changes something must not go through a link.
   ssize_t (*getAttribute)(const char* path, const char* name, void* value, size_t size);
-  int (*setAttribute)(const char* path, const char* name, const void* value, size_t size);
+  int (*setAttribute)(int descriptor, const char* name, const void* value, size_t size);
   /// The item's birth time in whole seconds and nanoseconds since 1970; ENOTSUP where the volume
   /// keeps none.
   int (*birthTime)(int folder, const char* path, struct timespec* out);
@@ -49,6 +54,16 @@ struct SystemCalls {
   /// The same for the whole volume that it lies on (syncfs); ENOSYS where the system cannot.
   int (*flushVolume)(int descriptor);
 };
+
+/// The flag of open for a folder that only serves to find things in: no permission to list it is
+/// needed where the system knows such a way.
+#if defined(O_PATH)
+constexpr int kToFindIn = O_PATH;
+#elif defined(O_SEARCH)
+constexpr int kToFindIn = O_SEARCH;
+#else
+constexpr int kToFindIn = O_RDONLY;
+#endif
 
 /// The table in use. A test may change its members, and puts them back.
 SystemCalls& systemCalls();

@@ -86,7 +86,7 @@ TEST_F(ChangesTest, CaseAloneIsNoCollision) {
     take({way.rename != 0 ? way.rename : EEXIST, way.link != 0 ? way.link : EEXIST});
     systemCalls().lstat = [](int folder, const char* name, struct stat* out) {
       int result = ::fstatat(folder, name, out, AT_SYMLINK_NOFOLLOW);
-      if (std::string other = name; result != 0 && other.ends_with("/wARM")) {
+      if (std::string other = name; result != 0 && other.ends_with("wARM")) {
         other.replace(other.size() - 4, 4, "Warm");
         result = ::fstatat(folder, other.c_str(), out, AT_SYMLINK_NOFOLLOW);
       }

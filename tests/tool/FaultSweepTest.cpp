@@ -1,8 +1,10 @@
 // Every file operation of every changing command fails once, in each of its ways. Whatever comes of
-// it, a preset file is as it was or as it was meant to become, and none is gone.
+// it, a preset file is as it was or as it was meant to become, and none is gone. And before every
+// operation someone swaps a folder for a link: nothing that it leads to is opened or changed.
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
 #include <set>
 #include <sstream>
 #include <tuple>
@@ -29,6 +31,13 @@ long operations, failsAt, injected;
 std::size_t way;
 bool isLastWay, failsNext;
 
+// What comes before an operation in place of a fault: one of these folders becomes a link to
+// another of its kind, of which no item may ever be opened.
+constexpr const char* kSwapped[] = {"lib/Presets", "lib/Presets/Programs"};
+std::function<void()> swap;
+std::set<ino_t> forbidden;
+bool isForbiddenOpened;
+
 // With kDone the operation is done, and fails all the same.
 template <auto kMember, bool kDone = false, typename Result, typename... Args>
 void guard(Result (*&call)(Args...), std::vector<int> waysToFail) {
@@ -42,8 +51,8 @@ void guard(Result (*&call)(Args...), std::vector<int> waysToFail) {
       error = ways.front();
     } else if (++operations == failsAt) {
       ++injected;
-      isLastWay = way + 1 == ways.size();
-      error = ways[way];
+      isLastWay = way + 1 == (swap ? std::size(kSwapped) : ways.size());
+      swap ? swap() : void(error = ways[way]);
     }
     if (error == 0) return real(args...);
     // Where ssize_t is an int, only the offset tells the reads and writes from the other calls.
@@ -85,6 +94,15 @@ void guardAll(bool hasLinks) {
   guard<&S::closedir, true>(s.closedir, {EIO});
   guard<&S::flush>(s.flush, {EIO, ENOSPC});
   guard<&S::flushVolume>(s.flushVolume, {EIO, ENOSYS});
+  static decltype(s.open) open;
+  open = s.open;
+  s.open = [](int folder, const char* path, int flags, mode_t mode) {
+    const int descriptor = open(folder, path, flags, mode);
+    struct stat info;
+    if (descriptor >= 0 && ::fstat(descriptor, &info) == 0)
+      isForbiddenOpened |= forbidden.contains(info.st_ino);
+    return descriptor;
+  };
 }
 
 const std::string kBad = "?" + std::string(50, 'x') + "?";  // a reference to it cannot tear unseen
@@ -167,9 +185,11 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
       const auto* preset = std::find_if(
           std::begin(kLibrary), std::end(kLibrary),
           [&](const auto& p) { return identity(p.path) == identity(name) && isIntact(bytes, p); });
-      const bool isNewDefault = (name == "Velocity Maps/Default" || name == "Sessions/Default") &&
-                                (bytes.empty() || bytes.size() == PresetFile{name}.bytes().size());
-      EXPECT_TRUE(preset != std::end(kLibrary) || isNewDefault) << name << " was harmed";
+      // What is made again may stay empty where its folder is no longer to be found.
+      const bool isMadeAnew = (name == "Velocity Maps/Default" || name == "Sessions/Default" ||
+                               (swap && name == kLost)) &&
+                              (bytes.empty() || bytes.size() == PresetFile{name}.bytes().size());
+      EXPECT_TRUE(preset != std::end(kLibrary) || isMadeAnew) << name << " was harmed";
       found.insert(preset);
     }
     for (const PresetFile& preset : kLibrary) {
@@ -206,12 +226,59 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
     if (!failsLoad) operations = 0;
     const int status = isLoaded ? command.run() : 0;
     operations = failsAt;  // what follows is no part of it
+    putBack();
     std::cout.rdbuf(before.first);
     std::cerr.rdbuf(before.second);
     if (isLoaded && command.reports) expectTold(err.str());
     const bool isTold = err.str().find("### error") != std::string::npos;
     EXPECT_EQ(status == 20, command.name == "-z" && isTold);
     deinstantiate();
+  }
+
+  // Undoes the swap, if there was one.
+  void putBack() const {
+    if (!exists("aside")) return;
+    fs::remove(path(kSwapped[way]));
+    fs::rename(path("aside"), path(kSwapped[way]));
+  }
+
+  // The paths and bytes of all that lies in a folder.
+  std::string everything(const std::string& folder) const {
+    std::string text;
+    for (const std::string& name : list(folder))
+      text += name + '=' +
+              (fs::is_directory(path(folder + "/" + name)) ? everything(folder + "/" + name)
+                                                           : read(folder + "/" + name)) +
+              '\n';
+    return text;
+  }
+
+  void sweep() {
+    std::strcpy(path_string, path("lib").c_str());
+    const auto refuse = [](int, const char*, int, const char*) { return errno = ENOTSUP, -1; };
+    const long open = descriptors();
+    injected = 0;
+    for (const Command& command : kCommands) {
+      for (int volume = 1; volume <= command.volumes; ++volume) {
+        systemCalls() = _real;
+        if (volume > 1) systemCalls().renameNoReplace = refuse;
+        if (volume > 2) systemCalls().link = refuse;
+        guardAll(volume <= 2);
+        long before = -1;
+        for (failsAt = 1; injected != before && !HasFailure(); ++failsAt) {
+          before = injected;
+          for (way = 0, isLastWay = false; !isLastWay; ++way) {
+            SCOPED_TRACE(command.name + " on volume " + std::to_string(volume) + ", operation " +
+                         std::to_string(failsAt) + ", way " + std::to_string(way));
+            makeLibrary();
+            isLastWay = true;
+            run(command, command.failsLoad && volume == 1);
+            expectNoHarm(command);
+            EXPECT_EQ(descriptors(), open);
+          }
+        }
+      }
+    }
   }
 
   static long descriptors() {
@@ -225,31 +292,28 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
 };
 
 TEST_F(FaultSweepTest, NoFaultHarmsAPreset) {
-  std::strcpy(path_string, path("lib").c_str());
-  const auto refuse = [](int, const char*, int, const char*) { return errno = ENOTSUP, -1; };
-  const long open = descriptors();
-  for (const Command& command : kCommands) {
-    for (int volume = 1; volume <= command.volumes; ++volume) {
-      systemCalls() = _real;
-      if (volume > 1) systemCalls().renameNoReplace = refuse;
-      if (volume > 2) systemCalls().link = refuse;
-      guardAll(volume <= 2);
-      long before = -1;
-      for (failsAt = 1; injected != before && !HasFailure(); ++failsAt) {
-        before = injected;
-        for (way = 0, isLastWay = false; !isLastWay; ++way) {
-          SCOPED_TRACE(command.name + " on volume " + std::to_string(volume) + ", operation " +
-                       std::to_string(failsAt) + ", way " + std::to_string(way));
-          makeLibrary();
-          isLastWay = true;
-          run(command, command.failsLoad && volume == 1);
-          expectNoHarm(command);
-          EXPECT_EQ(descriptors(), open);
-        }
-      }
-    }
-  }
+  sweep();
   std::cout << injected << " faults injected\n";
+}
+
+TEST_F(FaultSweepTest, NoSwappedFolderLeadsOutOfTheLibrary) {
+  makeLibrary();
+  fs::copy(path("lib"), path("other"), fs::copy_options::recursive);
+  for (const auto& entry : fs::recursive_directory_iterator(path("other"))) {
+    struct stat info;
+    ASSERT_EQ(::lstat(entry.path().c_str(), &info), 0);
+    forbidden.insert(info.st_ino);
+  }
+  const std::string before = everything("other");
+  swap = [this] {
+    const std::string folder = kSwapped[way];
+    fs::rename(path(folder), path("aside"));
+    fs::create_directory_symlink(path("other" + folder.substr(3)), path(folder));
+  };
+  sweep();
+  swap = nullptr;
+  EXPECT_FALSE(isForbiddenOpened);
+  EXPECT_EQ(everything("other"), before);
 }
 
 }  // namespace
