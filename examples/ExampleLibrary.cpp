@@ -26,6 +26,7 @@ using words::Place;
 
 constexpr std::size_t kPresetsInASmallFolder = 20;
 constexpr std::size_t kReferrersOfABadName = 20;
+constexpr std::size_t kMostBadNames = 1000;
 
 enum KindNumber : std::size_t { kVelocityMaps, kEffects, kPrograms, kSessions };
 
@@ -72,7 +73,8 @@ std::array<std::size_t, 4> shares(LibraryShape shape, std::size_t count) {
     case LibraryShape::kOneHub:
       return {1, 1, (count - 2) / 2, count - 2 - (count - 2) / 2};
     case LibraryShape::kBadNames: {
-      const std::size_t bad = std::max<std::size_t>(count / (kReferrersOfABadName + 1), 1);
+      const std::size_t bad =
+          std::clamp<std::size_t>(count / (kReferrersOfABadName + 1), 1, kMostBadNames);
       return {0, bad, count - bad, 0};
     }
     default: {
@@ -120,7 +122,10 @@ std::string upperCase(std::string name) {
 }
 
 std::string folderFor(LibraryShape shape, const Place& place, std::size_t n) {
-  if (isOneFolder(shape) || (shape == LibraryShape::kTypical && n % 50 == 2)) return "";
+  if (isOneFolder(shape) || (shape == LibraryShape::kTypical && n % 50 == 2) ||
+      (shape == LibraryShape::kLoose && n % 15 < 4)) {
+    return "";  // of all but the sessions, which are never sorted, 4 in 15 are one in 5 of all
+  }
   switch (shape) {
     case LibraryShape::kManySmall:
       return numbered("Set %05zu", n / kPresetsInASmallFolder);
@@ -332,7 +337,8 @@ class Writer {
       return n % 1000 == 1 ? to.presets[1].name : upperCase(to.presets[1].name);
     }
     if (_shape == LibraryShape::kBadNames) {
-      return to.presets[to.rejected[(n - 1) / kReferrersOfABadName % to.rejected.size()]].name;
+      const std::size_t turn = (n - 1) / kReferrersOfABadName;
+      return to.presets[turn < to.rejected.size() ? to.rejected[turn] : 0].name;
     }
     if (_shape == LibraryShape::kTypical) {
       if (n % 50 == 4) {

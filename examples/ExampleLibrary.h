@@ -20,13 +20,14 @@ enum class LibraryShape {
   kSameName,        // all of a kind of one name, each in its own folder
   kOneHub,          // all refer to one preset
   kDefaults,        // all named "Default", with other capitals, each in its own folder
-  kBadNames,        // names that Windows rejects, each referred to by 20 programs
+  kBadNames,        // up to 1,000 names that Windows rejects, each referred to by 20 programs
+  kLoose,           // as typical, with one preset in five to be sorted into folders
 };
 
 /// Their names, in the order of the enumeration.
-inline constexpr std::array<std::string_view, 9> kLibraryShapes = {
+inline constexpr std::array<std::string_view, 10> kLibraryShapes = {
     "typical",   "few-large", "many-small", "equal-indices", "reverse-indices",
-    "same-name", "one-hub",   "defaults",   "bad-names"};
+    "same-name", "one-hub",   "defaults",   "bad-names",     "loose"};
 
 std::optional<LibraryShape> libraryShapeNamed(std::string_view name);
 
