@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstring>
+#include <random>
+#include <sstream>
 #include <sys/resource.h>
 #include <utility>
 
@@ -29,29 +31,19 @@ TEST_F(FileManagerTest, ErrnoBecomesAResultCode) {
     EXPECT_EQ(resultFromErrno(error), code) << std::strerror(error);
 }
 
-// What the seam lists: the entries turned round, or their kinds kept back, or some and an error.
-struct Listing {
-  static inline std::vector<struct dirent> entries;
-  static inline std::size_t failAfter = 99, given = 0;
-  static inline std::ptrdiff_t turn = 0;
-  static inline bool hideKinds = false;
+// What the seam lists: entries of unknown kind, or some and an error.
+int entriesLeft = -1;
+bool hideKinds = false;
 
-  static DIR* open(int descriptor) {
-    DIR* folder = ::fdopendir(descriptor);
-    entries.clear();
-    while (const struct dirent* entry = ::readdir(folder))
-      entries.push_back(*entry);
-    std::rotate(entries.begin(), entries.begin() + turn % std::ssize(entries), entries.end());
-    for (struct dirent& entry : entries)
-      if (hideKinds) entry.d_type = DT_UNKNOWN;
-    given = 0;
-    return folder;
+struct dirent* nextEntry(DIR* folder) {
+  if (entriesLeft-- == 0) {
+    errno = EIO;
+    return nullptr;
   }
-  static struct dirent* next(DIR*) {
-    if (given == failAfter) errno = EIO;
-    return given == failAfter || given == entries.size() ? nullptr : &entries[given++];
-  }
-};
+  struct dirent* entry = ::readdir(folder);
+  if (entry != nullptr && hideKinds) entry->d_type = DT_UNKNOWN;
+  return entry;
+}
 
 TEST_F(FileManagerTest, ListsInTheOrderOfTheInstrumentsHost) {
   if (!keepsNames()) GTEST_SKIP() << "this volume changes names";
@@ -61,16 +53,17 @@ TEST_F(FileManagerTest, ListsInTheOrderOfTheInstrumentsHost) {
   const std::string order =
       " x|1|10|2/|_x|a|A.b/|a:b|a1|AB/|ab|E|ez|E\xCC\x81|e\xCC\x81|\xC3\x89z/|\xC3\xA9z|f|\xC3\xA6|"
       "\xCE\xB1|\xF0\x9F\x98\x80|\xFF|\xEF\xBC\xA1|";
-  for (std::size_t start = 0, end; start < order.size(); start = end + 1) {
-    end = order.find('|', start);
-    const std::string name = order.substr(start, end - start);
-    name.back() == '/' ? makeFolder(name.substr(0, name.size() - 1)) : write(name, "");
-  }
-  systemCalls().fdopendir = Listing::open;
-  systemCalls().readdir = Listing::next;
-  for (Listing::turn = 0; Listing::turn < 25; ++Listing::turn) {
-    Listing::hideKinds = Listing::turn % 2 != 0;
-    ASSERT_EQ(listed(ref("")), order) << Listing::turn;
+  std::istringstream in(order);
+  std::vector<std::string> names;
+  for (std::string name; std::getline(in, name, '|');)
+    names.push_back(name);
+  std::shuffle(names.begin(), names.end(), std::minstd_rand());
+  for (const std::string& name : names)
+    name.back() == '/' ? makeFolder(name) : write(name, "");
+  systemCalls().readdir = nextEntry;
+  for (const bool hide : {false, true}) {
+    hideKinds = hide;
+    EXPECT_EQ(listed(ref("")), order);
   }
 }
 
@@ -78,11 +71,12 @@ TEST_F(FileManagerTest, AListingThatFailsIsNoEnd) {
   static int error;
   for (const char* name : {"a", "b", "c"})
     makeFolder(name);
-  systemCalls().fdopendir = Listing::open;
-  systemCalls().readdir = Listing::next;
-  for (Listing::failAfter = 0; Listing::failAfter <= 5; ++Listing::failAfter)  // "." and ".." too
-    EXPECT_EQ(listed(ref("")), "-36") << Listing::failAfter;
-  Listing::hideKinds = true;
+  systemCalls().readdir = nextEntry;
+  for (int given = 0; given <= 5; ++given) {  // "." and ".." too
+    entriesLeft = given;
+    EXPECT_EQ(listed(ref("")), "-36") << given;
+  }
+  hideKinds = true;
   systemCalls().lstat = [](int folder, const char* name, struct stat* out) {
     return std::strcmp(name, "b") == 0 ? failWith(error)
                                        : ::fstatat(folder, name, out, AT_SYMLINK_NOFOLLOW);
