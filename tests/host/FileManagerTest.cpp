@@ -11,6 +11,8 @@
 namespace cairnset {
 namespace {
 
+namespace fs = std::filesystem;
+
 class FileManagerTest : public FileTest {
  protected:
   // The path below this folder, or the code of what went wrong.
@@ -117,13 +119,12 @@ TEST_F(FileManagerTest, AliasesAreFollowedOnlyWhenResolved) {
 // With one descriptor to be had, and so deep that no call takes the whole path.
 TEST_F(FileManagerTest, FoldersDeeperThanAPathIsLong) {
   const std::string part(200, 'd');
-  int bottom = ::open(path("").c_str(), O_RDONLY | O_DIRECTORY);
+  fs::current_path(path(""));
   for (int length = 0; length < 3 * PATH_MAX; length += 200) {
-    ASSERT_EQ(::mkdirat(bottom, part.c_str(), 0700), 0);
-    const int next = ::openat(bottom, part.c_str(), O_RDONLY | O_DIRECTORY);
-    ::close(std::exchange(bottom, next));
+    fs::create_directory(part);
+    fs::current_path(part);
   }
-  ::close(::openat(bottom, "file", O_CREAT | O_WRONLY, 0600));
+  std::ofstream("file");
   struct rlimit before, low;
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
   low = before;
@@ -145,9 +146,8 @@ TEST_F(FileManagerTest, FoldersDeeperThanAPathIsLong) {
   EXPECT_EQ(rename(file, u"renamed", &file), noErr);
   EXPECT_EQ(FSMoveObject(&made, &folders[0], nullptr), noErr);
   EXPECT_TRUE(exists("other"));
-  struct stat info;
-  EXPECT_TRUE(::fstatat(bottom, "renamed", &info, 0) == 0 && info.st_size == 4);
-  ::close(bottom);
+  EXPECT_EQ(fs::file_size("renamed"), 4u);
+  fs::current_path("/");
   for (folders.push_back(file); folders.size() > 1; folders.pop_back())
     EXPECT_EQ(FSDeleteObject(&folders.back()), noErr) << folders.size();
 }
