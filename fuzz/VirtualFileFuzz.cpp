@@ -1,6 +1,6 @@
 // VirtualFile under any sequence of operations, beside its model.
 #include "fuzz/Fuzz.h"
-#include "tests/storage/VirtualFileModel.h"
+#include "tests/storage/StorageTest.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace cairnset;

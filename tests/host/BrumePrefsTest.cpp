@@ -1,7 +1,4 @@
-#include <filesystem>
 #include <sstream>
-
-#include <gtest/gtest.h>
 
 #include "host/BrumePrefs.h"
 #include "host/TimeoutFile.h"
@@ -10,91 +7,36 @@
 namespace cairnset {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-const std::string kMoved =
-    "Your Olvan library has been moved.\nPlease locate your 'Olvan Items' folder...\n";
-const std::string kAsked = "Please locate the Olvan Items folder.\nFolder: \n";
-const std::string kFailed = "Olvan reports a file system error while ";
-
-class BrumePrefsTest : public testing::Test {
+// How the program meets its preferences is in tests/transcripts/preferences.txt. Here the library
+// is a real folder in place of the alias.
+class BrumePrefsTest : public testing::Test, protected TestFolder {
  protected:
   BrumePrefsTest() {
-    fs::create_directory(library);
-    ::setenv("HOME", home.c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (home / "new/config").c_str(), 1);
+    makeFolder("Olvan Preferences/Olvan Items");
+    ::setenv("XDG_CONFIG_HOME", path("").c_str(), 1);
     ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
   }
-
-  // What the user gets to see while `act` runs and the given answers wait.
-  static std::string shown(const std::string& answers, const auto& act) {
-    std::istringstream in(answers);
-    chooserStreams().answers = &in;
-    testing::internal::CaptureStderr();
-    act();
-    return testing::internal::GetCapturedStderr();
-  }
-  static std::string initialised(BrumePrefs& prefs, const std::string& answers = "") {
-    return shown(answers, [&] { prefs.initPrefs(); });
-  }
-  void write(const fs::path& path, const std::string& bytes = "x") {
-    fs::create_directories(path.parent_path());
-    folder.write(path.lexically_relative(home), bytes);
-  }
-
-  const TestFolder folder;
-  const fs::path home = folder.path(""), library = home / "Library";
-  const fs::path prefsFolder = home / "new/config/Olvan Preferences";
-  const fs::path alias = prefsFolder / "Olvan Items";
 };
 
-// At first without a preferences folder, then with a file or an alias in place of ours.
-TEST_F(BrumePrefsTest, FirstContact) {
-  const std::string cancels[] = {" '' \n~/Library\n", std::string(9000, '/'),
-                                 "~/Library/kept\n~/none\nx\n~/Library\n"};
-  write(library / "kept");
+TEST_F(BrumePrefsTest, ChoosingAgainSparesAFullFolder) {
+  write("Olvan Preferences/Olvan Items/kept", "x");
+  const std::string items = path("Olvan Preferences/Olvan Items"), library = path("");
   BrumePrefs prefs;
-  for (const std::string& answers : cancels) {
-    initialised(prefs, answers);
-    EXPECT_TRUE(prefs.getItemsPath() == nullptr && fs::is_empty(prefsFolder)) << answers;
-    fs::remove(prefsFolder);
-    write(prefsFolder);
-  }
-  fs::remove(prefsFolder);
-  fs::create_directory_symlink(library, prefsFolder);
-  initialised(prefs, "/no\n ' ~/Library// ' \n \t\"~/Library/\" \r\n");
-  ASSERT_TRUE(fs::exists(library / "kept") && prefs.isInitialised() &&
-              prefs.getItemsPath() == library);
-  EXPECT_EQ(prefs.getPrefsPath(), fs::canonical(prefsFolder));
-}
-
-TEST_F(BrumePrefsTest, WhatTheAliasIs) {
-  // The link, what is said, the items path.
-  const std::array<std::string, 3> cases[] = {
-      {"../../../one", "", library},
-      {"Olvan Items", kFailed + "opening Olvan Items.\nResult code = -36.\n", ""},
-      {"Timeout/x", kMoved + kAsked, library}};
-  fs::create_symlink(library, home / "one");
-  write(prefsFolder / "Timeout");
-  for (const auto& [link, said, items] : cases) {
-    fs::remove(alias);
-    fs::create_symlink(link, alias);
-    BrumePrefs prefs;
-    EXPECT_EQ(initialised(prefs, "~/Library\n"), said) << link;
-    EXPECT_EQ(prefs.isInitialised() ? prefs.getItemsPath() : "", items) << link;
-  }
-  EXPECT_EQ(fs::read_symlink(alias), library);
-  fs::remove(alias);
-  write(alias / "kept");  // a folder, which choosing again spares
-  BrumePrefs prefs;
-  initialised(prefs);
-  const auto select = [&] { EXPECT_EQ(prefs.userSelectNewItemsPath(), 0); };
-  EXPECT_EQ(shown("~/Library\n", select),
-            kAsked + kFailed + "creating Olvan Items.\nResult code = -47.\n");
-  ASSERT_TRUE(fs::remove(alias / "kept"));
-  EXPECT_EQ(shown("~/Library\n", select), kAsked);
-  EXPECT_EQ(fs::read_symlink(alias), library);
+  prefs.initPrefs();
+  EXPECT_EQ(prefs.getItemsPath(), items);
+  std::istringstream answers(items + "\n" + library + "\n" + library + "\n");
+  chooserStreams().answers = &answers;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(prefs.userSelectNewItemsPath() + prefs.userSelectNewItemsPath(), 0);
+  EXPECT_TRUE(std::filesystem::remove(items + "/kept"));
+  EXPECT_EQ(prefs.userSelectNewItemsPath(), 0);
+  EXPECT_EQ(std::filesystem::read_symlink(items), library);
+  const std::string asked = "Please locate the Olvan Items folder.\nFolder: \n";
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            asked + asked + "Olvan reports a file system error while creating Olvan Items.\n" +
+                "Result code = -47.\n" + asked);
 }
 
 TEST_F(BrumePrefsTest, LastRun) {
@@ -104,7 +46,6 @@ TEST_F(BrumePrefsTest, LastRun) {
     const TimeoutBytes bytes = encodeTimeout(time);
     return std::string(bytes.begin(), bytes.end());
   };
-  fs::create_directories(alias);
   EXPECT_EQ(bytesOf(1'000'000'000), summer);
   const std::time_t now = std::time(nullptr);
   const std::pair<std::string, double> cases[] = {
@@ -114,12 +55,12 @@ TEST_F(BrumePrefsTest, LastRun) {
       {bytesOf(now).substr(0, 43), double(now)},
       {std::string(44, '\x80'), double(now) + 1}};
   for (const auto& [bytes, seconds] : cases) {
-    write(prefsFolder / "Timeout", bytes);
+    write("Olvan Preferences/Timeout", bytes);
     BrumePrefs prefs, next;
-    EXPECT_EQ(initialised(prefs), "");
+    prefs.initPrefs();
     EXPECT_NEAR(double(prefs.getSecondsSinceLastRun()), seconds, 10);
     prefs.resetLastRunTime();
-    initialised(next);
+    next.initPrefs();
     EXPECT_LE(next.getSecondsSinceLastRun(), 10u);
   }
 }

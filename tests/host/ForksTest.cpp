@@ -101,48 +101,40 @@ TEST_F(ForksTest, TellsWhatFailed) {
   EXPECT_EQ(FSCloseFork(fork), noErr);
 }
 
-TEST_F(ForksTest, SharesTheDescriptorOfOneFile) {
+// With the old file still open, its place must give the new one.
+TEST_F(ForksTest, SharesTheDescriptorsOfWhatIsAtThePlaceNow) {
   static int opens;
   systemCalls().open = [](int folder, const char* name, int flags, mode_t mode) {
     return ++opens, ::openat(folder, name, flags, mode);
   };
-  write("file", "123456789");
-  const FSRef file = ref("file");
-  const std::int16_t reader = opened(file, fsRdPerm), writer = opened(file, fsRdWrPerm);
-  const std::int16_t shared = opened(file, fsRdPerm);
-  EXPECT_EQ(opens, 2) << "one for reading, one for all";
-  EXPECT_EQ(readAt(reader, fsAtMark, 0, 3), "123");
-  EXPECT_EQ(readAt(shared, fsAtMark, 0, 3), "123") << "each has its own mark";
-  EXPECT_EQ(write(writer, "abc"), noErr);
-  EXPECT_EQ(readAll(reader) + readAll(shared), "abc456789abc456789");
-  EXPECT_EQ(rename(file, u"other"), noErr);
-  EXPECT_EQ(write(writer, "xyz"), noErr);
-  EXPECT_EQ(readAll(reader), "xyz456789") << "seen after the rename too";
-  for (const std::int16_t fork : {writer, shared, reader})
-    EXPECT_EQ(FSCloseFork(fork), noErr);
-}
-
-// With the old file still open, its place must give the new one.
-TEST_F(ForksTest, OpensWhatIsAtThePlaceNow) {
   const FSRef top = ref("");
   for (const char way : {'r', 'm', 'd', 'f'}) {
     makeFolder("folder");
-    write("folder/file", "old bytes");
+    write("folder/file", "123456789");
     const FSRef file = ref("folder/file"), folder = ref("folder");
-    const std::int16_t old = opened(file, fsRdWrPerm);
-    std::int16_t now = 0;
+    opens = 0;
+    const std::int16_t reader = opened(file, fsRdPerm), writer = opened(file, fsRdWrPerm);
+    const std::int16_t shared = opened(file, fsRdPerm);
+    EXPECT_EQ(opens, 2) << "one for reading, one for all";
+    EXPECT_EQ(readAt(reader, fsAtMark, 0, 3), "123");
+    EXPECT_EQ(readAt(shared, fsAtMark, 0, 3), "123") << "each has its own mark";
+    EXPECT_EQ(write(writer, "abc"), noErr);
+    EXPECT_EQ(readAll(reader) + readAll(shared), "abc456789abc456789");
     ASSERT_EQ(way == 'r'   ? rename(file, u"renamed")
               : way == 'm' ? FSMoveObject(&file, &top, nullptr)
               : way == 'd' ? FSDeleteObject(&file)
                            : rename(folder, u"elsewhere"),
               noErr);
+    std::int16_t now = 0;
     EXPECT_EQ(openFork(file, fsRdPerm, &now), way == 'f' ? dirNFErr : fnfErr) << way;
     EXPECT_EQ(openFork({0}, fsRdPerm, &now), errFSBadFSRef) << "nor is it found by no place";
+    EXPECT_EQ(write(writer, "xyz"), noErr);
     makeFolder("folder");
     write("folder/file", "new bytes");
     now = opened(file, fsRdPerm);
-    EXPECT_EQ(readAll(now) + readAll(old), "new bytesold bytes") << way;
-    EXPECT_EQ(FSCloseFork(now) + FSCloseFork(old), 0);
+    EXPECT_EQ(readAll(now) + readAll(reader), "new bytesxyz456789") << way;
+    for (const std::int16_t fork : {now, writer, shared, reader})
+      EXPECT_EQ(FSCloseFork(fork), noErr);
   }
 }
 

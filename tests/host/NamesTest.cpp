@@ -59,12 +59,6 @@ TEST(NamesTest, OrderOfAFolderAndOneNameHoweverComposed) {
     EXPECT_EQ(sortKey(composed), sortKey(other)) << composed;
   }
   EXPECT_NE(sortKey("\u2260"), sortKey("=\u0338"));  // left alone by the instrument's host
-  const std::string ordered[] = {
-      "",       " b",      "-",       ":",          "9",           "_",    "Alpha", "alphab",
-      "Beta",   "cafe",    "cafeb",   "caf\u00C9",  "cafe\u0301s", "caff", "Z",     "~",
-      "\u0141", "\u03A9a", "\u03C9b", "\U00010400", "\U00010401",  "\xFF"};
-  for (std::size_t i = 1; i < std::size(ordered); ++i)
-    EXPECT_LT(sortKey(ordered[i - 1]), sortKey(ordered[i])) << ordered[i - 1] << " " << ordered[i];
   EXPECT_EQ(sortKey("\u1EA4:\U00010400"), "a\xCC\x82\xCC\x81/\xED\xA0\x81\xED\xB0\xA8");
   for (char c = '0'; c <= '~'; ++c)  // names of ASCII alone are ordered like any other
     EXPECT_EQ(sortKey(c + std::string("\u00E9")), sortKey({&c, 1}) + sortKey("\u00E9")) << c;

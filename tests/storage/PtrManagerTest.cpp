@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -7,32 +8,43 @@
 
 namespace cairnset {
 
-static void* pointer(std::intptr_t value) {
-  return reinterpret_cast<void*>(value);
-}
-
 TEST(PtrManager, RandomOperationsMatchAVector) {
   std::mt19937 random(3);
   PtrManager list;
   std::vector<void*> model;
+  std::size_t steps = 0, cursor = SIZE_MAX;  // the entry on which the cursor stands, if any
   for (int step = 0; step < 20000; ++step) {
-    if (step % 300 == 0) list.removeAll(), model.clear();
+    if (step % 300 == 0) {
+      list.removeAll();
+      model.clear();
+      cursor = SIZE_MAX;
+    }
     const auto before = model;
     const unsigned long changes = list.changes(), operation = random() % 100;
     const std::size_t n = model.size(), i = random() % (2 * n + 1), j = random() % (2 * n + 1);
-    void* const p = pointer(1 + random() % 12);
+    void* const p = reinterpret_cast<void*>(1 + random() % 12);
     if (operation < 35) {
       list.addPtr(p), model.push_back(p);
-    } else if (operation < 65) {
+    } else if (operation < 60) {
       list.removePtr(p);
       const auto at = std::find(model.begin(), model.end(), p);
+      const auto place = static_cast<std::size_t>(at - model.begin());
       if (at != model.end()) model.erase(at);
-    } else if (operation < 78) {
+      // The entry before the first is the last.
+      if (place <= cursor && cursor < n) cursor = (cursor == 0 ? model.size() : cursor) - 1;
+    } else if (operation < 65) {
       std::shuffle(model.begin(), model.end(), random);
       ASSERT_TRUE(list.setEntries(model));
-    } else {
+    } else if (operation < 70) {
       list.swapPtrs(static_cast<long>(i), static_cast<long>(j));
       if (n > 0) std::swap(model[i % n], model[j % n]);
+    } else if (operation < 75 || n == 0) {
+      list.iterReset();
+      steps = 0, cursor = n - 1;
+    } else {
+      const bool isOver = ++steps > n;  // the step past the end counts too
+      if (!isOver) cursor = (cursor + 1) % n;
+      ASSERT_EQ(list.iterNext(), isOver ? nullptr : model[cursor]) << step;
     }
     const auto count = static_cast<long>(model.size());
     for (const long at : {static_cast<long>(i), static_cast<long>(j), -1l, count}) {
@@ -42,23 +54,6 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
     ASSERT_TRUE(list.count() == count && std::ranges::equal(list.entries(), model)) << operation;
     ASSERT_TRUE(model == before || list.changes() > changes) << operation;
   }
-}
-
-TEST(PtrManager, CursorCountsItsStepsAndOutlivesItsEntry) {
-  // What comes next in 1, 2, 3 after some steps, when an entry was then added or (-) removed.
-  const auto next = [](int steps, int change) {
-    PtrManager list;
-    list.addPtr(pointer(1)), list.addPtr(pointer(2)), list.addPtr(pointer(3));
-    list.iterReset();
-    for (int i = 0; i < steps; ++i)
-      list.iterNext();
-    change < 0 ? list.removePtr(pointer(-change)) : void(list.addPtr(pointer(change)));
-    return list.iterNext32();
-  };
-  EXPECT_EQ(next(3, 4), 4);
-  EXPECT_EQ(next(4, 4), 0) << "the step past the end counts too";
-  EXPECT_EQ(next(2, -1), 0) << "fewer entries, fewer steps";
-  EXPECT_EQ(next(0, -3), 1) << "the last entry, on which a fresh cursor stands, was removed";
 }
 
 }  // namespace cairnset

@@ -5,9 +5,7 @@
 #include <sstream>
 
 #include "storage/ByteOrder.h"
-#include "storage/VirtualFile.h"
 #include "tests/storage/StorageTest.h"
-#include "tests/storage/VirtualFileModel.h"
 
 // For the whole test program, so that allocations can fail.
 static bool outOfMemory = false;

@@ -1,3 +1,4 @@
+// PascalStrings, FileNameRules, PathStrings and Tokenizer.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -5,11 +6,80 @@
 
 #include <gtest/gtest.h>
 
+#include "host/FileNameRules.h"
+#include "host/PascalStrings.h"
 #include "host/PathStrings.h"
 #include "host/SystemVersion.h"
 #include "host/Tokenizer.h"
 
 namespace cairnset {
+
+// A Str255 with a guard behind it, so that a byte too many shows in any build.
+struct Pascal {
+  explicit Pascal(const std::string& text) { C2PCopy(bytes, text.c_str()); }
+  std::string text() const {
+    return bytes[256] == 0 ? std::string(bytes + 1, bytes + 1 + bytes[0]) : "overrun";
+  }
+  unsigned char bytes[600] = {};
+};
+
+TEST(PascalStringsTest, ConvertingAndAppending) {
+  char c[302];
+  for (const std::size_t second : {0u, 1u, 128u, 200u, 255u, 300u}) {
+    const std::string text(second, '\x8E');
+    std::strcpy(c, text.c_str());
+    C2PInPlace(c);
+    EXPECT_EQ(std::string(c, second + 1), static_cast<char>(second) + text);
+    std::strcpy(c, text.c_str());
+    CtoPstr(c), PtoCstr(c);
+    EXPECT_EQ(c, text.substr(0, 255));
+    for (const std::size_t first : {0u, 55u, 56u, 200u}) {
+      const std::string start(first, 'a'), whole = start + text;
+      Pascal appended(start), joined(start);
+      C2PAppendInPlace(appended.bytes, text.c_str());
+      EXPECT_EQ(appended.text(), whole.substr(0, whole.size() % 256)) << first << "+" << second;
+      PStrCat(joined.bytes, Pascal(text).bytes);
+      EXPECT_EQ(joined.text(), whole.substr(0, std::min<std::size_t>(first + second % 256, 255)));
+    }
+  }
+  std::strcpy(c, "--------");
+  EXPECT_STREQ(CStrNCat(CStrNCat(c, 10, "xyz"), 5, "xyz"), "--------x");
+}
+
+TEST(PascalStringsTest, Comparing) {
+  // Equal without ASCII case, as file names. Two letters with their marks, two that are a
+  // pair in Latin-1 but not here, two that differ from the 256th byte on.
+  const std::tuple<std::string, std::string, bool, bool> cases[] = {
+      {"az[`{@", "AZ[`{@", true, true},
+      {"\x8A", "\x80", false, true},
+      {"\xE4", "\xC4", false, false},
+      {std::string(255, 'n') + "1", std::string(255, 'N') + "2", false, true}};
+  for (const auto& [a, b, folded, sameFile] : cases) {
+    EXPECT_EQ(equalCString(a.c_str(), b.c_str(), false), folded) << a << " " << b;
+    EXPECT_EQ(fncmp(a.c_str(), b.c_str()), sameFile ? 0 : 1) << a << " " << b;
+  }
+}
+
+TEST(FileNameRulesTest, BothForms) {
+  const std::tuple<char, std::string, std::string> cases[] = {
+      {'*', "Mix: a/b?.txt ", "Mix: a_b_.txt"},
+      {'*', " . . ", ""},
+      {'*', std::string(255, '*'), std::string(255, '_')},
+      {'.', "Name..", "Name"},
+      {'_', "\"*/<>?\\|\x1F\x01:;\x7F\xAF. ", "__________:;\x7F\xAF. "}};
+  for (const auto& [rule, name, result] : cases) {
+    const auto apply = [which = rule](auto* text) {
+      if (which == '*') RemoveAllIllegalFilenameCharsInPlace(text);
+      if (which == '.') RemoveIllegalTrailingFilenameCharsInPlace(text);
+      if (which == '_') RemoveIllegalFilenameCharsInPlace(text);
+    };
+    std::string c = name;
+    Pascal pascal(name);
+    apply(c.data()), apply(pascal.bytes);
+    EXPECT_STREQ(c.c_str(), result.c_str()) << name;
+    EXPECT_EQ(pascal.text(), result) << name;
+  }
+}
 
 TEST(PathStringsTest, PartsOfAPath) {
   // The last two columns: the folder, and whether the path is absolute, on an older system.
