@@ -11,13 +11,17 @@ struct KindFormat {
   std::size_t references;  // name fields of 64 bytes at the start of the payload
   unsigned declared;       // payload length as stored
   std::size_t payload;     // and as it is, without its own 4 bytes
+  const char* refersTo[2];
 };
 
+inline constexpr KindFormat kKinds[] = {
+    {"Velocity Maps", "VMap", 0, 10, 10, {}},
+    {"Effects", "Effx", 0, 63, 63, {}},
+    {"Programs", "Prog", 1, 108, 172, {"Effects"}},
+    {"Sessions", "Sess", 2, 150, 150, {"Velocity Maps", "Programs"}}};
+
+/// Of the kind in whose folder a path leads.
 inline const KindFormat& formatOf(const std::string& path) {
-  static constexpr KindFormat kKinds[] = {{"Velocity Maps", "VMap", 0, 10, 10},
-                                          {"Effects", "Effx", 0, 63, 63},
-                                          {"Programs", "Prog", 1, 108, 172},
-                                          {"Sessions", "Sess", 2, 150, 150}};
   for (const KindFormat& kind : kKinds)
     if (path.substr(0, path.find('/')) == kind.folder) return kind;
   throw std::runtime_error("in no kind's folder: " + path);

@@ -1,4 +1,4 @@
-#include <memory>
+#include <deque>
 #include <random>
 #include <sstream>
 #include <vector>
@@ -13,20 +13,17 @@ namespace cairnset {
 class ItemTree : public testing::Test {
  protected:
   template <typename Item>
-  static Item* named(Item* item, const char* name, unsigned long id) {
+  static Item* add(TreeLimb& parent, Item* item, const char* name, unsigned long id = 0) {
     item->setTreeItemName(name);
     item->setTreeItemID(id);
+    parent.addItem(item);
     return item;
   }
   static TreeLimb* newLimb(TreeLimb& parent, const char* name, unsigned long id = 0) {
-    TreeLimb* limb = named(new TreeLimb, name, id);
-    parent.addLimb(limb);
-    return limb;
+    return add(parent, new TreeLimb, name, id);
   }
   TreeLeaf* newLeaf(TreeLimb& parent, const char* name, unsigned long id = 0) {
-    TreeLeaf* leaf = named(_leaves.emplace_back(std::make_unique<TreeLeaf>()).get(), name, id);
-    parent.addLeaf(leaf);
-    return leaf;
+    return add(parent, &_leaves.emplace_back(), name, id);
   }
   // The leaves in the order of the plain definition.
   static void collect(const TreeLimb& limb, std::vector<TreeLeaf*>& out) {
@@ -39,7 +36,7 @@ class ItemTree : public testing::Test {
   TreeLimb root;
 
  private:
-  std::vector<std::unique_ptr<TreeLeaf>> _leaves;
+  std::deque<TreeLeaf> _leaves;
 };
 
 TEST_F(ItemTree, ListsAFoldersLeavesBeforeItsLimbs) {
@@ -85,15 +82,11 @@ TEST_F(ItemTree, TheWalkFollowsItsCursorThroughRandomChanges) {
   for (int step = 0; step < 5000; ++step) {
     TreeLimb& limb = *limbs[random() % limbs.size()];
     const auto change = random() % 16;
-    if (change == 0) {
-      limbs.push_back(newLimb(limb, "l"));
-    } else if (change < 3) {
-      newLeaf(limb, "x");
-    } else if (change == 3) {
-      limb.removeItem(limb.leaves().count() > 0 ? limb.getItem(0) : nullptr);
-    } else if (change == 4) {
-      root.setLeafCursor(static_cast<std::uint32_t>(random() % 40));
-    } else if (change == 5 && step % 8 == 0) {
+    if (change == 0) limbs.push_back(newLimb(limb, "l"));
+    if (change == 1 || change == 2) newLeaf(limb, "x");
+    if (change == 3) limb.removeItem(limb.leaves().count() > 0 ? limb.getItem(0) : nullptr);
+    if (change == 4) root.setLeafCursor(static_cast<std::uint32_t>(random() % 40));
+    if (change == 5 && step % 8 == 0) {
       limb.deleteItemsRecursively();
       limbs = {&root};
       for (std::size_t i = 0; i < limbs.size(); ++i)

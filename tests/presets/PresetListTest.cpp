@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <random>
-#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -25,6 +24,7 @@ unsigned char* pascal(const std::string& name) {
 class PresetListTest : public testing::Test, protected TestFolder {
  protected:
   PresetListTest() { manager.setOlvanItemsFSRef(ref("")); }
+  ~PresetListTest() override { systemCalls() = real; }
 
   void load() { manager.openAllPresetsOfType(kVelocityMapKind); }
 
@@ -42,32 +42,10 @@ class PresetListTest : public testing::Test, protected TestFolder {
     return text;
   }
 
+  const SystemCalls real = systemCalls();
   PresetManager manager{nullptr};
   VelocityMapPresetList& list = manager.velocityMaps();
 };
-
-TEST_F(PresetListTest, SeesToADefaultInTheRootFolder) {
-  const std::string root = "Presets/Velocity Maps/";
-  load();
-  std::string bytes = read(root + "Default");
-  const std::tuple<std::string, bool, char, bool, bool> cases[] = {
-      {"Default", true, 0, false, true},    {"Default", false, 0, true, true},
-      {"Default", true, 5, true, true},     {"dEFAULT", false, 1, true, false},
-      {"x/Default", false, 1, true, false}, {"Defaults", true, 0, false, true}};
-  for (const auto& [file, rom, index, isRewritten, isThere] : cases) {
-    list.clearPresets();
-    for (const char* item : {"Default", "dEFAULT", "x"})
-      std::filesystem::remove_all(path(root + item));
-    makeFolder(root + "x");
-    bytes[84] = rom, bytes[88] = index;
-    write(root + file, bytes);
-    load();
-    EXPECT_EQ(read(root + file) != bytes, isRewritten) << file << rom << int{index};
-    EXPECT_EQ(exists(root + "Default"), isThere) << file;
-    const Preset* found = list.findPreset("Default");
-    ASSERT_TRUE(found != nullptr && found->isROM() && found->index() == 0) << file;
-  }
-}
 
 TEST_F(PresetListTest, OrdersROMFirstNumbersRAMAnewAndLoadsOnlyWhatIsNew) {
   writePreset("a", false, 1);
@@ -87,24 +65,12 @@ TEST_F(PresetListTest, OrdersROMFirstNumbersRAMAnewAndLoadsOnlyWhatIsNew) {
   EXPECT_EQ(list.findPreset("c")->parent(), list.findPreset("b")->parent());
   const std::string bytes = read("Presets/Velocity Maps/Default");
   list.clearPresets();
-  const SystemCalls real = systemCalls();
   systemCalls().readdir = [](DIR*) -> struct dirent* {
     return errno = EIO, nullptr;
   };
   load();
-  systemCalls() = real;
   EXPECT_EQ(list.count(), 0);
   EXPECT_EQ(read("Presets/Velocity Maps/Default"), bytes) << "none is made over one not seen";
-}
-
-TEST_F(PresetListTest, UnconfirmedListsDoNothing) {
-  // A list whose folder is a file, or can neither be found nor made, is not confirmed by another's.
-  write("Presets/Effects", "a file");
-  manager.openAllPresets();
-  EXPECT_FALSE(manager.effects().confirmed());
-  EXPECT_EQ(manager.effects().count(), 0);
-  EXPECT_EQ(read("Presets/Effects"), "a file");
-  EXPECT_EQ(manager.programs().count(), 1);
 }
 
 TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
@@ -181,15 +147,10 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
 
 long calls;
 
-template <auto kCall, typename Result, typename... Args>
-void count(Result (*&call)(Args...)) {
-  static Result (*const real)(Args...) = call;
-  call = [](Args... args) -> Result { return ++calls, real(args...); };
-}
-
 template <auto... kCalls>
-void countAll() {
-  (count<kCalls>(systemCalls().*kCalls), ...);
+void count() {
+  static const SystemCalls real = systemCalls();
+  ((systemCalls().*kCalls = [](auto... args) { return ++calls, (real.*kCalls)(args...); }), ...);
 }
 
 // Noise-free, and so the gate against a step that has become quadratic or asks the disk twice.
@@ -198,10 +159,8 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
   load();
   const std::string bytes = read("Presets/Velocity Maps/Default");
   using S = SystemCalls;
-  const S real = systemCalls();
-  countAll<&S::open, &S::close, &S::fstat, &S::pread, &S::pwrite, &S::lstat, &S::mkdir,
-           &S::renameNoReplace, &S::unlink, &S::readlink, &S::realpath, &S::fdopendir,
-           &S::closedir>();
+  count<&S::open, &S::close, &S::fstat, &S::pread, &S::pwrite, &S::lstat, &S::mkdir,
+        &S::renameNoReplace, &S::unlink, &S::readlink, &S::realpath, &S::fdopendir, &S::closedir>();
   for (const int round : {0, 1}) {
     for (int i = 0; i < 100; ++i) {
       const std::string folder = "Presets/Velocity Maps/f" + std::to_string(i % 10);
@@ -215,7 +174,6 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
     EXPECT_TRUE(round == 0 || calls - before == 4 * 100) << "open, fstat, pread, close";
     EXPECT_LE(calls, 4 * (101 + 100 * round) + 12 * 12 + 20) << "12 folders, what is paid once";
   }
-  systemCalls() = real;
 }
 
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
@@ -232,9 +190,8 @@ TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   const FSRef made = ref("Presets/Effects/New");
   EXPECT_NE(manager.effects().findPresetUsingFileSpec(made), nullptr);
   manager.effects().deletePreset(1);
-  for (const char* kind : {"Velocity Maps", "Effects", "Programs", "Sessions"}) {
-    write(std::string("Presets/loose ") + kind, read(std::string("Presets/") + kind + "/Default"));
-  }
+  for (const std::string folder : {"Velocity Maps", "Effects", "Programs", "Sessions"})
+    write("Presets/loose " + folder, read("Presets/" + folder + "/Default"));
   write("Presets/text", "no preset at all");
   EXPECT_EQ(manager.openTopLevelPresets(kEffectsKind), 0);
   EXPECT_EQ(manager.effects().count(), 2);
