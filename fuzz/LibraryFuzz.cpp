@@ -44,10 +44,6 @@ std::string takeName(Input& input) {
   return name.empty() || name == "." || name == ".." ? "x" : name;
 }
 
-std::string bigEndian(std::size_t size) {
-  return {0, 0, static_cast<char>(size >> 8), static_cast<char>(size)};
-}
-
 void makeItem(const std::string& path, std::vector<std::string>& folders, Input& input) {
   const std::string full = kPresets + path, there = world().path(full);
   if (path.size() > 1500 || world().exists(full)) return;
@@ -58,8 +54,7 @@ void makeItem(const std::string& path, std::vector<std::string>& folders, Input&
   if (how == 0) return fs::create_symlink(input.ConsumeBool() ? "../../../outside/p" : ".", there);
   if (how == 1) return (void)::mkfifo(there.c_str(), 0666);
   if (how == 2) return folders.push_back(path), world().makeFolder(full);
-  if (how == 3)
-    preset.path = input.PickValueInArray(kKinds).folder + std::string("/of another kind");
+  if (how == 3) preset.path = std::string(input.PickValueInArray(kKinds).folder) + "/x";
   std::string bytes = preset.bytes();
   if (how < 6 && input.ConsumeBool()) bytes.resize(input.ConsumeIntegralInRange(0ul, 400ul), 't');
   if (how < 5 && bytes.size() > 11) bytes.replace(8, 4, bigEndian(bytes.size()));
@@ -142,12 +137,6 @@ Tree tree() {
   return all;
 }
 
-Tree::const_iterator at(const Tree& tree, const std::string& folder, const std::string& name) {
-  return std::find_if(tree.begin(), tree.end(), [&](auto& item) {
-    return item.second.folder == folder && item.second.name == name;
-  });
-}
-
 bool isAnswered(const Tree& tree, const KindFormat& kind, const std::string& name, bool exactly) {
   return std::any_of(tree.begin(), tree.end(), [&](auto& item) {
     const File& file = item.second;
@@ -171,14 +160,20 @@ int run(std::vector<std::string> options) {
 
 // --- What must hold ---
 
+// Whether a factory preset that lay loose has taken the file's place.
+bool isReplaced(const File& file, const Tree& before, const Tree& after) {
+  return std::any_of(before.begin(), before.end(), [&](auto& item) {
+    const auto now = after.find(item.first);
+    return item.second.isLoose() && item.second.name == file.name && now != after.end() &&
+           now->second.folder == file.folder && now->second.name == file.name;
+  });
+}
+
 void checkTree(char command, const Tree& before, const Tree& after) {
   for (const auto& [inode, file] : before) {
     const auto found = after.find(inode);
-    if (found == after.end()) {  // a factory preset that lay loose has taken its place
-      const auto there = at(after, file.folder, file.name);
-      check(command == 's' && there != after.end() && before.contains(there->first) &&
-                before.at(there->first).isLoose() && before.at(there->first).name == file.name,
-            "a file is lost", file.name);
+    if (found == after.end()) {
+      check(command == 's' && isReplaced(file, before, after), "a file is lost", file.name);
       continue;
     }
     const File& now = found->second;

@@ -1,7 +1,7 @@
 // A preset file of any kind: the input is the file.
 #include <cstdint>
 
-#include "tests/presets/PresetFileChecks.h"
+#include "tests/presets/PresetTest.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const cairnset::TestFolder folder;

@@ -27,6 +27,19 @@ inline const KindFormat& formatOf(const std::string& path) {
   throw std::runtime_error("in no kind's folder: " + path);
 }
 
+inline std::string bigEndian(unsigned long value) {
+  std::string four;
+  for (int shift = 24; shift >= 0; shift -= 8)
+    four += static_cast<char>(value >> shift & 0xFF);
+  return four;
+}
+
+/// Zeros behind it, or what does not fit cut off.
+inline std::string padded(std::string text, std::size_t width) {
+  text.resize(width, '\0');
+  return text;
+}
+
 struct PresetFile {
   std::string path;  // from the kind's folder on; its end, with ":" for "/", is the stored name
   bool rom = false;
@@ -34,23 +47,17 @@ struct PresetFile {
   std::vector<std::string> references{};  // those not given are to "Default"
 
   std::string bytes() const {
-    const auto big = [](unsigned long value) {
-      std::string four;
-      for (int shift = 24; shift >= 0; shift -= 8)
-        four += static_cast<char>(value >> shift & 0xFF);
-      return four;
-    };
-    const auto field = [](std::string text) { return text.append(64, '\0').substr(0, 64); };
     const KindFormat& kind = formatOf(path);
     std::string name = path.substr(path.rfind('/') + 1, 63);
     std::replace(name.begin(), name.end(), ':', '/');
     std::string payload;
     for (std::size_t i = 0; i < kind.references; ++i)
-      payload += field(i < references.size() ? references[i] : "Default");
+      payload += padded(i < references.size() ? references[i] : "Default", 64);
     while (payload.size() < kind.payload)
       payload += static_cast<char>('!' + payload.size() % 61);  // no float of these is a NaN
-    return std::string("OlPs") + kind.code + big(93 + kind.payload) + field(name) +
-           std::string(8, '\0') + (rom ? '\1' : '\0') + big(index) + big(kind.declared) + payload;
+    return std::string("OlPs") + kind.code + bigEndian(93 + kind.payload) + padded(name, 64) +
+           std::string(8, '\0') + (rom ? '\1' : '\0') + bigEndian(index) +
+           bigEndian(kind.declared) + payload;
   }
 };
 

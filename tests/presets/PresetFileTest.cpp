@@ -2,29 +2,18 @@
 #include <cstring>
 
 #include "presets/PresetComparison.h"
-#include "tests/PresetFile.h"
-#include "tests/presets/PresetFileChecks.h"
+#include "tests/presets/PresetTest.h"
 
 namespace cairnset {
 namespace {
 
 using namespace std::string_literals;
 
-std::string padded(std::string text, std::size_t width) {
-  text.resize(width, '\0');
-  return text;
-}
-
 std::string reals(std::initializer_list<float> values) {
   std::string bytes;
   for (const float value : values)
-    for (int shift = 24; shift >= 0; shift -= 8)
-      bytes += static_cast<char>(std::bit_cast<std::uint32_t>(value) >> shift);
+    bytes += bigEndian(std::bit_cast<std::uint32_t>(value));
   return bytes;
-}
-
-const unsigned char* pascal(const char* literal) {
-  return reinterpret_cast<const unsigned char*>(literal);
 }
 
 const std::string kDefaultName = padded("Default", 64), kZeros(8, '\0');
@@ -101,10 +90,10 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   makeFolder("into");
   for (const char* there : {"taken", "into/one", "into/two", "into/p"})
     write(there, "old");
-  EXPECT_EQ(preset->rename(pascal("\5taken")), dupFNErr);
+  EXPECT_EQ(preset->rename(pascal("taken")), dupFNErr);
   EXPECT_EQ(preset->status(), dupFNErr);
   EXPECT_STREQ(preset->getTreeItemName(), "one");
-  EXPECT_EQ(preset->rename(pascal("\3two")), 0);
+  EXPECT_EQ(preset->rename(pascal("two")), 0);
   EXPECT_STREQ(preset->getTreeItemName(), "two");
   EXPECT_EQ(read("two").substr(12, 3), "one") << "until the next writeOut";
   EXPECT_EQ(preset->moveToFolder(ref("taken"), false), dirNFErr);
@@ -129,12 +118,12 @@ TEST_F(PresetFileTest, CopiesShareTheIndexAndAreRAM) {
   ProgramPreset source(nullptr, ref("p"), nullptr, false);
   source.readIn();
   std::memcpy(source.fields.effectsName, "Hall\0x", 6);  // with what the file held behind it
-  const ProgramPreset copy(nullptr, source, pascal("\1c"), nullptr);
+  const ProgramPreset copy(nullptr, source, pascal("c"), nullptr);
   EXPECT_TRUE(copy.status() == 0 && copy.index() == 4711 && !copy.isROM());
   EXPECT_STREQ(copy.getTreeItemName(), "c");
   EXPECT_EQ(std::string(copy.fields.effectsName, 64), padded("Hall", 64));
   EXPECT_FALSE(copy.equalParams(source)) << "the bytes behind the name differ";
-  EXPECT_EQ(ProgramPreset(nullptr, source, pascal("\1c"), nullptr).status(), dupFNErr);
+  EXPECT_EQ(ProgramPreset(nullptr, source, pascal("c"), nullptr).status(), dupFNErr);
 }
 
 TEST(PresetComparison, StepsAndEmptyNames) {

@@ -5,33 +5,25 @@
 
 #include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
-#include "host/MacRoman.h"
-#include "host/PascalStrings.h"
 #include "host/SystemCalls.h"
 #include "presets/PresetManager.h"
-#include "tests/PresetFile.h"
+#include "tests/presets/PresetTest.h"
 
 namespace cairnset {
 namespace {
 
-unsigned char* pascal(const std::string& name) {
-  static unsigned char buffer[256];
-  C2PCopy(buffer, name.c_str());
-  return buffer;
-}
+const std::string kRoot = "lib/Presets/Velocity Maps";
 
 // A library with one list that is loaded, that of the velocity maps.
 class PresetListTest : public testing::Test, protected TestFolder {
  protected:
-  PresetListTest() { manager.setOlvanItemsFSRef(ref("")); }
+  PresetListTest() {
+    makeFolder("lib");
+    manager.setOlvanItemsFSRef(ref("lib"));
+  }
   ~PresetListTest() override { systemCalls() = real; }
 
   void load() { manager.openAllPresetsOfType(kVelocityMapKind); }
-
-  void writePreset(const std::string& path, bool rom, std::int32_t index) {
-    const PresetFile preset{"Velocity Maps/" + path, rom, static_cast<unsigned>(index)};
-    put(*this, "Presets/" + preset.path, preset.bytes());
-  }
 
   std::string shown() {
     std::string text;
@@ -48,35 +40,36 @@ class PresetListTest : public testing::Test, protected TestFolder {
 };
 
 TEST_F(PresetListTest, OrdersROMFirstNumbersRAMAnewAndLoadsOnlyWhatIsNew) {
-  writePreset("a", false, 1);
-  writePreset("sub/deep/b", false, 2);
-  writePreset("rom", true, 12);
-  writePreset("negative", true, -1);
+  for (const PresetFile& preset : {PresetFile{"Velocity Maps/a", false, 1},
+                                   {"Velocity Maps/sub/deep/b", false, 2},
+                                   {"Velocity Maps/rom", true, 12},
+                                   {"Velocity Maps/negative", true, 0xFFFFFFFF}})
+    put(*this, preset);
   load();
   EXPECT_EQ(shown(), "negative ROM -1; Default ROM 0; rom ROM 12; a RAM 0; b RAM 1; ");
   const Preset* a = list.findPreset("A");
   const long limbs = list.countLimbsRecursively();
-  writePreset("sub/deep/c", false, 0);
+  put(*this, PresetFile{"Velocity Maps/sub/deep/c"});
   load();
   EXPECT_EQ(shown(), "negative ROM -1; Default ROM 0; rom ROM 12; a RAM 0; c RAM 1; b RAM 2; ");
   EXPECT_EQ(list.countLeafsRecursively(), 6);
   EXPECT_EQ(list.countLimbsRecursively(), limbs);
   EXPECT_EQ(list.findPreset("a"), a);
   EXPECT_EQ(list.findPreset("c")->parent(), list.findPreset("b")->parent());
-  const std::string bytes = read("Presets/Velocity Maps/Default");
+  const std::string bytes = read(kRoot + "/Default");
   list.clearPresets();
   systemCalls().readdir = [](DIR*) -> struct dirent* {
     return errno = EIO, nullptr;
   };
   load();
   EXPECT_EQ(list.count(), 0);
-  EXPECT_EQ(read("Presets/Velocity Maps/Default"), bytes) << "none is made over one not seen";
+  EXPECT_EQ(read(kRoot + "/Default"), bytes) << "none is made over one not seen";
 }
 
 TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
   load();
   EXPECT_EQ(list.newPreset(pascal("a/b?. "), true, true), 0);
-  EXPECT_TRUE(exists("Presets/Velocity Maps/User/a_b_"));
+  EXPECT_TRUE(exists(kRoot + "/User/a_b_"));
   Preset* made = list.findPreset("A_B_");
   ASSERT_NE(made, nullptr);
   EXPECT_STREQ(made->parent()->getTreeItemName(), "User");
@@ -91,15 +84,15 @@ TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
   const long count = list.count();
   list.deletePreset(list.findPresetIndex(copy));
   list.deletePreset(99);
-  EXPECT_FALSE(exists("Presets/Velocity Maps/User/co_py"));
+  EXPECT_FALSE(exists(kRoot + "/User/co_py"));
   EXPECT_EQ(list.count(), count - 1);
   EXPECT_EQ(list.countLeafsRecursively(), count - 1);
 }
 
 // Every indexed answer against the plain walk that defines it, through random changes.
 TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
-  for (const char* folder : {"f", "f/g", "h"})
-    makeFolder(std::string("Presets/Velocity Maps/") + folder);
+  for (const char* folder : {"/f/g", "/h"})
+    makeFolder(kRoot + folder);
   load();
   std::mt19937 random(3);
   const auto pick = [&random](std::size_t n) { return static_cast<std::size_t>(random()) % n; };
@@ -108,7 +101,7 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
   for (int step = 0; step < 2500; ++step) {
     Preset* preset =
         list.presetAt(static_cast<long>(pick(static_cast<std::size_t>(list.count() + 1))));
-    const FSRef folder = ref(std::string("Presets/Velocity Maps") + folders[pick(4)]);
+    const FSRef folder = ref(kRoot + folders[pick(4)]);
     const std::string& name = names[pick(8)];
     const auto operation = pick(12);
     if (operation < 2) {
@@ -157,16 +150,13 @@ void count() {
 // readdir is left out: how many names one call brings is the system's affair.
 TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
   load();
-  const std::string bytes = read("Presets/Velocity Maps/Default");
   using S = SystemCalls;
   count<&S::open, &S::close, &S::fstat, &S::pread, &S::pwrite, &S::lstat, &S::mkdir,
         &S::renameNoReplace, &S::unlink, &S::readlink, &S::realpath, &S::fdopendir, &S::closedir>();
   for (const int round : {0, 1}) {
-    for (int i = 0; i < 100; ++i) {
-      const std::string folder = "Presets/Velocity Maps/f" + std::to_string(i % 10);
-      makeFolder(folder);
-      write(folder + "/" + std::to_string(100 * round + i), bytes);
-    }
+    for (int i = 0; i < 100; ++i)
+      put(*this, PresetFile{"Velocity Maps/f" + std::to_string(i % 10) + "/" +
+                            std::to_string(100 * round + i)});
     list.clearPresets();
     const long before = std::exchange(calls, 0);
     load();
@@ -178,21 +168,21 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
 
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   manager.openAllPresets();
-  const FSRef file = ref("Presets/Effects/Default");
-  const std::string bytes = read("Presets/Effects/Default");
+  const FSRef file = ref("lib/Presets/Effects/Default");
+  const std::string bytes = read("lib/Presets/Effects/Default");
   FSDeleteObject(&file);
   manager.synchronizePresetList(0x12345678);
   manager.synchronizePresetList(kProgramKind);
-  EXPECT_FALSE(exists("Presets/Effects/Default"));
-  write("Presets/Effects/New", bytes);
+  EXPECT_FALSE(exists("lib/Presets/Effects/Default"));
+  write("lib/Presets/Effects/New", bytes);
   manager.synchronizePresetList(kAllKinds);
-  EXPECT_EQ(read("Presets/Effects/Default"), bytes);
-  const FSRef made = ref("Presets/Effects/New");
+  EXPECT_EQ(read("lib/Presets/Effects/Default"), bytes);
+  const FSRef made = ref("lib/Presets/Effects/New");
   EXPECT_NE(manager.effects().findPresetUsingFileSpec(made), nullptr);
   manager.effects().deletePreset(1);
   for (const std::string folder : {"Velocity Maps", "Effects", "Programs", "Sessions"})
-    write("Presets/loose " + folder, read("Presets/" + folder + "/Default"));
-  write("Presets/text", "no preset at all");
+    write("lib/Presets/loose " + folder, read("lib/Presets/" + folder + "/Default"));
+  write("lib/Presets/text", "no preset at all");
   EXPECT_EQ(manager.openTopLevelPresets(kEffectsKind), 0);
   EXPECT_EQ(manager.effects().count(), 2);
   EXPECT_EQ(manager.openTopLevelPresets(kAllKinds), 0);

@@ -1,17 +1,25 @@
-// What holds of a preset file, whatever its bytes are.
+// What the tests of presets share, and what holds of a preset file whatever its bytes are.
 #pragma once
 
 #include <memory>
 
+#include "host/PascalStrings.h"
 #include "presets/EffectsPreset.h"
 #include "presets/PresetReferences.h"
 #include "presets/ProgramPreset.h"
 #include "presets/SessionPreset.h"
 #include "presets/VelocityMapPreset.h"
 #include "tests/Check.h"
-#include "tests/TestFolder.h"
+#include "tests/PresetFile.h"
 
 namespace cairnset {
+
+/// A Pascal string, which lasts until the next call.
+inline unsigned char* pascal(const std::string& name) {
+  static unsigned char buffer[256];
+  C2PCopy(buffer, name.c_str());
+  return buffer;
+}
 
 /// A preset of the kind with this code, or else a session; the rest is as its constructor has it.
 inline std::unique_ptr<Preset> presetOf(const std::string& code, const FSRef& ref,
