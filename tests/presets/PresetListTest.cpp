@@ -95,46 +95,41 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
     makeFolder(kRoot + folder);
   load();
   std::mt19937 random(3);
-  const auto pick = [&random](std::size_t n) { return static_cast<std::size_t>(random()) % n; };
+  const auto pick = [&random](long n) {
+    return static_cast<long>(random() % static_cast<unsigned long>(n));
+  };
   const std::string names[] = {"a", "A", "b", "Default", "\x8E", "\x83", "e", "long name"};
   const char* folders[] = {"", "/f", "/f/g", "/h"};
   for (int step = 0; step < 2500; ++step) {
-    Preset* preset =
-        list.presetAt(static_cast<long>(pick(static_cast<std::size_t>(list.count() + 1))));
+    const long at = pick(list.count() + 1);
     const FSRef folder = ref(kRoot + folders[pick(4)]);
     const std::string& name = names[pick(8)];
-    const auto operation = pick(12);
-    if (operation < 2) {
-      list.setUserFolder(folder);
-      list.newPreset(pascal(name), true, true);
-    } else if (operation == 2) {
-      if (list.count() > 12) list.deletePreset(list.findPresetIndex(preset));
-      preset = nullptr;
-    } else if (operation == 3) {
-      list.reorderPresets();
-    } else if (operation == 4) {
-      list.swapPtrs(static_cast<long>(pick(9)), static_cast<long>(pick(9)));
-    } else if (preset != nullptr && operation < 8) {
-      if (operation == 5) preset->rename(pascal(name));
-      if (operation == 6) preset->moveToFolder(folder, pick(2) == 0);
-      if (operation == 7) preset->setIndex(static_cast<std::int32_t>(pick(4)));
-    }
-    const Preset* byName = nullptr;
-    const Preset* byFile = nullptr;
-    const Preset* byFileName = nullptr;
+    const long operation = pick(12);
+    if (operation < 2) list.newPreset(pascal(name), true, true);
+    if (operation == 2 && list.count() > 12) list.deletePreset(at);
+    if (operation == 3) list.reorderPresets();
+    if (operation == 4) list.swapPtrs(pick(9), pick(9));
+    Preset* preset = list.presetAt(at);
+    if (preset != nullptr && operation == 5) preset->rename(pascal(name));
+    if (preset != nullptr && operation == 6) preset->moveToFolder(folder, pick(2) == 0);
+    if (preset != nullptr && operation == 7) preset->setIndex(static_cast<std::int32_t>(pick(4)));
     const FSRef file = preset != nullptr ? preset->fileRef() : folder;
-    for (const Preset* p : list.presets()) {
-      if (byName == nullptr && fncmp(name.c_str(), p->getTreeItemName()) == 0) byName = p;
-      if (byFile == nullptr && isSameFile(&p->fileRef(), &file)) byFile = p;
+    list.setUserFolder(folder);  // also where the next new preset goes
+    const auto first = [this](auto matches) {
+      const auto all = list.presets();
+      const auto found = std::find_if(all.begin(), all.end(), matches);
+      return found != all.end() ? *found : nullptr;
+    };
+    const auto isNamed = [&](auto* p) { return fncmp(name.c_str(), p->getTreeItemName()) == 0; };
+    const auto isOfFile = [&](auto* p) { return isSameFile(&p->fileRef(), &file); };
+    const auto isHere = [&](auto* p) {
       Str255 own;
       p->getName(own);
-      const bool isHere = isSameFolder(&p->fileRef(), &folder);
-      if (byFileName == nullptr && isHere && equalPString(own, pascal(name), false)) byFileName = p;
-    }
-    ASSERT_EQ(list.findPreset(name.c_str()), byName) << "step " << step;
-    ASSERT_EQ(list.findPresetUsingFileSpec(file), byFile) << "step " << step;
-    list.setUserFolder(folder);
-    ASSERT_EQ(list.findPresetInUserFolder(pascal(name), false), byFileName) << "step " << step;
+      return isSameFolder(&p->fileRef(), &folder) && equalPString(own, pascal(name), false);
+    };
+    ASSERT_EQ(list.findPreset(name.c_str()), first(isNamed)) << "step " << step;
+    ASSERT_EQ(list.findPresetUsingFileSpec(file), first(isOfFile)) << "step " << step;
+    ASSERT_EQ(list.findPresetInUserFolder(pascal(name), false), first(isHere)) << "step " << step;
   }
 }
 
