@@ -39,33 +39,23 @@ class ItemTree : public testing::Test {
   std::deque<TreeLeaf> _leaves;
 };
 
-TEST_F(ItemTree, ListsAFoldersLeavesBeforeItsLimbs) {
+TEST_F(ItemTree, ListsAndSearchesInTheirOrder) {
   TreeItem::_current_index = 100;
-  TreeLimb* child = newLimb(root, "x", 7);
-  TreeLeaf* leaf = newLeaf(root, "A", 1);
-  newLeaf(*newLimb(*child, "y"), "C");
-  newLeaf(*child, "B");
-  EXPECT_EQ(root.countItemsRecursively(), 5);
-  std::ostringstream os;
-  child->listRecursively(os, 0, 1);
-  EXPECT_EQ(os.str(),
-            "\tTreeLimb [index: 101; id: 7] x\n\t\tFile [index: 105; id: 0] B\n"
-            "\t\tTreeLimb [index: 103; id: 0] y\n\t\t\tFile [index: 104; id: 0] C\n");
-  TreeLeaf stranger;
-  root.removeItem(&stranger);
-  root.removeItem(nullptr);
-  EXPECT_TRUE(root.getItem(0) == leaf && root.getItem(1) == child && root.getItem(2) == nullptr);
-  TreeLimb::removeItemFromParent(leaf);
-  EXPECT_TRUE(root.getItem(0) == child && leaf->parent() == &root);
-}
-
-TEST_F(ItemTree, SearchesAnswerTheFirstMatchOfTheirOrder) {
   root.setTreeItemName("r");
-  TreeLimb* deep = newLimb(*newLimb(root, "a", 5), "same", 9);
+  TreeLimb* limb = newLimb(root, "a", 5);
+  TreeLimb* deep = newLimb(*limb, "same", 9);
   TreeLimb* shallow = newLimb(root, "same", 9);
   TreeLeaf* deepLeaf = newLeaf(*deep, "same", 9);
   TreeLeaf* leaf = newLeaf(*shallow, "same", 9);
+  newLeaf(*limb, "B");
   newLimb(root, nullptr);
+  TreeLeaf* loose = newLeaf(root, "C");
+  EXPECT_EQ(root.countItemsRecursively(), 8);
+  std::ostringstream os;
+  limb->listRecursively(os, 0, 1);
+  EXPECT_EQ(os.str(),
+            "\tTreeLimb [index: 101; id: 5] a\n\t\tFile [index: 106; id: 0] B\n"
+            "\t\tTreeLimb [index: 102; id: 9] same\n\t\t\tFile [index: 104; id: 9] same\n");
   // Limbs: each with all its own before the next. Items: children before grandchildren.
   EXPECT_EQ(root.findLimbWithNameRecursively("same"), deep);
   EXPECT_EQ(root.findItemWithIDRecursively(9), shallow);
@@ -74,6 +64,12 @@ TEST_F(ItemTree, SearchesAnswerTheFirstMatchOfTheirOrder) {
   EXPECT_EQ(root.findLimbWithNameRecursively("r"), &root);
   EXPECT_EQ(root.findItemWithNameRecursively(nullptr), nullptr);
   EXPECT_EQ(root.findLimbWithNameRecursively(""), nullptr) << "no name matches no name";
+  TreeLeaf stranger;
+  root.removeItem(&stranger);
+  root.removeItem(nullptr);
+  EXPECT_TRUE(root.getItem(0) == loose && root.getItem(1) == limb && root.getItem(4) == nullptr);
+  TreeLimb::removeItemFromParent(loose);
+  EXPECT_TRUE(root.getItem(0) == limb && loose->parent() == &root);
 }
 
 TEST_F(ItemTree, TheWalkFollowsItsCursorThroughRandomChanges) {
