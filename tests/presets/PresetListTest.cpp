@@ -84,6 +84,8 @@ TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
   const long count = list.count();
   list.deletePreset(list.findPresetIndex(copy));
   list.deletePreset(99);
+  EXPECT_FALSE(list.setUserFolder(FSRef()));
+  EXPECT_EQ(list.newPreset(pascal("new"), true, false), 0) << "unconfirmed, it does nothing";
   EXPECT_FALSE(exists(kRoot + "/User/co_py"));
   EXPECT_EQ(list.count(), count - 1);
   EXPECT_EQ(list.countLeafsRecursively(), count - 1);
@@ -163,17 +165,15 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
 
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   manager.openAllPresets();
-  const FSRef file = ref("lib/Presets/Effects/Default");
   const std::string bytes = read("lib/Presets/Effects/Default");
-  FSDeleteObject(&file);
+  std::filesystem::remove(path("lib/Presets/Effects/Default"));
   manager.synchronizePresetList(0x12345678);
   manager.synchronizePresetList(kProgramKind);
   EXPECT_FALSE(exists("lib/Presets/Effects/Default"));
   write("lib/Presets/Effects/New", bytes);
   manager.synchronizePresetList(kAllKinds);
   EXPECT_EQ(read("lib/Presets/Effects/Default"), bytes);
-  const FSRef made = ref("lib/Presets/Effects/New");
-  EXPECT_NE(manager.effects().findPresetUsingFileSpec(made), nullptr);
+  EXPECT_NE(manager.effects().findPresetUsingFileSpec(ref("lib/Presets/Effects/New")), nullptr);
   manager.effects().deletePreset(1);
   for (const std::string folder : {"Velocity Maps", "Effects", "Programs", "Sessions"})
     write("lib/Presets/loose " + folder, read("lib/Presets/" + folder + "/Default"));
