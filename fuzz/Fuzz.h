@@ -2,21 +2,14 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <memory>
 #include <string>
 
-namespace cairnset {
+#include "tests/Check.h"
 
-/// Ends the process, which is a finding, where what must hold does not.
-inline void check(bool holds, const char* what, const std::string& detail = "") {
-  if (holds) return;
-  std::fprintf(stderr, "DOES NOT HOLD: %s: %s\n", what, detail.c_str());
-  std::abort();
-}
+namespace cairnset {
 
 /// A copy with `room` bytes and a NUL behind it, and not one more, so that reading or writing
 /// beyond is seen.

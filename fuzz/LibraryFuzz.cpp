@@ -11,12 +11,10 @@
 #include "host/Names.h"
 #include "host/NodeTable.h"
 #include "host/PascalStrings.h"
-#include "presets/PresetManager.h"
-#include "presets/PresetReferences.h"
+#include "presets/Preset.h"
 #include "tests/PresetFile.h"
 #include "tool/CommandLine.h"
 #include "tool/FilenameRepair.h"
-#include "tool/LeafIteration.h"
 #include "tool/Session.h"
 
 namespace cairnset {
@@ -26,7 +24,6 @@ namespace fs = std::filesystem;
 using Input = FuzzedDataProvider;
 
 const std::string kPresets = "lib/Presets/";
-const std::string kKinds[] = {"Velocity Maps", "Effects", "Programs", "Sessions"};
 const TestFolder& world() {
   static const TestFolder folder;
   return folder;
@@ -47,10 +44,6 @@ std::string takeName(Input& input) {
   return name.empty() || name == "." || name == ".." ? "x" : name;
 }
 
-std::string bigEndian(std::size_t size) {
-  return {0, 0, static_cast<char>(size >> 8), static_cast<char>(size)};
-}
-
 void makeItem(const std::string& path, std::vector<std::string>& folders, Input& input) {
   const std::string full = kPresets + path, there = world().path(full);
   if (path.size() > 1500 || world().exists(full)) return;
@@ -61,7 +54,7 @@ void makeItem(const std::string& path, std::vector<std::string>& folders, Input&
   if (how == 0) return fs::create_symlink(input.ConsumeBool() ? "../../../outside/p" : ".", there);
   if (how == 1) return (void)::mkfifo(there.c_str(), 0666);
   if (how == 2) return folders.push_back(path), world().makeFolder(full);
-  if (how == 3) preset.path = input.PickValueInArray(kKinds) + "/of another kind";
+  if (how == 3) preset.path = std::string(input.PickValueInArray(kKinds).folder) + "/x";
   std::string bytes = preset.bytes();
   if (how < 6 && input.ConsumeBool()) bytes.resize(input.ConsumeIntegralInRange(0ul, 400ul), 't');
   if (how < 5 && bytes.size() > 11) bytes.replace(8, 4, bigEndian(bytes.size()));
@@ -75,13 +68,14 @@ void makeLibrary(Input& input) {
   put(world(), "outside/p", PresetFile{"Effects/p", true}.bytes());
   world().makeFolder(kPresets);
   std::vector<std::string> folders;
-  for (const std::string& kind : kKinds) {
+  for (const KindFormat& kind : kKinds) {
     const int how = input.ConsumeIntegralInRange(0, 20);
-    if (how == 0) fs::create_symlink("../../outside", world().path(kPresets + kind));
-    if (how == 1) world().write(kPresets + kind, "text");
+    const std::string folder = kPresets + kind.folder;
+    if (how == 0) fs::create_symlink("../../outside", world().path(folder));
+    if (how == 1) world().write(folder, "text");
     if (how < 3) continue;
-    world().makeFolder(kPresets + kind);
-    folders.push_back(kind);
+    world().makeFolder(folder);
+    folders.push_back(kind.folder);
   }
   for (int i = 0; i < 40 && !folders.empty() && input.remaining_bytes() > 0; ++i) {
     const auto at = input.ConsumeIntegralInRange<std::size_t>(0, folders.size() - 1);
@@ -104,6 +98,8 @@ struct File {
   }
   bool isLoose() const { return isPreset() && folder == root(); }
   bool isLoaded() const { return isPreset() && bytes.compare(8, 4, bigEndian(bytes.size())) == 0; }
+  bool isWhole() const { return isLoaded() && bytes.size() == 93 + kind->payload; }
+  std::string reference(std::size_t i) const { return bytes.substr(93 + 64 * i, 64).c_str(); }
   bool isDefault() const {
     const char* good = isIllegalFilename(held().c_str());
     return kind != nullptr && fncmp(good != nullptr ? good : held().c_str(), "Default") == 0;
@@ -114,7 +110,7 @@ struct File {
     const std::size_t size = 93 + kind->payload, width = forROM ? 1 : 64 * kind->references;
     std::string before = bytes;
     if (after.size() != std::max(before.size(), size)) return false;
-    if (!isLoaded() || before.size() != size) return true;
+    if (!isWhole()) return true;
     for (std::string* b : {&before, &after})
       b->replace(12, 72, 72, '0')
           .replace(85, 8, 8, '0')
@@ -135,15 +131,17 @@ Tree tree() {
     file = {path.parent_path(), path.filename(), "", S_ISDIR(info.st_mode)};
     if (S_ISREG(info.st_mode)) file.bytes = world().read(path);
     if (S_ISLNK(info.st_mode)) file.bytes = fs::read_symlink(entry);
-    for (const std::string& kind : kKinds)
-      if ((file.folder + "/").starts_with(kPresets + kind + "/")) file.kind = &formatOf(kind);
+    for (const KindFormat& kind : kKinds)
+      if ((file.folder + "/").starts_with(kPresets + kind.folder + "/")) file.kind = &kind;
   }
   return all;
 }
 
-Tree::const_iterator at(const Tree& tree, const std::string& folder, const std::string& name) {
-  return std::find_if(tree.begin(), tree.end(), [&](auto& item) {
-    return item.second.folder == folder && item.second.name == name;
+bool isAnswered(const Tree& tree, const KindFormat& kind, const std::string& name, bool exactly) {
+  return std::any_of(tree.begin(), tree.end(), [&](auto& item) {
+    const File& file = item.second;
+    return file.isPreset() && file.kind == &kind &&
+           (exactly ? file.held() == name : fncmp(file.held().c_str(), name.c_str()) == 0);
   });
 }
 
@@ -160,46 +158,22 @@ int run(std::vector<std::string> options) {
   return runCommandLine(static_cast<int>(arguments.size()), arguments.data());
 }
 
-struct Reference {
-  std::string name;
-  bool resolves, isExact;
-};
-
-// By the file that refers and the name's place in it. A file of odd size loses them when written.
-std::map<std::pair<ino_t, const PresetReference*>, Reference> references(const Tree& tree) {
-  std::map<std::pair<ino_t, const PresetReference*>, Reference> all;
-  check(instantiate() == kSuccess, "a library loads");
-  const auto look = [&](PresetList* from, PresetList* to, const PresetReference& reference) {
-    std::set<std::string> names;
-    forEachPreset(to, [&](Preset& preset) { names.insert(preset.getTreeItemName()); });
-    forEachPreset(from, [&](Preset& preset) {
-      const fs::path path = NodeTable::shared().path(preset.fileRef().node);
-      const std::string folder = path.parent_path().lexically_relative(world().path(""));
-      const auto file = at(tree, folder, path.filename());
-      if (file == tree.end() || file->second.bytes.size() != 93 + file->second.kind->payload)
-        return;
-      const std::string name(reference.name(preset));
-      const bool resolves = to->findPreset(name.c_str()) != nullptr;
-      all[{file->first, &reference}] = {name, resolves, names.contains(name)};
-    });
-  };
-  look(_p, _e, kProgramEffectsReference);
-  look(_s, _p, kSessionProgramReference);
-  look(_s, _v, kSessionVelocityMapReference);
-  deinstantiate();
-  return all;
-}
-
 // --- What must hold ---
+
+// Whether a factory preset that lay loose has taken the file's place.
+bool isReplaced(const File& file, const Tree& before, const Tree& after) {
+  return std::any_of(before.begin(), before.end(), [&](auto& item) {
+    const auto now = after.find(item.first);
+    return item.second.isLoose() && item.second.name == file.name && now != after.end() &&
+           now->second.folder == file.folder && now->second.name == file.name;
+  });
+}
 
 void checkTree(char command, const Tree& before, const Tree& after) {
   for (const auto& [inode, file] : before) {
     const auto found = after.find(inode);
-    if (found == after.end()) {  // a factory preset that lay loose has taken its place
-      const auto there = at(after, file.folder, file.name);
-      check(command == 's' && there != after.end() && before.contains(there->first) &&
-                before.at(there->first).isLoose() && before.at(there->first).name == file.name,
-            "a file is lost", file.name);
+    if (found == after.end()) {
+      check(command == 's' && isReplaced(file, before, after), "a file is lost", file.name);
       continue;
     }
     const File& now = found->second;
@@ -222,7 +196,6 @@ void checkTree(char command, const Tree& before, const Tree& after) {
 void checkCommand(char command) {
   const std::string option{'-', command};
   const Tree before = tree();
-  const auto named = references(before);
   check(run({option}) == kSuccess, "it succeeds", option);
   Tree after = tree();
   checkTree(command, before, after);
@@ -236,13 +209,20 @@ void checkCommand(char command) {
     const std::string held = heldNameFromVolumeName(file.name);
     if (isIllegalFilename(held.c_str()) != nullptr) stuck.insert(held);
   }
-  const auto now = references(after);
-  for (const auto& [which, was] : named) {
-    // One with other capitals is not relinked, and one whose preset kept its name leads nowhere.
-    const bool isGiven = command == 'z' && (!was.isExact || stuck.contains(was.name));
-    const auto is = now.find(which);
-    check(!was.resolves || isGiven || is == now.end() || is->second.resolves, "it leads nowhere",
-          was.name);
+  for (const auto& [inode, file] : before) {
+    const auto now = after.find(inode);
+    // A file of odd size loses its references when it is written.
+    if (!file.isWhole() || now == after.end()) continue;
+    for (std::size_t i = 0; i < file.kind->references; ++i) {
+      const KindFormat& kind = formatOf(file.kind->refersTo[i]);
+      const std::string name = file.reference(i);
+      // One with other capitals is not relinked, and one whose preset kept its name leads nowhere.
+      const bool isGiven =
+          command == 'z' && (!isAnswered(before, kind, name, true) || stuck.contains(name));
+      check(isGiven || !isAnswered(before, kind, name, false) ||
+                isAnswered(after, kind, now->second.reference(i), false),
+            "it leads nowhere", name);
+    }
   }
 }
 

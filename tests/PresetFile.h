@@ -11,16 +11,33 @@ struct KindFormat {
   std::size_t references;  // name fields of 64 bytes at the start of the payload
   unsigned declared;       // payload length as stored
   std::size_t payload;     // and as it is, without its own 4 bytes
+  const char* refersTo[2];
 };
 
+inline constexpr KindFormat kKinds[] = {
+    {"Velocity Maps", "VMap", 0, 10, 10, {}},
+    {"Effects", "Effx", 0, 63, 63, {}},
+    {"Programs", "Prog", 1, 108, 172, {"Effects"}},
+    {"Sessions", "Sess", 2, 150, 150, {"Velocity Maps", "Programs"}}};
+
+/// Of the kind in whose folder a path leads.
 inline const KindFormat& formatOf(const std::string& path) {
-  static constexpr KindFormat kKinds[] = {{"Velocity Maps", "VMap", 0, 10, 10},
-                                          {"Effects", "Effx", 0, 63, 63},
-                                          {"Programs", "Prog", 1, 108, 172},
-                                          {"Sessions", "Sess", 2, 150, 150}};
   for (const KindFormat& kind : kKinds)
     if (path.substr(0, path.find('/')) == kind.folder) return kind;
   throw std::runtime_error("in no kind's folder: " + path);
+}
+
+inline std::string bigEndian(unsigned long value) {
+  std::string four;
+  for (int shift = 24; shift >= 0; shift -= 8)
+    four += static_cast<char>(value >> shift & 0xFF);
+  return four;
+}
+
+/// Zeros behind it, or what does not fit cut off.
+inline std::string padded(std::string text, std::size_t width) {
+  text.resize(width, '\0');
+  return text;
 }
 
 struct PresetFile {
@@ -30,23 +47,17 @@ struct PresetFile {
   std::vector<std::string> references{};  // those not given are to "Default"
 
   std::string bytes() const {
-    const auto big = [](unsigned long value) {
-      std::string four;
-      for (int shift = 24; shift >= 0; shift -= 8)
-        four += static_cast<char>(value >> shift & 0xFF);
-      return four;
-    };
-    const auto field = [](std::string text) { return text.append(64, '\0').substr(0, 64); };
     const KindFormat& kind = formatOf(path);
     std::string name = path.substr(path.rfind('/') + 1, 63);
     std::replace(name.begin(), name.end(), ':', '/');
     std::string payload;
     for (std::size_t i = 0; i < kind.references; ++i)
-      payload += field(i < references.size() ? references[i] : "Default");
+      payload += padded(i < references.size() ? references[i] : "Default", 64);
     while (payload.size() < kind.payload)
       payload += static_cast<char>('!' + payload.size() % 61);  // no float of these is a NaN
-    return std::string("OlPs") + kind.code + big(93 + kind.payload) + field(name) +
-           std::string(8, '\0') + (rom ? '\1' : '\0') + big(index) + big(kind.declared) + payload;
+    return std::string("OlPs") + kind.code + bigEndian(93 + kind.payload) + padded(name, 64) +
+           std::string(8, '\0') + (rom ? '\1' : '\0') + bigEndian(index) +
+           bigEndian(kind.declared) + payload;
   }
 };
 

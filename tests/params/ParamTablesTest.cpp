@@ -88,39 +88,36 @@ TEST(ParamConverter, StepsRoundToEvenAndHaveNoLowerLimit) {
   for (const auto& [raw, index] : cases)
     EXPECT_EQ(tens.rawToIndex(raw), index) << raw;
   EXPECT_LT(tens.rawToIndex(-1e30F), -1000000);
+  EXPECT_EQ(Static24dBGainConverter.rawToIndex(-0.5F), -48);
   EXPECT_EQ(intToFloatParam(20, 40) + intToFloatParam(5, 1), 20.0F / 39.0F);
-  EXPECT_EQ(StaticBipolarPercentConverter.rawToEngine(0.75F), 0.5F);
   char text[kParamDisplaySize + 1] = {};
   StepParamConverter(1e30, 2e30, 1e29, 4).rawToDisplay(0.0F, text);
   EXPECT_EQ(std::string(text).size(), kParamDisplaySize - 1);
 }
 
-TEST(ParamConverter, WordsSplitAtTheirSinglePrecisionBounds) {
-  const std::tuple<float, float, const char*> cases[] = {
-      {std::nextafter(0.34F, 0.0F), 0.0F, "Small"},
-      {0.34F, 0.5F, "Medium"},
-      {std::nextafter(0.67F, 0.0F), 0.5F, "Medium"},
-      {0.67F, 1.0F, "Large"}};
-  for (const auto& [raw, value, text] : cases) {
-    EXPECT_EQ(StaticBufferSizeParamConverter.rawToEngine(raw), value) << text;
-    EXPECT_EQ(shown(StaticBufferSizeParamConverter, raw), text);
+// Tables take the higher entry and stay inside, words split at their single-precision bounds, and a
+// balance is not stepped.
+TEST(ParamConverter, WhatIsShownAndWhatTheEngineTakes) {
+  const auto frequency = [](float hertz) {
+    return StaticFreqTableParamConverter.intrinsicToRaw(hertz);
+  };
+  const std::tuple<const ParamConverter*, float, float, const char*> cases[] = {
+      {&StaticBufferSizeParamConverter, std::nextafter(0.34F, 0.0F), 0.0F, "Small"},
+      {&StaticBufferSizeParamConverter, 0.34F, 0.5F, "Medium"},
+      {&StaticBufferSizeParamConverter, std::nextafter(0.67F, 0.0F), 0.5F, "Medium"},
+      {&StaticBufferSizeParamConverter, 0.67F, 1.0F, "Large"},
+      {&StaticBipolarPercentConverter, 0.751F, 2.0F * 0.751F - 1.0F, "50"},
+      {&Static24dBGainConverter, -0.5F, 0.0625F, "-24.0"},
+      {&Static24dBGainConverter, Static24dBGainConverter.intrinsicToRaw(24.1F), 16.0F, "24.0"},
+      {&StaticFreqTableParamConverter, frequency(28.0F), 28.25F, "28.3 Hz"},
+      {&StaticFreqTableParamConverter, frequency(94.0F), 94.63F, "94.6 Hz"},
+      {&StaticFreqTableParamConverter, frequency(95.0F), 100.24F, "100 Hz"},
+      {&StaticFreqTableParamConverter, frequency(10000.0F), 10023.74F, "10.0 kHz"}};
+  for (const auto& [converter, raw, value, text] : cases) {
+    EXPECT_EQ(converter->rawToEngine(raw), value) << text;
+    EXPECT_EQ(shown(*converter, raw), text);
   }
-}
-
-TEST(ParamConverter, TablesTakeTheHigherEntryAndStayInside) {
-  EXPECT_EQ(Static24dBGainConverter.intrinsicToRaw(24.1F), 1.0F);
   EXPECT_EQ(StaticAmpTableParamConverter.quantizeIntrinsic(-11.9F), -11.5F);
-  EXPECT_EQ(Static24dBGainConverter.rawToIndex(-0.5F), -48);
-  EXPECT_EQ(shown(Static24dBGainConverter, -0.5F), "-24.0");
-  const std::tuple<float, float, const char*> frequencies[] = {{28.0F, 28.25F, "28.3 Hz"},
-                                                               {94.0F, 94.63F, "94.6 Hz"},
-                                                               {95.0F, 100.24F, "100 Hz"},
-                                                               {10000.0F, 10023.74F, "10.0 kHz"}};
-  for (const auto& [asked, value, text] : frequencies) {
-    EXPECT_EQ(StaticFreqTableParamConverter.quantizeIntrinsic(asked), value);
-    EXPECT_EQ(shown(FreqTableParamConverter(), FreqTableParamConverter().intrinsicToRaw(asked)),
-              text);
-  }
 }
 
 TEST(ParamTables, DefaultsAreStepsOfTheirConverters) {

@@ -1,4 +1,4 @@
-#include <memory>
+#include <deque>
 #include <random>
 #include <sstream>
 #include <vector>
@@ -13,20 +13,17 @@ namespace cairnset {
 class ItemTree : public testing::Test {
  protected:
   template <typename Item>
-  static Item* named(Item* item, const char* name, unsigned long id) {
+  static Item* add(TreeLimb& parent, Item* item, const char* name, unsigned long id = 0) {
     item->setTreeItemName(name);
     item->setTreeItemID(id);
+    parent.addItem(item);
     return item;
   }
   static TreeLimb* newLimb(TreeLimb& parent, const char* name, unsigned long id = 0) {
-    TreeLimb* limb = named(new TreeLimb, name, id);
-    parent.addLimb(limb);
-    return limb;
+    return add(parent, new TreeLimb, name, id);
   }
   TreeLeaf* newLeaf(TreeLimb& parent, const char* name, unsigned long id = 0) {
-    TreeLeaf* leaf = named(_leaves.emplace_back(std::make_unique<TreeLeaf>()).get(), name, id);
-    parent.addLeaf(leaf);
-    return leaf;
+    return add(parent, &_leaves.emplace_back(), name, id);
   }
   // The leaves in the order of the plain definition.
   static void collect(const TreeLimb& limb, std::vector<TreeLeaf*>& out) {
@@ -39,36 +36,26 @@ class ItemTree : public testing::Test {
   TreeLimb root;
 
  private:
-  std::vector<std::unique_ptr<TreeLeaf>> _leaves;
+  std::deque<TreeLeaf> _leaves;
 };
 
-TEST_F(ItemTree, ListsAFoldersLeavesBeforeItsLimbs) {
+TEST_F(ItemTree, ListsAndSearchesInTheirOrder) {
   TreeItem::_current_index = 100;
-  TreeLimb* child = newLimb(root, "x", 7);
-  TreeLeaf* leaf = newLeaf(root, "A", 1);
-  newLeaf(*newLimb(*child, "y"), "C");
-  newLeaf(*child, "B");
-  EXPECT_EQ(root.countItemsRecursively(), 5);
-  std::ostringstream os;
-  child->listRecursively(os, 0, 1);
-  EXPECT_EQ(os.str(),
-            "\tTreeLimb [index: 101; id: 7] x\n\t\tFile [index: 105; id: 0] B\n"
-            "\t\tTreeLimb [index: 103; id: 0] y\n\t\t\tFile [index: 104; id: 0] C\n");
-  TreeLeaf stranger;
-  root.removeItem(&stranger);
-  root.removeItem(nullptr);
-  EXPECT_TRUE(root.getItem(0) == leaf && root.getItem(1) == child && root.getItem(2) == nullptr);
-  TreeLimb::removeItemFromParent(leaf);
-  EXPECT_TRUE(root.getItem(0) == child && leaf->parent() == &root);
-}
-
-TEST_F(ItemTree, SearchesAnswerTheFirstMatchOfTheirOrder) {
   root.setTreeItemName("r");
-  TreeLimb* deep = newLimb(*newLimb(root, "a", 5), "same", 9);
+  TreeLimb* limb = newLimb(root, "a", 5);
+  TreeLimb* deep = newLimb(*limb, "same", 9);
   TreeLimb* shallow = newLimb(root, "same", 9);
   TreeLeaf* deepLeaf = newLeaf(*deep, "same", 9);
   TreeLeaf* leaf = newLeaf(*shallow, "same", 9);
+  newLeaf(*limb, "B");
   newLimb(root, nullptr);
+  TreeLeaf* loose = newLeaf(root, "C");
+  EXPECT_EQ(root.countItemsRecursively(), 8);
+  std::ostringstream os;
+  limb->listRecursively(os, 0, 1);
+  EXPECT_EQ(os.str(),
+            "\tTreeLimb [index: 101; id: 5] a\n\t\tFile [index: 106; id: 0] B\n"
+            "\t\tTreeLimb [index: 102; id: 9] same\n\t\t\tFile [index: 104; id: 9] same\n");
   // Limbs: each with all its own before the next. Items: children before grandchildren.
   EXPECT_EQ(root.findLimbWithNameRecursively("same"), deep);
   EXPECT_EQ(root.findItemWithIDRecursively(9), shallow);
@@ -77,6 +64,12 @@ TEST_F(ItemTree, SearchesAnswerTheFirstMatchOfTheirOrder) {
   EXPECT_EQ(root.findLimbWithNameRecursively("r"), &root);
   EXPECT_EQ(root.findItemWithNameRecursively(nullptr), nullptr);
   EXPECT_EQ(root.findLimbWithNameRecursively(""), nullptr) << "no name matches no name";
+  TreeLeaf stranger;
+  root.removeItem(&stranger);
+  root.removeItem(nullptr);
+  EXPECT_TRUE(root.getItem(0) == loose && root.getItem(1) == limb && root.getItem(4) == nullptr);
+  TreeLimb::removeItemFromParent(loose);
+  EXPECT_TRUE(root.getItem(0) == limb && loose->parent() == &root);
 }
 
 TEST_F(ItemTree, TheWalkFollowsItsCursorThroughRandomChanges) {
@@ -85,15 +78,11 @@ TEST_F(ItemTree, TheWalkFollowsItsCursorThroughRandomChanges) {
   for (int step = 0; step < 5000; ++step) {
     TreeLimb& limb = *limbs[random() % limbs.size()];
     const auto change = random() % 16;
-    if (change == 0) {
-      limbs.push_back(newLimb(limb, "l"));
-    } else if (change < 3) {
-      newLeaf(limb, "x");
-    } else if (change == 3) {
-      limb.removeItem(limb.leaves().count() > 0 ? limb.getItem(0) : nullptr);
-    } else if (change == 4) {
-      root.setLeafCursor(static_cast<std::uint32_t>(random() % 40));
-    } else if (change == 5 && step % 8 == 0) {
+    if (change == 0) limbs.push_back(newLimb(limb, "l"));
+    if (change == 1 || change == 2) newLeaf(limb, "x");
+    if (change == 3) limb.removeItem(limb.leaves().count() > 0 ? limb.getItem(0) : nullptr);
+    if (change == 4) root.setLeafCursor(static_cast<std::uint32_t>(random() % 40));
+    if (change == 5 && step % 8 == 0) {
       limb.deleteItemsRecursively();
       limbs = {&root};
       for (std::size_t i = 0; i < limbs.size(); ++i)

@@ -1,37 +1,29 @@
 #include <algorithm>
 #include <random>
-#include <tuple>
 
 #include <gtest/gtest.h>
 
 #include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
-#include "host/MacRoman.h"
-#include "host/PascalStrings.h"
 #include "host/SystemCalls.h"
 #include "presets/PresetManager.h"
-#include "tests/PresetFile.h"
+#include "tests/presets/PresetTest.h"
 
 namespace cairnset {
 namespace {
 
-unsigned char* pascal(const std::string& name) {
-  static unsigned char buffer[256];
-  C2PCopy(buffer, name.c_str());
-  return buffer;
-}
+const std::string kRoot = "lib/Presets/Velocity Maps";
 
 // A library with one list that is loaded, that of the velocity maps.
 class PresetListTest : public testing::Test, protected TestFolder {
  protected:
-  PresetListTest() { manager.setOlvanItemsFSRef(ref("")); }
+  PresetListTest() {
+    makeFolder("lib");
+    manager.setOlvanItemsFSRef(ref("lib"));
+  }
+  ~PresetListTest() override { systemCalls() = real; }
 
   void load() { manager.openAllPresetsOfType(kVelocityMapKind); }
-
-  void writePreset(const std::string& path, bool rom, std::int32_t index) {
-    const PresetFile preset{"Velocity Maps/" + path, rom, static_cast<unsigned>(index)};
-    put(*this, "Presets/" + preset.path, preset.bytes());
-  }
 
   std::string shown() {
     std::string text;
@@ -42,75 +34,42 @@ class PresetListTest : public testing::Test, protected TestFolder {
     return text;
   }
 
+  const SystemCalls real = systemCalls();
   PresetManager manager{nullptr};
   VelocityMapPresetList& list = manager.velocityMaps();
 };
 
-TEST_F(PresetListTest, SeesToADefaultInTheRootFolder) {
-  const std::string root = "Presets/Velocity Maps/";
-  load();
-  std::string bytes = read(root + "Default");
-  const std::tuple<std::string, bool, char, bool, bool> cases[] = {
-      {"Default", true, 0, false, true},    {"Default", false, 0, true, true},
-      {"Default", true, 5, true, true},     {"dEFAULT", false, 1, true, false},
-      {"x/Default", false, 1, true, false}, {"Defaults", true, 0, false, true}};
-  for (const auto& [file, rom, index, isRewritten, isThere] : cases) {
-    list.clearPresets();
-    for (const char* item : {"Default", "dEFAULT", "x"})
-      std::filesystem::remove_all(path(root + item));
-    makeFolder(root + "x");
-    bytes[84] = rom, bytes[88] = index;
-    write(root + file, bytes);
-    load();
-    EXPECT_EQ(read(root + file) != bytes, isRewritten) << file << rom << int{index};
-    EXPECT_EQ(exists(root + "Default"), isThere) << file;
-    const Preset* found = list.findPreset("Default");
-    ASSERT_TRUE(found != nullptr && found->isROM() && found->index() == 0) << file;
-  }
-}
-
 TEST_F(PresetListTest, OrdersROMFirstNumbersRAMAnewAndLoadsOnlyWhatIsNew) {
-  writePreset("a", false, 1);
-  writePreset("sub/deep/b", false, 2);
-  writePreset("rom", true, 12);
-  writePreset("negative", true, -1);
+  for (const PresetFile& preset : {PresetFile{"Velocity Maps/a", false, 1},
+                                   {"Velocity Maps/sub/deep/b", false, 2},
+                                   {"Velocity Maps/rom", true, 12},
+                                   {"Velocity Maps/negative", true, 0xFFFFFFFF}})
+    put(*this, preset);
   load();
   EXPECT_EQ(shown(), "negative ROM -1; Default ROM 0; rom ROM 12; a RAM 0; b RAM 1; ");
   const Preset* a = list.findPreset("A");
   const long limbs = list.countLimbsRecursively();
-  writePreset("sub/deep/c", false, 0);
+  put(*this, PresetFile{"Velocity Maps/sub/deep/c"});
   load();
   EXPECT_EQ(shown(), "negative ROM -1; Default ROM 0; rom ROM 12; a RAM 0; c RAM 1; b RAM 2; ");
   EXPECT_EQ(list.countLeafsRecursively(), 6);
   EXPECT_EQ(list.countLimbsRecursively(), limbs);
   EXPECT_EQ(list.findPreset("a"), a);
   EXPECT_EQ(list.findPreset("c")->parent(), list.findPreset("b")->parent());
-  const std::string bytes = read("Presets/Velocity Maps/Default");
+  const std::string bytes = read(kRoot + "/Default");
   list.clearPresets();
-  const SystemCalls real = systemCalls();
   systemCalls().readdir = [](DIR*) -> struct dirent* {
     return errno = EIO, nullptr;
   };
   load();
-  systemCalls() = real;
   EXPECT_EQ(list.count(), 0);
-  EXPECT_EQ(read("Presets/Velocity Maps/Default"), bytes) << "none is made over one not seen";
-}
-
-TEST_F(PresetListTest, UnconfirmedListsDoNothing) {
-  // A list whose folder is a file, or can neither be found nor made, is not confirmed by another's.
-  write("Presets/Effects", "a file");
-  manager.openAllPresets();
-  EXPECT_FALSE(manager.effects().confirmed());
-  EXPECT_EQ(manager.effects().count(), 0);
-  EXPECT_EQ(read("Presets/Effects"), "a file");
-  EXPECT_EQ(manager.programs().count(), 1);
+  EXPECT_EQ(read(kRoot + "/Default"), bytes) << "none is made over one not seen";
 }
 
 TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
   load();
   EXPECT_EQ(list.newPreset(pascal("a/b?. "), true, true), 0);
-  EXPECT_TRUE(exists("Presets/Velocity Maps/User/a_b_"));
+  EXPECT_TRUE(exists(kRoot + "/User/a_b_"));
   Preset* made = list.findPreset("A_B_");
   ASSERT_NE(made, nullptr);
   EXPECT_STREQ(made->parent()->getTreeItemName(), "User");
@@ -125,89 +84,76 @@ TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
   const long count = list.count();
   list.deletePreset(list.findPresetIndex(copy));
   list.deletePreset(99);
-  EXPECT_FALSE(exists("Presets/Velocity Maps/User/co_py"));
+  EXPECT_FALSE(list.setUserFolder(FSRef()));
+  EXPECT_EQ(list.newPreset(pascal("new"), true, false), 0) << "unconfirmed, it does nothing";
+  EXPECT_FALSE(exists(kRoot + "/User/co_py"));
   EXPECT_EQ(list.count(), count - 1);
   EXPECT_EQ(list.countLeafsRecursively(), count - 1);
 }
 
 // Every indexed answer against the plain walk that defines it, through random changes.
 TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
-  for (const char* folder : {"f", "f/g", "h"})
-    makeFolder(std::string("Presets/Velocity Maps/") + folder);
+  for (const char* folder : {"/f/g", "/h"})
+    makeFolder(kRoot + folder);
   load();
   std::mt19937 random(3);
-  const auto pick = [&random](std::size_t n) { return static_cast<std::size_t>(random()) % n; };
+  const auto pick = [&random](long n) {
+    return static_cast<long>(random() % static_cast<unsigned long>(n));
+  };
   const std::string names[] = {"a", "A", "b", "Default", "\x8E", "\x83", "e", "long name"};
   const char* folders[] = {"", "/f", "/f/g", "/h"};
   for (int step = 0; step < 2500; ++step) {
-    Preset* preset =
-        list.presetAt(static_cast<long>(pick(static_cast<std::size_t>(list.count() + 1))));
-    const FSRef folder = ref(std::string("Presets/Velocity Maps") + folders[pick(4)]);
+    const long at = pick(list.count() + 1);
+    const FSRef folder = ref(kRoot + folders[pick(4)]);
     const std::string& name = names[pick(8)];
-    const auto operation = pick(12);
-    if (operation < 2) {
-      list.setUserFolder(folder);
-      list.newPreset(pascal(name), true, true);
-    } else if (operation == 2) {
-      if (list.count() > 12) list.deletePreset(list.findPresetIndex(preset));
-      preset = nullptr;
-    } else if (operation == 3) {
-      list.reorderPresets();
-    } else if (operation == 4) {
-      list.swapPtrs(static_cast<long>(pick(9)), static_cast<long>(pick(9)));
-    } else if (preset != nullptr && operation < 8) {
-      if (operation == 5) preset->rename(pascal(name));
-      if (operation == 6) preset->moveToFolder(folder, pick(2) == 0);
-      if (operation == 7) preset->setIndex(static_cast<std::int32_t>(pick(4)));
-    }
-    const Preset* byName = nullptr;
-    const Preset* byFile = nullptr;
-    const Preset* byFileName = nullptr;
+    const long operation = pick(12);
+    if (operation < 2) list.newPreset(pascal(name), true, true);
+    if (operation == 2 && list.count() > 12) list.deletePreset(at);
+    if (operation == 3) list.reorderPresets();
+    if (operation == 4) list.swapPtrs(pick(9), pick(9));
+    Preset* preset = list.presetAt(at);
+    if (preset != nullptr && operation == 5) preset->rename(pascal(name));
+    if (preset != nullptr && operation == 6) preset->moveToFolder(folder, pick(2) == 0);
+    if (preset != nullptr && operation == 7) preset->setIndex(static_cast<std::int32_t>(pick(4)));
     const FSRef file = preset != nullptr ? preset->fileRef() : folder;
-    for (const Preset* p : list.presets()) {
-      if (byName == nullptr && fncmp(name.c_str(), p->getTreeItemName()) == 0) byName = p;
-      if (byFile == nullptr && isSameFile(&p->fileRef(), &file)) byFile = p;
+    list.setUserFolder(folder);  // also where the next new preset goes
+    const auto first = [this](auto matches) {
+      const auto all = list.presets();
+      const auto found = std::find_if(all.begin(), all.end(), matches);
+      return found != all.end() ? *found : nullptr;
+    };
+    const auto isNamed = [&](auto* p) { return fncmp(name.c_str(), p->getTreeItemName()) == 0; };
+    const auto isOfFile = [&](auto* p) { return isSameFile(&p->fileRef(), &file); };
+    const auto isHere = [&](auto* p) {
       Str255 own;
       p->getName(own);
-      const bool isHere = isSameFolder(&p->fileRef(), &folder);
-      if (byFileName == nullptr && isHere && equalPString(own, pascal(name), false)) byFileName = p;
-    }
-    ASSERT_EQ(list.findPreset(name.c_str()), byName) << "step " << step;
-    ASSERT_EQ(list.findPresetUsingFileSpec(file), byFile) << "step " << step;
-    list.setUserFolder(folder);
-    ASSERT_EQ(list.findPresetInUserFolder(pascal(name), false), byFileName) << "step " << step;
+      return isSameFolder(&p->fileRef(), &folder) && equalPString(own, pascal(name), false);
+    };
+    ASSERT_EQ(list.findPreset(name.c_str()), first(isNamed)) << "step " << step;
+    ASSERT_EQ(list.findPresetUsingFileSpec(file), first(isOfFile)) << "step " << step;
+    ASSERT_EQ(list.findPresetInUserFolder(pascal(name), false), first(isHere)) << "step " << step;
   }
 }
 
 long calls;
 
-template <auto kCall, typename Result, typename... Args>
-void count(Result (*&call)(Args...)) {
-  static Result (*const real)(Args...) = call;
-  call = [](Args... args) -> Result { return ++calls, real(args...); };
-}
-
 template <auto... kCalls>
-void countAll() {
-  (count<kCalls>(systemCalls().*kCalls), ...);
+void count() {
+  static const SystemCalls real = systemCalls();
+  ((systemCalls().*kCalls = [](auto... args) { return ++calls, (real.*kCalls)(args...); }), ...);
 }
 
 // Noise-free, and so the gate against a step that has become quadratic or asks the disk twice.
 // readdir is left out: how many names one call brings is the system's affair.
 TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
   load();
-  const std::string bytes = read("Presets/Velocity Maps/Default");
   using S = SystemCalls;
-  const S real = systemCalls();
-  countAll<&S::open, &S::close, &S::fstat, &S::pread, &S::pwrite, &S::lstat, &S::mkdir,
-           &S::renameNoReplace, &S::unlink, &S::readlink, &S::realpath, &S::fdopendir,
-           &S::closedir>();
+  count<&S::open, &S::close, &S::fstat, &S::pread, &S::pwrite, &S::lstat, &S::mkdir,
+        &S::renameNoReplace, &S::unlink, &S::readlink, &S::realpath, &S::fdopendir, &S::closedir>();
   for (const int round : {0, 1}) {
-    for (int i = 0; i < 100; ++i) {
-      const std::string folder = "Presets/Velocity Maps/f" + std::to_string(i % 10);
-      makeFolder(folder);
-      write(folder + "/" + std::to_string(100 * round + i), bytes);
-    }
+    for (int i = 0; i < 100; ++i)
+      put(*this, PresetFile{"Velocity Maps/f" + std::to_string(i % 10) + "/" +
+                            std::to_string(100 * round + i)});
     list.clearPresets();
     const long before = std::exchange(calls, 0);
     load();
@@ -215,27 +161,23 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
     EXPECT_TRUE(round == 0 || calls - before == 4 * 100) << "open, fstat, pread, close";
     EXPECT_LE(calls, 4 * (101 + 100 * round) + 12 * 12 + 20) << "12 folders, what is paid once";
   }
-  systemCalls() = real;
 }
 
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   manager.openAllPresets();
-  const FSRef file = ref("Presets/Effects/Default");
-  const std::string bytes = read("Presets/Effects/Default");
-  FSDeleteObject(&file);
+  const std::string bytes = read("lib/Presets/Effects/Default");
+  std::filesystem::remove(path("lib/Presets/Effects/Default"));
   manager.synchronizePresetList(0x12345678);
   manager.synchronizePresetList(kProgramKind);
-  EXPECT_FALSE(exists("Presets/Effects/Default"));
-  write("Presets/Effects/New", bytes);
+  EXPECT_FALSE(exists("lib/Presets/Effects/Default"));
+  write("lib/Presets/Effects/New", bytes);
   manager.synchronizePresetList(kAllKinds);
-  EXPECT_EQ(read("Presets/Effects/Default"), bytes);
-  const FSRef made = ref("Presets/Effects/New");
-  EXPECT_NE(manager.effects().findPresetUsingFileSpec(made), nullptr);
+  EXPECT_EQ(read("lib/Presets/Effects/Default"), bytes);
+  EXPECT_NE(manager.effects().findPresetUsingFileSpec(ref("lib/Presets/Effects/New")), nullptr);
   manager.effects().deletePreset(1);
-  for (const char* kind : {"Velocity Maps", "Effects", "Programs", "Sessions"}) {
-    write(std::string("Presets/loose ") + kind, read(std::string("Presets/") + kind + "/Default"));
-  }
-  write("Presets/text", "no preset at all");
+  for (const std::string folder : {"Velocity Maps", "Effects", "Programs", "Sessions"})
+    write("lib/Presets/loose " + folder, read("lib/Presets/" + folder + "/Default"));
+  write("lib/Presets/text", "no preset at all");
   EXPECT_EQ(manager.openTopLevelPresets(kEffectsKind), 0);
   EXPECT_EQ(manager.effects().count(), 2);
   EXPECT_EQ(manager.openTopLevelPresets(kAllKinds), 0);
