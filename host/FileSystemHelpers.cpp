@@ -61,8 +61,9 @@ bool fileExists(const FSRef* /*ref*/) {
 
 void getPlaceName(const FSRef& ref, char* name, std::size_t size) {
   const NodeTable& table = NodeTable::shared();
-  const std::string held =
-      heldNameFromVolumeName(table.contains(ref.node) ? table.name(ref.node) : std::string_view());
+  static std::string held;  // its memory serves all names
+  held.clear();
+  if (table.contains(ref.node)) appendHeldNameFromVolumeName(table.name(ref.node), held);
   const std::size_t length = std::min(held.size(), size - 1);
   std::memcpy(name, held.data(), length);
   name[length] = '\0';

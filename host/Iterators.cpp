@@ -51,10 +51,19 @@ class FolderListing {
 
 // One listed name; the texts lie in buffers that the whole listing shares.
 struct Entry {
+  std::uint64_t keyBegins;  // the first bytes of the key as a number, which mostly tells the order
   std::size_t keyStart, nameStart;
   std::uint32_t keyLength, nameLength;
   bool isFolder;
 };
+
+// Zeros follow a short key. No key has any itself, so the numbers are ordered as the keys are.
+std::uint64_t beginningOf(std::string_view key) {
+  std::uint64_t number = 0;
+  for (std::size_t i = 0; i < sizeof number; ++i)
+    number = number << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0u);
+  return number;
+}
 
 struct Entries {
   std::vector<Entry> list;
@@ -66,13 +75,15 @@ struct Entries {
   void add(std::string_view name, bool isFolder) {
     const std::size_t keyStart = keys.size();
     appendSortKey(name, keys);
-    list.push_back({keyStart, names.size(), static_cast<std::uint32_t>(keys.size() - keyStart),
+    list.push_back({beginningOf(std::string_view(keys).substr(keyStart)), keyStart, names.size(),
+                    static_cast<std::uint32_t>(keys.size() - keyStart),
                     static_cast<std::uint32_t>(name.size()), isFolder});
     names.append(name);
   }
 
   void sort() {
     std::sort(list.begin(), list.end(), [this](const Entry& a, const Entry& b) {
+      if (a.keyBegins != b.keyBegins) return a.keyBegins < b.keyBegins;
       const int order = key(a).compare(key(b));
       return order != 0 ? order < 0 : name(a) < name(b);
     });

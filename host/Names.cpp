@@ -160,9 +160,7 @@ std::string heldNameFromUnicode(std::u16string_view name) {
   return held;
 }
 
-std::string heldNameFromVolumeName(std::string_view volumeName) {
-  std::string held;
-  held.reserve(volumeName.size());
+void appendHeldNameFromVolumeName(std::string_view volumeName, std::string& held) {
   takeInPieces(
       volumeName,
       [&held](std::string_view ascii) {
@@ -173,6 +171,11 @@ std::string heldNameFromVolumeName(std::string_view volumeName) {
       [&held](std::string_view other) {
         held += heldNameFromUnicode(unicodeFromVolumeName(other));
       });
+}
+
+std::string heldNameFromVolumeName(std::string_view volumeName) {
+  std::string held;
+  appendHeldNameFromVolumeName(volumeName, held);
   return held;
 }
 

@@ -31,6 +31,8 @@ OSErr volumeNameFromUnicode(std::u16string_view name, std::string& out);
 /// UTF-8, is held as "_", which no file-name rule flags. ASCII punctuation stays even where a mark
 /// follows it.
 std::string heldNameFromVolumeName(std::string_view volumeName);
+/// The same, appended to `held`.
+void appendHeldNameFromVolumeName(std::string_view volumeName, std::string& held);
 
 /// The same of a Unicode name. Here a surrogate that stands for nothing is "_" too.
 std::string heldNameFromUnicode(std::u16string_view name);

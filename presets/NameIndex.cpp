@@ -25,7 +25,7 @@ void NameIndex::clear() {
 std::size_t NameIndex::slotOf(const char* name, std::uint32_t hash) const {
   std::size_t slot = hash & (_slots.size() - 1);
   while (_slots[slot].preset != nullptr &&
-         (_slots[slot].hash != hash || fncmp(nameOf(*_slots[slot].preset), name) != 0)) {
+         (_slots[slot].hash != hash || fncmp(_slots[slot].name, name) != 0)) {
     slot = (slot + 1) & (_slots.size() - 1);
   }
   return slot;
@@ -33,7 +33,7 @@ std::size_t NameIndex::slotOf(const char* name, std::uint32_t hash) const {
 
 void NameIndex::reserve(std::size_t count) {
   std::size_t size = 16;
-  while (size < 2 * count)
+  while (size < count + count / 4)
     size *= 2;
   if (size <= _slots.size()) return;
   const std::vector<Slot> before = std::exchange(_slots, std::vector<Slot>(size));
@@ -48,10 +48,11 @@ void NameIndex::reserve(std::size_t count) {
 
 void NameIndex::add(Preset* preset) {
   reserve(_count + 1);
-  const std::uint32_t hash = fncmpHash(nameOf(*preset));
-  Slot& slot = _slots[slotOf(nameOf(*preset), hash)];
+  const char* name = nameOf(*preset);
+  const std::uint32_t hash = fncmpHash(name);
+  Slot& slot = _slots[slotOf(name, hash)];
   if (slot.preset != nullptr) return;
-  slot = {hash, preset};
+  slot = {hash, preset, name};
   ++_count;
 }
 

@@ -26,6 +26,7 @@ class NameIndex {
   struct Slot {
     std::uint32_t hash = 0;
     Preset* preset = nullptr;
+    const char* name = nullptr;  // the preset's own
   };
 
   std::size_t slotOf(const char* name, std::uint32_t hash) const;

@@ -45,12 +45,12 @@ void listReferrers(PresetList* referred, PresetList* referrers, const PresetRefe
     text.clear();
     preset.appendTreeItemInfo(text, std::cout);
     text += '\n';
-    for (const Preset* referrer : index.referrersOf(preset.getTreeItemName())) {
+    index.forEachReferrerOf(preset.getTreeItemName(), [&](const Preset& referrer) {
       text += "\t\t used by ";
-      referrer->appendTreeItemInfo(text, std::cout);
+      referrer.appendTreeItemInfo(text, std::cout);
       text += '\n';
       if (text.size() > kMostText) writeText(std::cout, std::exchange(text, {}));
-    }
+    });
     writeText(std::cout, text);
   });
 }
