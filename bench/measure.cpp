@@ -4,19 +4,19 @@
 // after each ran once unmeasured where there is more than one round. What they print is thrown
 // away. Prints a line for each round: the program's wall time and the sweep's, the processor time
 // of both, all in nanoseconds, and the program's peak resident size in bytes. Processor time is
-// what to compare on a machine that has other work. All runs are on one processor where the system
-// lets us choose: else the two would often take turns on two, of which one can be slower. Findings (statuses 10 and 11) are no failures.
+// what to compare on a machine that has other work. Findings (statuses 10 and 11) are no failures.
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <sched.h>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "bench/OneProcessor.h"
 
 extern char** environ;
 
@@ -66,19 +66,6 @@ Run run(char* const* command) {
 #endif
   return {std::chrono::duration_cast<std::chrono::nanoseconds>(end - start).count(),
           nanoseconds(usage.ru_utime) + nanoseconds(usage.ru_stime), usage.ru_maxrss * kUnit};
-}
-
-// The last one that we may run on: the first has the system's own work more often.
-void stayOnOneProcessor() {
-#ifdef __linux__
-  cpu_set_t allowed, last;
-  CPU_ZERO(&last);
-  if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) return;
-  for (int processor = CPU_SETSIZE - 1; processor >= 0 && CPU_COUNT(&last) == 0; --processor) {
-    if (CPU_ISSET(processor, &allowed)) CPU_SET(processor, &last);
-  }
-  (void)sched_setaffinity(0, sizeof last, &last);
-#endif
 }
 
 }  // namespace

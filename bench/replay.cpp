@@ -23,6 +23,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "bench/OneProcessor.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -89,6 +91,7 @@ int main(int argc, char** argv) {
     std::fputs("usage: replay FOLDER COPY PROGRAM [ARGUMENT...]\n", stderr);
     return 2;
   }
+  stayOnOneProcessor();
   const std::map<ino_t, File> before = filesIn(argv[1]);
   run(argv + 3);
   std::vector<std::pair<std::string, std::string>> renames;
