@@ -67,7 +67,7 @@ inline OSErr checkPresetFile(const TestFolder& folder, const std::string& bytes)
   constexpr std::size_t kWidth = PresetReference::kWidth;
   for (const auto* reference :
        {&kProgramEffectsReference, &kSessionProgramReference, &kSessionVelocityMapReference}) {
-    if (preset->getPresetType() != long{reference->from}) continue;
+    if (preset->getPresetType() != static_cast<long>(reference->from)) continue;
     const std::string before = imageOf(*preset);
     reference->setName(*preset, name.c_str());
     check(reference->name(*preset) == name.substr(0, kWidth), "a name is kept", name);
