@@ -116,7 +116,7 @@ TEST_F(FileManagerTest, AliasesAreFollowedOnlyWhenResolved) {
   EXPECT_EQ(read("folder/file"), "x");
 }
 
-// With one descriptor to be had, and so deep that no call takes the whole path.
+// With few descriptors to be had, and so deep that no call takes the whole path.
 TEST_F(FileManagerTest, FoldersDeeperThanAPathIsLong) {
   const std::string part(200, 'd');
   fs::current_path(path(""));
@@ -128,7 +128,7 @@ TEST_F(FileManagerTest, FoldersDeeperThanAPathIsLong) {
   struct rlimit before, low;
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
   low = before;
-  low.rlim_cur = static_cast<rlim_t>(lowestFreeDescriptor()) + 2;  // on the way, and the listing
+  low.rlim_cur = static_cast<rlim_t>(lowestFreeDescriptor()) + 3;  // of a stretch; two of a step
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &low), 0);
   std::vector<FSRef> folders{ref("")};
   for (std::string names = part + "/|"; names == part + "/|";)
