@@ -10,8 +10,9 @@ namespace cairnset {
 class Preset;
 
 /// The first preset that was added for each name, names being the same as fncmp
-/// (host/PascalStrings.h) has it. It knows no later change of a name: whoever keeps it makes it
-/// anew then.
+/// (host/PascalStrings.h) has it. It owns neither the presets nor their names, of which it keeps
+/// the addresses, and it knows no later change: whoever keeps it makes it anew before it is asked
+/// again.
 class NameIndex {
  public:
   void clear();
@@ -26,7 +27,7 @@ class NameIndex {
   struct Slot {
     std::uint32_t hash = 0;
     Preset* preset = nullptr;
-    const char* name = nullptr;  // the preset's own
+    const char* name = nullptr;  // the preset's own, so that a look-up need not touch the preset
   };
 
   std::size_t slotOf(const char* name, std::uint32_t hash) const;
