@@ -12,7 +12,7 @@ unsigned long TreeItem::_name_changes = 0;
 unsigned long TreeItem::_id_changes = 0;
 
 TreeItem::~TreeItem() {
-  if (_name_owned) delete[] _name;
+  freeName();
 }
 
 void TreeItem::setTreeItemID(unsigned long id) {
@@ -29,12 +29,15 @@ void TreeItem::takeTreeItemName(const char* name) {
   char* copy = nullptr;
   if (name != nullptr) {
     const std::size_t size = std::strlen(name) + 1;
-    copy = new char[size];
+    copy = static_cast<char*>(Pool::take(size));
     std::memcpy(copy, name, size);
   }
-  if (_name_owned) delete[] _name;
+  freeName();
   _name = copy;
-  _name_owned = copy != nullptr;
+}
+
+void TreeItem::freeName() {
+  if (_name != nullptr) Pool::give(_name, std::strlen(_name) + 1);
 }
 
 void TreeItem::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const {

@@ -1,8 +1,11 @@
 // The base of everything that stands in a preset tree.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+
+#include "storage/Pool.h"
 
 namespace cairnset {
 
@@ -18,6 +21,9 @@ class TreeItem {
   explicit TreeItem(TreeItemType type) : _type(type), _index(++_current_index) {}
   virtual ~TreeItem();
   TreeItem& operator=(const TreeItem&) = delete;
+
+  static void* operator new(std::size_t size) { return Pool::take(size); }
+  static void operator delete(void* item, std::size_t size) { Pool::give(item, size); }
 
   /// The name, Mac Roman for files and folders; null where there is none.
   virtual const char* getTreeItemName() const { return _name; }
@@ -56,12 +62,13 @@ class TreeItem {
  private:
   friend class TreeLimb;
 
+  void freeName();
+
   static unsigned long _name_changes;
   static unsigned long _id_changes;
 
   TreeItemType _type;
-  bool _name_owned = false;
-  const char* _name = nullptr;
+  char* _name = nullptr;
   std::uint32_t _index;
   std::uint32_t _id = 0;
   TreeLimb* _parent = nullptr;

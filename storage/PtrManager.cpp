@@ -1,7 +1,5 @@
 #include "storage/PtrManager.h"
 
-#include <array>
-#include <deque>
 #include <utility>
 
 namespace cairnset {
@@ -13,24 +11,7 @@ std::int32_t valueOf(const void* ptr) {
       static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(ptr)));
 }
 
-PtrLink* unusedLinks = nullptr;  // chained by their `next`
-
 }  // namespace
-
-void* PtrLink::operator new(std::size_t /*size*/) {
-  if (unusedLinks != nullptr) return std::exchange(unusedLinks, unusedLinks->next);
-  // Never destroyed: a list that is itself static may outlive whatever else is.
-  static auto& blocks = *new std::deque<std::array<PtrLink, 256>>;
-  auto& block = blocks.emplace_back();
-  for (std::size_t i = 1; i < block.size(); ++i)
-    block[i].next = std::exchange(unusedLinks, &block[i]);
-  return &block.front();
-}
-
-void PtrLink::operator delete(void* link) {
-  static_cast<PtrLink*>(link)->next = unusedLinks;
-  unusedLinks = static_cast<PtrLink*>(link);
-}
 
 PtrManager::~PtrManager() {
   freeLinks();

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <vector>
 
+#include "storage/Pool.h"
+
 namespace cairnset {
 
 /// One link of the circle. The last link's `next` is the first link.
@@ -13,9 +15,8 @@ struct PtrLink {
   void* ptr = nullptr;
   PtrLink* next = nullptr;
 
-  /// Links are many and small, and come from blocks that are kept for the next ones.
-  static void* operator new(std::size_t size);
-  static void operator delete(void* link);
+  static void* operator new(std::size_t size) { return Pool::take(size); }
+  static void operator delete(void* link, std::size_t size) { Pool::give(link, size); }
 };
 
 /// The entries of a list from first to last, each as a T*. It is only read, it does not touch the

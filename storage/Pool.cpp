@@ -1,0 +1,60 @@
+#include "storage/Pool.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace cairnset {
+
+namespace {
+
+#ifdef CAIRNSET_SANITIZED
+constexpr std::size_t kLargest = 0;
+#else
+constexpr std::size_t kLargest = 512;
+#endif
+constexpr std::size_t kUnit = std::max(sizeof(void*), sizeof(std::uint64_t));
+constexpr std::size_t kBlockSize = 1 << 16;
+
+struct Unused {
+  Unused* next;
+};
+
+std::array<Unused*, kLargest / kUnit + 1> unused;  // by size in units
+unsigned char* fresh = nullptr;                    // what was never taken of the last block
+std::size_t freshSize = 0;
+
+std::size_t unitsOf(std::size_t size) {
+  return (size + kUnit - 1) / kUnit;
+}
+
+void takeBlock() {
+  // Never destroyed: a list that is itself static may outlive whatever else is.
+  static auto& blocks = *new std::vector<void*>;
+  blocks.push_back(::operator new(kBlockSize));
+  fresh = static_cast<unsigned char*>(blocks.back());
+  freshSize = kBlockSize;
+}
+
+}  // namespace
+
+void* Pool::take(std::size_t size) {
+  if (size > kLargest) return ::operator new(size);
+  const std::size_t units = unitsOf(size);
+  if (unused[units] != nullptr) return std::exchange(unused[units], unused[units]->next);
+  if (freshSize < units * kUnit) takeBlock();
+  freshSize -= units * kUnit;
+  return std::exchange(fresh, fresh + units * kUnit);
+}
+
+void Pool::give(void* piece, std::size_t size) noexcept {
+  if (piece == nullptr) return;
+  if (size > kLargest) return ::operator delete(piece);
+  Unused*& first = unused[unitsOf(size)];
+  first = ::new (piece) Unused{first};
+}
+
+}  // namespace cairnset
