@@ -1,29 +1,23 @@
-// replay FOLDER COPY PROGRAM [ARGUMENT...]: what the changes that a program makes cost by
-// themselves.
+// replay SWEEP FOLDER COPY PROGRAM [ARGUMENT...]: what a program that changes a library costs,
+// beside a sweep and the changes by themselves.
 //
 // Runs the program, which changes FOLDER, looks what it did, and makes the same changes in COPY, an
 // equal folder: each file that has another name or place is renamed once, and each that has other
 // bytes is opened, written and closed. After the renames and after the rewrites it waits for the
-// disk, as whoever wants to survive a loss of power must. Prints the program's wall time and
-// processor time, those of the bare loop without the waits, and the wall time of the waits, all in
-// nanoseconds.
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
+// disk, as whoever wants to survive a loss of power must. Prints wall and processor time of
+// "SWEEP COPY", of the program and of the bare loop without the waits, and the wall time of the
+// waits, all in nanoseconds. Ends with 3, and prints nothing, where it was the disk that was
+// measured.
 #include <ctime>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <utility>
 #include <vector>
 
-#include "bench/OneProcessor.h"
+#include "bench/Run.h"
 
 namespace {
 
@@ -34,17 +28,12 @@ struct File {
   std::string bytes;
 };
 
-[[noreturn]] void fail(const std::string& what) {
-  std::perror(("replay: " + what).c_str());
-  std::exit(1);
-}
-
 std::map<ino_t, File> filesIn(const fs::path& folder) {
   std::map<ino_t, File> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
     if (!entry.is_regular_file()) continue;
     struct stat info;
-    if (::stat(entry.path().c_str(), &info) != 0) fail(entry.path());
+    if (::stat(entry.path().c_str(), &info) != 0) fail(entry.path(), errno);
     std::ifstream in(entry.path(), std::ios::binary);
     files[info.st_ino] = {entry.path().lexically_relative(folder),
                           {std::istreambuf_iterator<char>(in), {}}};
@@ -58,46 +47,35 @@ long long since(Clock::time_point start) {
   return std::chrono::nanoseconds(Clock::now() - start).count();
 }
 
-long long nanoseconds(const timeval& time) {
-  return (time.tv_sec * 1'000'000LL + time.tv_usec) * 1000;
-}
-
-// Prints what it took.
-void run(char** command) {
-  const auto start = Clock::now();
-  const pid_t child = ::fork();
-  if (child == 0) {
-    ::dup2(::open("/dev/null", O_WRONLY), STDOUT_FILENO);
-    ::execv(command[0], command);
-    fail(command[0]);
-  }
-  int status = 0;
-  rusage usage{};
-  if (::wait4(child, &status, 0, &usage) != child || status != 0) fail(command[0]);
-  std::printf("%lld %lld ", since(start),
-              nanoseconds(usage.ru_utime) + nanoseconds(usage.ru_stime));
-}
-
 long long waitForDisk() {
   const auto start = Clock::now();
   ::sync();
   return since(start);
 }
 
+long long bytesReadSoFar() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return bytesRead(usage);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 4) {
-    std::fputs("usage: replay FOLDER COPY PROGRAM [ARGUMENT...]\n", stderr);
+  if (argc < 5) {
+    std::fputs("usage: replay SWEEP FOLDER COPY PROGRAM [ARGUMENT...]\n", stderr);
     return 2;
   }
   stayOnOneProcessor();
-  const std::map<ino_t, File> before = filesIn(argv[1]);
-  run(argv + 3);
+  char* const sweepFolder[] = {argv[1], argv[2], nullptr};
+  char* const sweepCopy[] = {argv[1], argv[3], nullptr};
+  const std::map<ino_t, File> before = filesIn(argv[2]);
+  run(sweepFolder);
+  const Run ran = run(argv + 4);
   std::vector<std::pair<std::string, std::string>> renames;
   std::vector<File> rewrites;
-  const std::string copy = std::string(argv[2]) + "/";
-  for (auto& [inode, file] : filesIn(argv[1])) {
+  const std::string copy = std::string(argv[3]) + "/";
+  for (auto& [inode, file] : filesIn(argv[2])) {
     const auto was = before.find(inode);
     if (was == before.end()) continue;
     if (was->second.path != file.path) {
@@ -107,10 +85,13 @@ int main(int argc, char** argv) {
     if (was->second.bytes != file.bytes) rewrites.push_back({copy + file.path, file.bytes});
   }
   ::sync();  // what was left to write before is none of the loop's
+  run(sweepCopy);
+  const Run swept = run(sweepCopy);
+  const long long readBefore = bytesReadSoFar();
   const std::clock_t processorBefore = std::clock();
   const auto start = Clock::now();
   for (const auto& [from, to] : renames) {
-    if (::rename(from.c_str(), to.c_str()) != 0) fail(from);
+    if (::rename(from.c_str(), to.c_str()) != 0) fail(from, errno);
   }
   long long waits = waitForDisk();
   for (const File& file : rewrites) {
@@ -119,12 +100,17 @@ int main(int argc, char** argv) {
         ::pwrite(descriptor, file.bytes.data(), file.bytes.size(), 0) !=
             static_cast<ssize_t>(file.bytes.size()) ||
         ::close(descriptor) != 0) {
-      fail(file.path);
+      fail(file.path, errno);
     }
   }
   const long long loop = since(start) - waits;
   const std::clock_t processor = std::clock() - processorBefore;
+  if (!isWarm(ran.bytesRead) || !isWarm(swept.bytesRead) ||
+      !isWarm(bytesReadSoFar() - readBefore)) {
+    return 3;
+  }
   waits += waitForDisk();
-  std::printf("%lld %lld %lld\n", loop,
+  std::printf("%lld %lld %lld %lld %lld %lld %lld\n", swept.wall, swept.processor, ran.wall,
+              ran.processor, loop,
               static_cast<long long>(processor) * (1'000'000'000 / CLOCKS_PER_SEC), waits);
 }

@@ -1,0 +1,93 @@
+// Running a program and seeing what it took; shared by measure and replay.
+#pragma once
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sched.h>
+#endif
+
+extern char** environ;
+
+struct Run {
+  long long wall;       // nanoseconds
+  long long processor;  // nanoseconds, of program and system
+  long long peakBytes;  // resident
+  long long bytesRead;  // from the disk
+};
+
+[[noreturn]] inline void fail(const std::string& what, int error) {
+  std::fprintf(stderr, "%s: %s\n", what.c_str(), std::strerror(error));
+  std::exit(1);
+}
+
+inline long long bytesRead(const rusage& usage) {
+  return usage.ru_inblock * 512LL;
+}
+
+/// Whether the cache was warm. A system can take it away at any time, and then it is the disk that
+/// is measured. To change a library takes some 500 KiB of the file system's own.
+inline bool isWarm(long long bytesRead) {
+  return bytesRead <= 1 << 20;
+}
+
+/// Runs a command, and throws away what it prints. Ends this program where the command fails, to
+/// which findings (statuses 10 and 11) do not count.
+inline Run run(char* const* command) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  const auto start = std::chrono::steady_clock::now();
+  pid_t child = 0;
+  if (const int error = posix_spawn(&child, command[0], &actions, nullptr, command, environ);
+      error != 0) {
+    fail(command[0], error);
+  }
+  int status = 0;
+  rusage usage{};
+  while (wait4(child, &status, 0, &usage) < 0) {
+    if (errno != EINTR) fail("wait4", errno);
+  }
+  const auto end = std::chrono::steady_clock::now();
+  posix_spawn_file_actions_destroy(&actions);
+  const int exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  if (exitStatus != 0 && exitStatus != 10 && exitStatus != 11) {
+    std::fprintf(stderr, "%s ended with %d\n", command[0], exitStatus);
+    std::exit(1);
+  }
+#ifdef __APPLE__
+  constexpr long long kUnit = 1;
+#else
+  constexpr long long kUnit = 1024;
+#endif
+  const auto nanoseconds = [](const timeval& time) {
+    return (time.tv_sec * 1'000'000LL + time.tv_usec) * 1000;
+  };
+  return {std::chrono::nanoseconds(end - start).count(),
+          nanoseconds(usage.ru_utime) + nanoseconds(usage.ru_stime), usage.ru_maxrss * kUnit,
+          bytesRead(usage)};
+}
+
+/// Keeps this process and those that it starts on one processor, where the system lets us choose.
+/// What is compared would else often take turns on two, of which one can be slower. It is the last
+/// that we may run on: the first has the system's own work more often.
+inline void stayOnOneProcessor() {
+#ifdef __linux__
+  cpu_set_t allowed, last;
+  CPU_ZERO(&last);
+  if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) return;
+  for (int processor = CPU_SETSIZE - 1; processor >= 0 && CPU_COUNT(&last) == 0; --processor) {
+    if (CPU_ISSET(processor, &allowed)) CPU_SET(processor, &last);
+  }
+  (void)sched_setaffinity(0, sizeof last, &last);
+#endif
+}
