@@ -21,8 +21,8 @@ NodeTable& nodes() {
 // Whether something is at both places and is one and the same; `info` is then what it is.
 bool isOneItem(const Location& a, const Location& b, struct stat& info) {
   struct stat other;
-  return systemCalls().lstat(a.folder(), a.path(), &info) == 0 &&
-         systemCalls().lstat(b.folder(), b.path(), &other) == 0 && info.st_dev == other.st_dev &&
+  return systemCalls().lstat(b.folder(), b.path(), &other) == 0 &&
+         systemCalls().lstat(a.folder(), a.path(), &info) == 0 && info.st_dev == other.st_dev &&
          info.st_ino == other.st_ino;
 }
 

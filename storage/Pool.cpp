@@ -27,6 +27,10 @@ std::array<Unused*, kLargest / kUnit + 1> unused;  // by size in units
 unsigned char* fresh = nullptr;                    // what was never taken of the last block
 std::size_t freshSize = 0;
 
+bool isPooled(std::size_t size) {
+  return size > 0 && size <= kLargest;
+}
+
 std::size_t unitsOf(std::size_t size) {
   return (size + kUnit - 1) / kUnit;
 }
@@ -42,7 +46,7 @@ void takeBlock() {
 }  // namespace
 
 void* Pool::take(std::size_t size) {
-  if (size > kLargest) return ::operator new(size);
+  if (!isPooled(size)) return ::operator new(size);
   const std::size_t units = unitsOf(size);
   if (unused[units] != nullptr) return std::exchange(unused[units], unused[units]->next);
   if (freshSize < units * kUnit) takeBlock();
@@ -52,7 +56,7 @@ void* Pool::take(std::size_t size) {
 
 void Pool::give(void* piece, std::size_t size) noexcept {
   if (piece == nullptr) return;
-  if (size > kLargest) return ::operator delete(piece);
+  if (!isPooled(size)) return ::operator delete(piece);
   Unused*& first = unused[unitsOf(size)];
   first = ::new (piece) Unused{first};
 }
