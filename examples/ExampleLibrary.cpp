@@ -105,10 +105,10 @@ std::string goodName(std::span<const Place> places, std::size_t number, std::siz
   return name + place.after;
 }
 
-// "Default" in the n-th of the 127 other ways to write it.
+// "Default" in the n-th of the 125 other ways to write it that leave "DEFAULT" to references.
 std::string otherCaseOfDefault(std::size_t n) {
   std::string name = "Default";
-  for (std::size_t i = 0, ways = n % 127 + 1; i < name.size(); ++i) {
+  for (std::size_t i = 0, ways = n % 125 + 1; i < name.size(); ++i) {
     if ((ways >> i & 1) != 0) name[i] = static_cast<char>(name[i] ^ 0x20);
   }
   return name;
@@ -331,10 +331,10 @@ class Writer {
 
   std::string referenceTo(const KindPlan& to, std::size_t n) {
     if (_shape == LibraryShape::kOneHub) return to.presets[1].name;
-    if (_shape == LibraryShape::kSameName) {
+    if (_shape == LibraryShape::kSameName || _shape == LibraryShape::kDefaults) {
       // Written as it is, the name would make all of these the users of each preset that bears it:
       // a report of the square of the library's size.
-      return n % 1000 == 1 ? to.presets[1].name : upperCase(to.presets[1].name);
+      return n <= 3 ? to.presets[1].name : upperCase(to.presets[1].name);
     }
     if (_shape == LibraryShape::kBadNames) {
       const std::size_t turn = (n - 1) / kReferrersOfABadName;
