@@ -5,10 +5,10 @@
 
 namespace cairnset {
 
-/// Small pieces of memory for one thread. They are cut from large blocks in the order in which they
-/// are asked for, so that a preset, its name and its links lie side by side. What is given back
-/// serves the next piece of its size; no block ever goes back to the system. Larger pieces
-/// come from the general heap.
+/// Small pieces of memory for one thread, cut from large blocks in the order in which they are
+/// asked for; those of a name's or a link's size from blocks of their own, so that to look names up
+/// touches little memory. What is given back serves the next piece of its size; no block ever goes
+/// back to the system. Pieces of more than 512 bytes come from the general heap.
 ///
 /// With AddressSanitizer all pieces do: it watches only what it has handed out itself.
 class Pool {
