@@ -9,8 +9,9 @@ struct Road {
   int rename, link;
 } road;
 
-constexpr Road kRoads[] = {{0, 0},       {EINVAL, 0},     {ENOSYS, 0},
-                           {ENOTSUP, 0}, {EINVAL, EPERM}, {ENOSYS, ENOTSUP}};
+constexpr Road kRoads[] = {{0, 0},          {EINVAL, 0},       {ENOSYS, 0},     {ENOTSUP, 0},
+                           {EINVAL, EPERM}, {ENOSYS, ENOTSUP}, {EINVAL, EMLINK}};
+constexpr int kWays = std::size(kRoads);
 
 class ChangesTest : public FileTest {
  protected:
@@ -124,11 +125,11 @@ void fail(int (*&call)(Args...)) {
 // Each call of a rename in turn fails, at once or after all was done, as over a network. The bytes
 // of the item and of what has the name are never lost, and a failure at once leaves all as it was.
 TEST_F(ChangesTest, LosesNothingWhicheverCallFails) {
-  for (int round = 0, n = 1; round < 6 * 5 * 4; countdown <= 0 ? ++n : (++round, n = 1)) {
-    const Road& way = kRoads[round % 6];
-    const bool occupied = round / 30 % 2 != 0;
+  for (int round = 0, n = 1; round < kWays * 5 * 4; countdown <= 0 ? ++n : (++round, n = 1)) {
+    const Road& way = kRoads[round % kWays];
+    const bool occupied = round / (kWays * 5) % 2 != 0;
     constexpr int kErrors[] = {EIO, ENOENT, EEXIST, EACCES, EINVAL};
-    error = kErrors[round / 6 % 5];
+    error = kErrors[round / kWays % 5];
     SCOPED_TRACE(testing::Message() << "round " << round << ", call " << n);
     clear();
     write("mine", "mine");
@@ -143,7 +144,7 @@ TEST_F(ChangesTest, LosesNothingWhicheverCallFails) {
     fail<&SystemCalls::unlink>(calls.unlink);
     // That nothing is there must be true where it is said: without links there is no other way.
     if (error != ENOENT) fail<&SystemCalls::lstat>(calls.lstat);
-    countdown = n, doneAllTheSame = round >= 60;
+    countdown = n, doneAllTheSame = round >= kWays * 10;
     const OSErr result = rename(item, u"name");
     systemCalls() = real;
     const std::string after = look("");

@@ -129,7 +129,7 @@ TEST_F(PresetFileTest, CopiesShareTheIndexAndAreRAM) {
 TEST(PresetComparison, StepsAndEmptyNames) {
   EXPECT_EQ(compareIntrinsic(440.0F, 440.2F, kParamTuneA440), 0);
   EXPECT_EQ(compareIntrinsic(440.0F, 440.3F, kParamTuneA440), 1);
-  EXPECT_EQ(comparePresetNames("", "Default", 64), 0);
+  EXPECT_EQ(comparePresetNames("", "Default", 64) | comparePresetNames("Default", "", 64), 0);
   EXPECT_EQ(comparePresetNames("Hall", "Hallway", 4), 0);
   EXPECT_LT(comparePresetNames("", "default", 64), 0);
 }
