@@ -107,6 +107,9 @@ TEST(PathStringsTest, PartsOfAPath) {
   std::memset(name, 200, sizeof name);
   extractFilename(&fsSpec, name);
   EXPECT_EQ(std::string(name, name + 65), "\x04Warm" + std::string(59, '\0') + "\xC8");
+  std::memset(name, 200, sizeof name);
+  setFilename(&fsSpec, name);
+  EXPECT_EQ(std::string(fsSpec.name, std::end(fsSpec.name)), "\x3F" + std::string(63, '\xC8'));
 }
 
 TEST(PathStringsTest, ChangedInPlace) {
