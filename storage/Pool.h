@@ -10,7 +10,7 @@ namespace cairnset {
 /// touches little memory. What is given back serves the next piece of its size; no block ever goes
 /// back to the system. Pieces of more than 512 bytes come from the general heap.
 ///
-/// With AddressSanitizer all pieces do: it watches only what it has handed out itself.
+/// With sanitizers all pieces do: they watch only what they have handed out themselves.
 class Pool {
  public:
   /// At least `size` bytes, aligned for any pointer or 64-bit number.
