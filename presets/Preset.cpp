@@ -263,34 +263,33 @@ OSErr Preset::rename(const unsigned char* newName) {
 }
 
 OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
-  auto move = FSMoveObject;
-  if (replace) {
-    HFSUniStr255 name, ownName;
-    placeOf(_cf_name, nullptr, &name);
-    placeOf(_file_ref, nullptr, &ownName);
+  HFSUniStr255 name, ownName;
+  placeOf(_cf_name, nullptr, &name);
+  placeOf(_file_ref, nullptr, &ownName);
+  const auto view = [](const HFSUniStr255& n) { return std::u16string_view(n.unicode, n.length); };
+  const bool keepsName = view(name) == view(ownName);
+  FSRef moved;
+  // Nearly always the place is free, and the move by itself finds out.
+  OSErr result =
+      replace && !keepsName ? OSErr{dupFNErr} : FSMoveObject(&_file_ref, &folder, &moved);
+  if (result == dupFNErr && replace) {
+    auto move = FSMoveObject;
     FSRef there;
-    OSErr result =
-        FSMakeFSRefUnicode(&folder, name.length, name.unicode, kTextEncodingUnknown, &there);
+    result = FSMakeFSRefUnicode(&folder, name.length, name.unicode, kTextEncodingUnknown, &there);
     if (result == noErr &&
         there != _file_ref) {  // a preset must never make room by deleting itself
       // Where the place is the very one that this file takes, both are done at one stroke.
-      const auto view = [](const HFSUniStr255& n) {
-        return std::u16string_view(n.unicode, n.length);
-      };
-      if (view(name) == view(ownName) && !isFolder(&there)) {
+      if (keepsName && !isFolder(&there)) {
         move = FSMoveObjectReplacing;
       } else {
         result = FSDeleteObject(&there);
       }
-    } else if (result == fnfErr) {
-      result = noErr;
     }
-    if (result != noErr) return result;
+    if (result == noErr || result == fnfErr) result = move(&_file_ref, &folder, &moved);
   }
-  FSRef moved;
-  if (const OSErr result = move(&_file_ref, &folder, &moved); result != noErr) return result;
+  if (result != noErr) return result;
   changeFile(moved);
-  return FSRefIsValid(_file_ref) == noErr ? 1 : 0;
+  return 1;
 }
 
 OSErr Preset::readKind(std::int16_t fork, std::uint32_t& kind) {

@@ -130,8 +130,8 @@ class Preset : public TreeLeaf {
   /// writeOut.
   OSErr rename(const unsigned char* newName);
   /// Moves the file. With `replace`, a file there that bears this preset's host name is replaced.
-  /// On success the answer is not 0 but 1, for a file that is now valid: callers have always had it
-  /// so.
+  /// On success the answer is not 0 but 1, for a file that is valid where it is now: callers have
+  /// always had it so.
   OSErr moveToFolder(const FSRef& folder, bool replace);
 
   /// noErr where an open file starts as a preset does, and of which kind it then is: all that makes

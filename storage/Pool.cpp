@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <new>
 #include <utility>
-#include <vector>
 
 namespace cairnset {
 
@@ -24,14 +23,43 @@ struct Unused {
   Unused* next;
 };
 
-// What was never taken of a block.
-struct Fresh {
-  unsigned char* bytes = nullptr;
-  std::size_t size = 0;
+struct Block {
+  Block* next = nullptr;
+  alignas(kUnit) unsigned char bytes[kBlockSize - kUnit];
+};
+
+// Memory that was never taken, or was all given back.
+class Fresh {
+ public:
+  void* take(std::size_t size) {
+    if (_left < size) nextBlock();
+    _left -= size;
+    return std::exchange(_bytes, _bytes + size);
+  }
+  void beginAnew() {
+    _current = nullptr;
+    _left = 0;
+  }
+
+ private:
+  void nextBlock() {
+    Block*& next = _current != nullptr ? _current->next : _first;
+    if (next == nullptr) next = new Block;
+    _current = next;
+    _bytes = next->bytes;
+    _left = sizeof next->bytes;
+  }
+
+  // Blocks go back to nobody: a list that is itself static may outlive whatever else is.
+  Block* _first = nullptr;
+  Block* _current = nullptr;  // none yet, or what _bytes are in
+  unsigned char* _bytes = nullptr;
+  std::size_t _left = 0;
 };
 
 std::array<Unused*, kLargest / kUnit + 1> unused;  // by size in units
 Fresh small, large;
+std::size_t piecesOut = 0;
 
 bool isPooled(std::size_t size) {
   return size > 0 && size <= kLargest;
@@ -41,30 +69,29 @@ std::size_t unitsOf(std::size_t size) {
   return (size + kUnit - 1) / kUnit;
 }
 
-void takeBlock(Fresh& fresh) {
-  // Never destroyed: a list that is itself static may outlive whatever else is.
-  static auto& blocks = *new std::vector<void*>;
-  blocks.push_back(::operator new(kBlockSize));
-  fresh = {static_cast<unsigned char*>(blocks.back()), kBlockSize};
-}
-
 }  // namespace
 
 void* Pool::take(std::size_t size) {
   if (!isPooled(size)) return ::operator new(size);
   const std::size_t units = unitsOf(size);
-  if (unused[units] != nullptr) return std::exchange(unused[units], unused[units]->next);
-  Fresh& fresh = size <= kLargestSmall ? small : large;
-  if (fresh.size < units * kUnit) takeBlock(fresh);
-  fresh.size -= units * kUnit;
-  return std::exchange(fresh.bytes, fresh.bytes + units * kUnit);
+  void* const piece = unused[units] != nullptr
+                          ? std::exchange(unused[units], unused[units]->next)
+                          : (size <= kLargestSmall ? small : large).take(units * kUnit);
+  ++piecesOut;
+  return piece;
 }
 
 void Pool::give(void* piece, std::size_t size) noexcept {
   if (piece == nullptr) return;
   if (!isPooled(size)) return ::operator delete(piece);
-  Unused*& first = unused[unitsOf(size)];
-  first = ::new (piece) Unused{first};
+  if (--piecesOut > 0) {
+    Unused*& first = unused[unitsOf(size)];
+    first = ::new (piece) Unused{first};
+    return;
+  }
+  unused = {};
+  small.beginAnew();
+  large.beginAnew();
 }
 
 }  // namespace cairnset

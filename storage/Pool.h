@@ -7,8 +7,9 @@ namespace cairnset {
 
 /// Small pieces of memory for one thread, cut from large blocks in the order in which they are
 /// asked for; those of a name's or a link's size from blocks of their own, so that to look names up
-/// touches little memory. What is given back serves the next piece of its size; no block ever goes
-/// back to the system. Pieces of more than 512 bytes come from the general heap.
+/// touches little memory. What is given back serves the next piece of its size; once all is given
+/// back, cutting begins anew, so that a library that is loaded again lies in order again. No block
+/// ever goes back to the system. Pieces of more than 512 bytes come from the general heap.
 ///
 /// With sanitizers all pieces do: they watch only what they have handed out themselves.
 class Pool {

@@ -34,5 +34,25 @@ TEST(PoolTest, PiecesLieApart) {
   }
 }
 
+// A library that is loaded again must not lie scattered over what the first one gave back.
+TEST(PoolTest, OnceAllIsGivenBackMemoryIsInOrderAgain) {
+#ifdef CAIRNSET_SANITIZED
+  GTEST_SKIP() << "every piece is the heap's";
+#endif
+  const auto sizeOf = [](std::size_t n) { return n % 2 == 0 ? std::size_t{40} : std::size_t{300}; };
+  std::vector<void*> first, second;
+  for (std::size_t n = 0; n < 3'000; ++n)  // several blocks of both sorts
+    first.push_back(Pool::take(sizeOf(n)));
+  for (std::size_t n = 0; n < first.size(); ++n) {
+    const std::size_t scattered = n * 7 % first.size();
+    Pool::give(first[scattered], sizeOf(scattered));
+  }
+  for (std::size_t n = 0; n < first.size(); ++n)
+    second.push_back(Pool::take(sizeOf(n)));
+  EXPECT_EQ(first, second);
+  for (std::size_t n = 0; n < second.size(); ++n)
+    Pool::give(second[n], sizeOf(n));
+}
+
 }  // namespace
 }  // namespace cairnset
