@@ -1,14 +1,14 @@
 #include "host/NodeTable.h"
 
+#include <functional>
+
 namespace cairnset {
 
 namespace {
 
 std::uint32_t hashOf(std::uint32_t folder, std::string_view name) {
-  std::uint64_t hash = 0xCBF29CE484222325u ^ folder;
-  for (const char c : name)
-    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
-  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+  const std::uint64_t hash = std::hash<std::string_view>{}(name) ^ folder * 0x9E3779B97F4A7C15u;
+  return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 
 }  // namespace
