@@ -269,23 +269,22 @@ OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
   const auto view = [](const HFSUniStr255& n) { return std::u16string_view(n.unicode, n.length); };
   const bool keepsName = view(name) == view(ownName);
   FSRef moved;
+  OSErr result = dupFNErr;
   // Nearly always the place is free, and the move by itself finds out.
-  OSErr result =
-      replace && !keepsName ? OSErr{dupFNErr} : FSMoveObject(&_file_ref, &folder, &moved);
-  if (result == dupFNErr && replace) {
-    auto move = FSMoveObject;
+  if (!replace || keepsName) result = FSMoveObject(&_file_ref, &folder, &moved);
+  if (replace && result == dupFNErr) {
     FSRef there;
     result = FSMakeFSRefUnicode(&folder, name.length, name.unicode, kTextEncodingUnknown, &there);
-    if (result == noErr &&
-        there != _file_ref) {  // a preset must never make room by deleting itself
-      // Where the place is the very one that this file takes, both are done at one stroke.
-      if (keepsName && !isFolder(&there)) {
-        move = FSMoveObjectReplacing;
-      } else {
-        result = FSDeleteObject(&there);
-      }
+    // Where the place is the very one that this file takes, both are done at one stroke.
+    const bool isTakenOver = result == noErr && keepsName && !isFolder(&there);
+    if (result == fnfErr) {
+      result = noErr;
+    } else if (result == noErr && !isTakenOver) {
+      result = FSDeleteObject(&there);
     }
-    if (result == noErr || result == fnfErr) result = move(&_file_ref, &folder, &moved);
+    if (result == noErr) {
+      result = (isTakenOver ? FSMoveObjectReplacing : FSMoveObject)(&_file_ref, &folder, &moved);
+    }
   }
   if (result != noErr) return result;
   changeFile(moved);

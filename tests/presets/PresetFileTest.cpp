@@ -101,8 +101,18 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   EXPECT_EQ(preset->moveToFolder(ref("into"), true), dupFNErr);
   EXPECT_EQ(list("into"), (std::vector<std::string>{"p", "two"})) << "the host name is still one";
   EXPECT_EQ(read("into/two"), "old");
+  std::filesystem::remove(path("into/two"));
+  write("into/one", "old");
+  EXPECT_EQ(preset->moveToFolder(ref("into"), true), 1);
+  EXPECT_EQ(list("into"), (std::vector<std::string>{"p", "two"}))
+      << "nor does it have to be in the way";
+  makeFolder("on");
+  EXPECT_EQ(preset->moveToFolder(ref("on"), true), 1);
   for (int round = 0; round < 2; ++round)
     EXPECT_EQ(other->moveToFolder(ref("into"), true), 1) << "never deletes itself";
+  makeFolder("on/p");
+  for (const char* folder : {"on", "into"})
+    EXPECT_EQ(other->moveToFolder(ref(folder), true), 1) << "an empty folder makes room too";
   EXPECT_EQ(other->getParentFolderID(), ref("into").node);
   EXPECT_EQ(read("into/p"), bytes);
   std::filesystem::remove(path("into/p"));
