@@ -225,4 +225,10 @@ OSErr FSCompareFSRefs(const FSRef* a, const FSRef* b) {
   return *a == *b ? noErr : errFSRefsDifferent;
 }
 
+bool areTwoItems(const FSRef& a, const FSRef& b) {
+  struct stat infoA, infoB;
+  return itemInfo(a, infoA) == noErr && itemInfo(b, infoB) == noErr &&
+         (infoA.st_dev != infoB.st_dev || infoA.st_ino != infoB.st_ino);
+}
+
 }  // namespace cairnset

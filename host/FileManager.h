@@ -69,6 +69,11 @@ OSErr FSMakeFSRefUnicode(const FSRef* folder, std::size_t length, const UniChar*
 /// noErr where both denote one place, else errFSRefsDifferent. Costs no system call.
 OSErr FSCompareFSRefs(const FSRef* a, const FSRef* b);
 
+/// Whether something is at each place, and not the same. Two hard links are the same, and so is one
+/// entry under two spellings of its name, where the volume takes them for one. Ours; asks the
+/// volume.
+bool areTwoItems(const FSRef& a, const FSRef& b);
+
 /// The folder that holds the place and its exact name, as the reference has them: no system call,
 /// and nothing is said of what exists. False, outputs cleared, for an invalid reference or the
 /// root.

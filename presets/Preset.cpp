@@ -279,7 +279,8 @@ OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
     const bool isTakenOver = result == noErr && keepsName && !isFolder(&there);
     if (result == fnfErr) {
       result = noErr;
-    } else if (result == noErr && !isTakenOver) {
+    } else if (result == noErr && !isTakenOver && areTwoItems(there, _file_ref)) {
+      // Never this preset itself, which answers to both names where case does not count.
       result = FSDeleteObject(&there);
     }
     if (result == noErr) {

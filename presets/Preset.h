@@ -129,7 +129,8 @@ class Preset : public TreeLeaf {
   /// Renames the file; the name in memory follows, the one inside the file only at the next
   /// writeOut.
   OSErr rename(const unsigned char* newName);
-  /// Moves the file. With `replace`, a file there that bears this preset's host name is replaced.
+  /// Moves the file. With `replace`, a file there that bears this preset's host name is replaced,
+  /// unless it is this preset's own, under another spelling or as a hard link.
   /// On success the answer is not 0 but 1, for a file that is valid where it is now: callers have
   /// always had it so.
   OSErr moveToFolder(const FSRef& folder, bool replace);

@@ -107,7 +107,9 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   EXPECT_EQ(list("into"), (std::vector<std::string>{"p", "two"}))
       << "nor does it have to be in the way";
   makeFolder("on");
+  std::filesystem::create_hard_link(path("into/two"), path("on/one"));
   EXPECT_EQ(preset->moveToFolder(ref("on"), true), 1);
+  EXPECT_EQ(list("on"), (std::vector<std::string>{"one", "two"})) << "it may be its only name";
   for (int round = 0; round < 2; ++round)
     EXPECT_EQ(other->moveToFolder(ref("into"), true), 1) << "never deletes itself";
   makeFolder("on/p");
