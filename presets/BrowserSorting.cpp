@@ -14,6 +14,7 @@ namespace cairnset {
 namespace {
 
 constexpr const char* kFactory = "Factory";
+constexpr OSStatus kMoved = 1;  // what a successful move returns
 
 const char* factoryFolder(const Preset&) {
   return kFactory;
@@ -62,7 +63,7 @@ OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Prese
   list.getRootFSSpec(root);
   list.getUserFSSpec(user);
   OSStatus status = noErr;
-  std::map<std::string_view, FSRef> found;  // a folder is looked for until it is there, not again
+  std::map<std::string_view, FSRef> found;
   for (TreeLeaf* leaf : list.leaves().entriesAs<TreeLeaf>()) {
     auto& preset = static_cast<Preset&>(*leaf);
     if (preset.isDefault()) continue;
@@ -71,10 +72,16 @@ OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Prese
       status = preset.moveToFolder(user, false);
       continue;
     }
+    // As if the folder were looked up for each preset: only a move that worked proves that it is
+    // there. What bears its name may be a file, which this very sort moves away.
     FSRef& folder = found[romFolder(preset)];
-    status = folder == FSRef() ? PresetList::findFolder(root, romFolder(preset), true, folder)
-                               : OSStatus{noErr};
-    if (status == noErr) status = preset.moveToFolder(folder, true);
+    const bool wasFound = folder != FSRef();
+    if (wasFound) status = preset.moveToFolder(folder, true);
+    if (!wasFound || status != kMoved) {
+      status = PresetList::findFolder(root, romFolder(preset), true, folder);
+      if (status == noErr) status = preset.moveToFolder(folder, true);
+      if (status != kMoved) folder = {};
+    }
   }
   return status;
 }
