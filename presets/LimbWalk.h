@@ -34,6 +34,9 @@ class LimbWalk {
     return _current = nullptr;
   }
 
+  /// Leaves out all that is below the limb that next() returned.
+  void skipChildren() { _levels.back().next = _levels.back().end; }
+
   /// How far the limb that next() answered lies below the top.
   int depth() const { return static_cast<int>(_levels.size()) - 1; }
 

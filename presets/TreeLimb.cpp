@@ -3,8 +3,10 @@
 #include <cstring>
 #include <ostream>
 #include <string>
+#include <typeinfo>
 
 #include "presets/LimbWalk.h"
+#include "presets/PresetLimb.h"
 #include "presets/TreeLeaf.h"
 
 namespace cairnset {
@@ -234,6 +236,16 @@ TreeLeaf* TreeLimb::findLeafWithNameRecursively(const char* n) {
 
 // --- Walks ---------------------------------------------------------------------------------------
 
+namespace {
+
+// Whether a limb's class may override listRecursively. Calling it for these two, which do not,
+// would need a stack as deep as the tree.
+bool mayListItself(const TreeLimb& limb) {
+  return typeid(limb) != typeid(TreeLimb) && typeid(limb) != typeid(PresetLimb);
+}
+
+}  // namespace
+
 TreeLeaf* TreeLimb::recursiveLeafIterNext() {
   if (_leaf_walk == nullptr || !_leaf_walk->standsAt(_leaf_cursor)) {
     _leaf_walk = std::make_unique<LeafWalk>(*this, _leaf_cursor);
@@ -246,7 +258,13 @@ void TreeLimb::listRecursively(std::ostream& os, unsigned long flags, int depth)
   LimbWalk walk(*this);
   std::string tabs;
   while (const TreeLimb* limb = walk.next()) {
-    tabs.assign(static_cast<std::size_t>(depth) + static_cast<std::size_t>(walk.depth()), '\t');
+    const int limbDepth = depth + walk.depth();
+    if (limb != this && mayListItself(*limb)) {
+      limb->listRecursively(os, flags, limbDepth);
+      walk.skipChildren();
+      continue;
+    }
+    tabs.assign(static_cast<std::size_t>(limbDepth), '\t');
     os << tabs;
     limb->printTreeItemInfo(os, flags);
     os << '\n';

@@ -23,7 +23,7 @@ class TreeLimb : public TreeItem {
 
   const char* getTreeItemTypeName() const override { return "TreeLimb"; }
   /// Lists this limb and all below it, a line each, indented by `depth` and more tabs: the limb,
-  /// its leaves, then each child limb in the same way.
+  /// its leaves, then each child limb in the same way, or as the limb's own class has it.
   virtual void listRecursively(std::ostream& os, unsigned long flags, int depth) const;
 
   // --- Children ---

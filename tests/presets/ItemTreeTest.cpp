@@ -72,6 +72,27 @@ TEST_F(ItemTree, ListsAndSearchesInTheirOrder) {
   EXPECT_TRUE(root.getItem(0) == limb && loose->parent() == &root);
 }
 
+TEST_F(ItemTree, AChildLimbMayListItselfInItsOwnWay) {
+  struct Own : TreeLimb {
+    void listRecursively(std::ostream& os, unsigned long flags, int depth) const override {
+      os << depth << flags << "(\n";
+      TreeLimb::listRecursively(os, flags, depth);
+      os << ")\n";
+    }
+  };
+  TreeItem::_current_index = 0;
+  TreeLimb* limb = newLimb(root, "a");
+  newLimb(*add(*limb, new Own, "own"), "b");
+  newLimb(root, "c");
+  std::ostringstream os;
+  root.listRecursively(os, 7, 0);
+  EXPECT_TRUE(
+      os.str().ends_with("] a\n27(\n\t\tTreeLimb [index: 2; id: 0] own\n"
+                         "\t\t\tTreeLimb [index: 3; id: 0] b\n)\n"
+                         "\tTreeLimb [index: 4; id: 0] c\n"))
+      << os.str();
+}
+
 TEST_F(ItemTree, TheWalkFollowsItsCursorThroughRandomChanges) {
   std::mt19937 random(1);
   std::vector<TreeLimb*> limbs{&root};
