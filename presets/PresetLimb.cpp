@@ -1,6 +1,8 @@
 #include "presets/PresetLimb.h"
 
+#include <cstring>
 #include <ostream>
+#include <utility>
 
 #include "host/FileSystemHelpers.h"
 #include "host/PathStrings.h"
@@ -20,10 +22,12 @@ void PresetLimb::setSpec(const FSRef& folder) {
   // The name is the end of a path, so a "/" within the name (":" on the volume) or a "\" cuts off
   // what stands before it. Meant so: reports have always shown such folders this way.
   extractFilename(held, name);
-  setTreeItemName(name);
-  _folder_id = getFolderNode(&folder);
+  if (const char* own = getTreeItemName(); own == nullptr || std::strcmp(own, name) != 0) {
+    setTreeItemName(name);
+  }
   _folder = folder;
-  noteIDChange();
+  const std::uint32_t id = getFolderNode(&folder);
+  if (std::exchange(_folder_id, id) != id) noteIDChange();
 }
 
 bool PresetLimb::isSameFolder(const FSRef& other) const {

@@ -101,7 +101,7 @@ PresetLimb* PresetList::addFolderLimb(PresetLimb* parent, const FSRef& folder) {
 PtrLink* PresetList::addPtr(void* entry) {
   auto* preset = static_cast<Preset*>(entry);
   const bool namesAreRight = _by_name_stamp == nameStamp();
-  const bool filesAreRight = _by_file_stamp == fileStamp();
+  const bool filesAreRight = _by_file_stamp == fileStamp() && _by_file_is_whole;
   PtrLink* link = PtrManager::addPtr(preset);
   if (preset == nullptr) return link;
   // A preset at the end of the list is found only where nothing before it is.
@@ -158,9 +158,11 @@ Preset* PresetList::findPreset(const char* name) const {
 }
 
 template <typename Lies>
-Preset* PresetList::findByFileName(const unsigned char* name, bool caseSensitive, Lies lies) const {
+Preset* PresetList::findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
+                                   Lies lies) const {
   for (Preset* preset : presets()) {
-    if (preset == nullptr) break;
+    if (preset == nullptr && stopsAtNull) break;
+    if (preset == nullptr) continue;
     char text[256];
     Str255 held;
     getPlaceName(preset->fileRef(), text, sizeof text);
@@ -174,19 +176,19 @@ Preset* PresetList::findByFileName(const unsigned char* name, bool caseSensitive
 }
 
 Preset* PresetList::findPreset(const unsigned char* name, bool caseSensitive) const {
-  return findByFileName(name, caseSensitive, [](const Preset&) { return true; });
+  return findByFileName(name, caseSensitive, false, [](const Preset&) { return true; });
 }
 
 Preset* PresetList::findPresetInSameFolder(const Preset* other, const unsigned char* name,
                                            bool caseSensitive) const {
   if (other == nullptr) return nullptr;
-  return findByFileName(name, caseSensitive, [other](const Preset& preset) {
+  return findByFileName(name, caseSensitive, true, [other](const Preset& preset) {
     return cairnset::isSameFolder(&preset.fileRef(), &other->fileRef());
   });
 }
 
 Preset* PresetList::findPresetInUserFolder(const unsigned char* name, bool caseSensitive) const {
-  return findByFileName(name, caseSensitive, [this](const Preset& preset) {
+  return findByFileName(name, caseSensitive, true, [this](const Preset& preset) {
     return cairnset::isSameFolder(&preset.fileRef(), &_user_folder);
   });
 }
@@ -194,7 +196,9 @@ Preset* PresetList::findPresetInUserFolder(const unsigned char* name, bool caseS
 Preset* PresetList::findPresetUsingFileSpec(const FSRef& file) const {
   if (_by_file_stamp != fileStamp()) {
     _by_file.clear();
+    _by_file_is_whole = true;
     for (Preset* preset : presets()) {
+      _by_file_is_whole = preset != nullptr;
       if (preset == nullptr) break;
       _by_file.add(preset->fileRef(), preset);
     }
@@ -415,8 +419,9 @@ OSStatus PresetList::readFolders(const FSRef& folder, PresetLimb* limb, bool& li
     } else {
       const Reading& here = reading.back();
       const auto known = here.limbsBefore.find(ref.node);
-      PresetLimb* child =
-          known != here.limbsBefore.end() ? known->second : addFolderLimb(here.limb, ref);
+      const bool isKnown = known != here.limbsBefore.end();
+      PresetLimb* child = isKnown ? known->second : addFolderLimb(here.limb, ref);
+      if (isKnown) child->setSpec(ref);
       enter(ref, child);
     }
   }

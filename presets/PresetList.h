@@ -62,6 +62,9 @@ class PresetList : public PtrManager, public PresetLimb {
   PtrEntries<Preset> presets() const { return entriesAs<Preset>(); }
 
   // --- Look-ups: the first match in list order, or null ---
+  //
+  // Those by file or folder end at a null entry as if the list ended there, on purpose; the others
+  // pass over it.
 
   /// By name: case does not count, marks do (fncmp).
   Preset* findPreset(const char* name) const;
@@ -156,7 +159,8 @@ class PresetList : public PtrManager, public PresetLimb {
   /// opened, `status` is how it could be closed.
   Preset* openIfOfThisKind(const FSRef& file, OSStatus& status);
   template <typename Lies>
-  Preset* findByFileName(const unsigned char* name, bool caseSensitive, Lies lies) const;
+  Preset* findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
+                         Lies lies) const;
 
   PresetManager* _manager;
   FSRef _root_folder;
@@ -168,6 +172,7 @@ class PresetList : public PtrManager, public PresetLimb {
   mutable Stamp _by_name_stamp;
   mutable FileIndex _by_file;
   mutable Stamp _by_file_stamp;
+  mutable bool _by_file_is_whole = true;  // false where a null entry ends it
   std::unordered_map<unsigned long, TreeLimb*> _limb_by_folder;
   Stamp _limb_by_folder_stamp;
 };

@@ -66,6 +66,31 @@ TEST_F(PresetListTest, OrdersROMFirstNumbersRAMAnewAndLoadsOnlyWhatIsNew) {
   EXPECT_EQ(read(kRoot + "/Default"), bytes) << "none is made over one not seen";
 }
 
+TEST_F(PresetListTest, LooksUpToANullEntryOrBehindIt) {
+  load();
+  list.addPtr(nullptr);
+  EXPECT_NE(list.findPresetUsingFileSpec(ref(kRoot + "/Default")), nullptr) << "makes the index";
+  put(*this, PresetFile{"Velocity Maps/User/late"});
+  Preset* late = list.openPreset(ref(kRoot + "/User/late"));
+  EXPECT_EQ(list.findPresetUsingFileSpec(late->fileRef()), nullptr);
+  EXPECT_EQ(list.findPresetInUserFolder(pascal("late"), true), nullptr);
+  EXPECT_EQ(list.findPresetInSameFolder(late, pascal("late"), true), nullptr);
+  EXPECT_EQ(list.findPreset(pascal("late"), true), late);
+  EXPECT_EQ(list.findPreset("late"), late);
+}
+
+TEST_F(PresetListTest, AFolderThatCameBackHasItsPresetsAgain) {
+  PresetLimb* limb = new PresetLimb;
+  const FSRef folder = (makeFolder(kRoot + "/f"), ref(kRoot + "/f"));
+  std::filesystem::remove(path(kRoot + "/f"));
+  limb->setSpec(folder);
+  list.addLimb(limb);
+  put(*this, PresetFile{"Velocity Maps/f/p"});
+  load();
+  EXPECT_EQ(limb->getTreeItemID(), folder.node);
+  EXPECT_EQ(limb->leaves().count(), 1);
+}
+
 TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
   load();
   EXPECT_EQ(list.newPreset(pascal("a/b?. "), true, true), 0);
