@@ -84,6 +84,8 @@ class Preset : public TreeLeaf {
   OSErr status() const { return _status; }
   const FSRef& fileRef() const { return _file_ref; }
   bool isROM() const { return _rom != 0; }
+  /// The flag as the file has it: 0 for RAM, any other value for ROM.
+  std::uint8_t romByte() const { return _rom; }
   void setROM(bool rom) { _rom = rom; }
   std::int32_t index() const { return _index; }
   void setIndex(std::int32_t index) { _index = index; }

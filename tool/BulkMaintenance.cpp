@@ -21,7 +21,7 @@ void sortIntoSubdirectories() {
 
 void setROM(PresetList* list, bool rom) {
   forEachPreset(list, [rom](Preset& preset) {
-    if (preset.isROM() == rom) return;
+    if (preset.romByte() == (rom ? 1 : 0)) return;
     preset.setROM(rom);
     if (const std::string failure = writeAndTell(preset); !failure.empty()) {
       writeText(std::cerr, failure);

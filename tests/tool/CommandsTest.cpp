@@ -24,6 +24,7 @@ class CommandsTest : public testing::Test, protected TestFolder {
   CommandsTest() {
     for (const PresetFile& preset : library)
       put(*this, preset);
+    write("lib/Presets/Programs/Default", library[4].bytes().replace(84, 1, "\2"));
     std::strcpy(path_string, path("lib").c_str());
     TreeItem::_current_index = 0;
     EXPECT_EQ(instantiate(), 0);
@@ -82,7 +83,7 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
   static const SystemCalls real = systemCalls();
   systemCalls().pwrite = [](auto... args) { return ++writes, real.pwrite(args...); };
   setROM(nullptr, true);
-  for (const auto& [rom, expected] : {std::pair(true, 4), {true, 0}, {false, 8}, {false, 0}}) {
+  for (const auto& [rom, expected] : {std::pair(true, 5), {true, 0}, {false, 8}, {false, 0}}) {
     out.str("");
     writes = 0;
     rom ? makeAllROM() : makeAllRAM();
