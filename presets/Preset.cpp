@@ -66,6 +66,7 @@ Preset::Preset(const FSRef& file, long /*kind*/, bool fresh)
 Preset::Preset(const Preset& source, const unsigned char* newName, long /*kind*/,
                const FSRef* folder)
     : _index(source._index) {
+  takeTreeItemName("");
   FSRef parent;
   if (folder != nullptr) {
     parent = *folder;
@@ -205,8 +206,7 @@ OSErr Preset::readIn() {
 }
 
 OSErr Preset::writeOut() {
-  if (_why_never_written != noErr) return _status = _why_never_written;
-  _status = openForWriting();
+  _status = _why_never_written != noErr ? _why_never_written : openForWriting();
   if (_fork_ref == 0) return noErr;
   VirtualFile file(kBlockSize);
   fillVirtualFile(file);
@@ -372,9 +372,10 @@ const char* Preset::flattenedData() const {
 }
 
 long Preset::setFlattenedPreset(const char* data, long size) {
+  auto* const image = new VirtualFile(kBlockSize);
+  image->write(data, size);  // may be from the image that goes
   delete _flat_file;
-  _flat_file = new VirtualFile(kBlockSize);
-  _flat_file->write(data, size);
+  _flat_file = image;
   _edited = true;
   return extractVirtualFile(*_flat_file);
 }

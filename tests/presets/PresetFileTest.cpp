@@ -135,7 +135,12 @@ TEST_F(PresetFileTest, CopiesShareTheIndexAndAreRAM) {
   EXPECT_STREQ(copy.getTreeItemName(), "c");
   EXPECT_EQ(std::string(copy.fields.effectsName, 64), padded("Hall", 64));
   EXPECT_FALSE(copy.equalParams(source)) << "the bytes behind the name differ";
-  EXPECT_EQ(ProgramPreset(nullptr, source, pascal("c"), nullptr).status(), dupFNErr);
+  const ProgramPreset failed(nullptr, source, pascal("c"), nullptr);
+  EXPECT_EQ(failed.status(), dupFNErr);
+  EXPECT_STREQ(failed.getTreeItemName(), "");
+  const std::string image = imageOf(source);
+  source.setFlattenedPreset(source.flattenedData(), static_cast<long>(image.size()));
+  EXPECT_EQ(imageOf(source), image);
 }
 
 TEST(PresetComparison, StepsAndEmptyNames) {
