@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 
 #include "fuzz/Fuzz.h"
+#include "host/Host.h"
 #include "host/Names.h"
-#include "host/NodeTable.h"
 #include "host/PascalStrings.h"
 #include "presets/Preset.h"
 #include "tests/PresetFile.h"
@@ -254,18 +254,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace cairnset;
   std::cout.rdbuf(report.rdbuf());
   std::cerr.rdbuf(report.rdbuf());
-  FuzzedDataProvider input(data, size);
-  checkLibrary(input);
-  // Each input starts as a process does, so that runs are alike and millions of them fit: iterators
-  // that the load leaves open are closed, and all places forgotten. The host layer remembers one
-  // path, which has to be that of the root, whose number stays.
-  for (FSIterator i = 1; i < 10000; ++i)
-    FSCloseIterator(i);
-  FSRef any;
-  FSPathMakeRef("/dev", &any, nullptr);
-  FSGetCatalogInfo(&any, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr);
-  NodeTable::shared() = NodeTable();
+  // Each input starts as a process does, so that runs are alike.
+  Host fresh;
+  const HostInUse inUse(fresh);
   TreeItem::_current_index = 0;
   Preset::_index_count = 100000;
+  FuzzedDataProvider input(data, size);
+  checkLibrary(input);
   return 0;
 }

@@ -4,17 +4,16 @@
 #include <string>
 
 #include "host/FileManager.h"
+#include "host/Host.h"
 #include "host/Location.h"
 #include "host/Names.h"
-#include "host/NodeTable.h"
-#include "host/SystemCalls.h"
 
 namespace cairnset {
 
 namespace {
 
 NodeTable& nodes() {
-  return NodeTable::shared();
+  return host().nodes;
 }
 
 // The link's target as it is stored.
@@ -22,7 +21,7 @@ OSErr readAlias(const FSRef& ref, std::string& target) {
   const Location place(ref);
   if (place.status() != noErr) return place.status();
   char buffer[PATH_MAX];
-  const ssize_t n = systemCalls().readlink(place.folder(), place.path(), buffer, sizeof buffer);
+  const ssize_t n = host().calls.readlink(place.folder(), place.path(), buffer, sizeof buffer);
   if (n < 0) return failureAt(ref, errno);
   if (n == 0) return fnfErr;  // some systems let a link be empty; it points to nothing
   if (static_cast<std::size_t>(n) == sizeof buffer) return bdNamErr;
@@ -85,10 +84,10 @@ OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* 
   if (const OSErr result = volumeNameIn(*folder, length, name, volumeName); result != noErr) {
     return result;
   }
-  const Location place(*folder, volumeName, Location::By::kOwnFolder);
+  const Location place(*folder, volumeName, Location::For::kChanging);
   if (place.status() != noErr) return place.status();
   const std::string path = nodes().path(target->node);
-  if (systemCalls().symlink(path.c_str(), place.folder(), place.path()) != 0) {
+  if (host().calls.symlink(path.c_str(), place.folder(), place.path()) != 0) {
     return resultFromErrno(errno);
   }
   if (ref != nullptr) ref->node = nodes().intern(folder->node, volumeName);

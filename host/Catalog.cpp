@@ -8,10 +8,9 @@
 #include <string>
 
 #include "host/FileManager.h"
+#include "host/Host.h"
 #include "host/Location.h"
 #include "host/Names.h"
-#include "host/NodeTable.h"
-#include "host/SystemCalls.h"
 
 namespace cairnset {
 
@@ -21,7 +20,7 @@ constexpr std::int64_t kSecondsFrom1904To1970 = 2'082'844'800;
 constexpr const char* kCreationDateAttribute = "user.cairnset.created";  // 8 bytes, big-endian
 
 NodeTable& nodes() {
-  return NodeTable::shared();
+  return host().nodes;
 }
 
 std::uint64_t packDate(std::int64_t seconds, std::int64_t nanoseconds) {
@@ -33,7 +32,7 @@ std::uint64_t creationDate(const FSRef& ref, const struct stat& info) {
   const Location place(ref);
   unsigned char bytes[8];
   if (place.status() == noErr && place.isAbsolute() &&
-      systemCalls().getAttribute(place.path(), kCreationDateAttribute, bytes, sizeof bytes) ==
+      host().calls.getAttribute(place.path(), kCreationDateAttribute, bytes, sizeof bytes) ==
           sizeof bytes) {
     std::uint64_t date = 0;
     for (const unsigned char byte : bytes)
@@ -42,7 +41,7 @@ std::uint64_t creationDate(const FSRef& ref, const struct stat& info) {
   }
   struct timespec birth;
   if (place.status() == noErr &&
-      systemCalls().birthTime(place.folder(), place.path(), &birth) == 0) {
+      host().calls.birthTime(place.folder(), place.path(), &birth) == 0) {
     return packDate(birth.tv_sec, birth.tv_nsec);
   }
 #if defined(__APPLE__)
@@ -79,7 +78,7 @@ void specName(std::uint32_t node, unsigned char (&out)[64], bool& shortened) {
 OSErr FSPathMakeRef(const char* path, FSRef* ref, bool* isDirectory) {
   if (path == nullptr) return paramErr;
   char resolved[PATH_MAX];
-  if (systemCalls().realpath(path, resolved) == nullptr) {
+  if (host().calls.realpath(path, resolved) == nullptr) {
     if (errno != ENOENT) return resultFromErrno(errno);
     std::string folder = path;
     while (folder.size() > 1 && folder.back() == '/')
@@ -87,7 +86,7 @@ OSErr FSPathMakeRef(const char* path, FSRef* ref, bool* isDirectory) {
     const std::size_t slash = folder.rfind('/');
     if (slash == std::string::npos || slash == 0) return fnfErr;
     folder.resize(slash);
-    return systemCalls().realpath(folder.c_str(), resolved) != nullptr ? fnfErr : dirNFErr;
+    return host().calls.realpath(folder.c_str(), resolved) != nullptr ? fnfErr : dirNFErr;
   }
   FSRef found{NodeTable::kRoot};
   std::string_view rest = resolved;
@@ -198,7 +197,7 @@ OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, const FSCata
     bytes[i] = static_cast<unsigned char>(info->createDate >> (56 - 8 * i));
   }
   return callOnOpenItem(*ref, [&](int descriptor) {
-    return systemCalls().setAttribute(descriptor, kCreationDateAttribute, bytes, sizeof bytes);
+    return host().calls.setAttribute(descriptor, kCreationDateAttribute, bytes, sizeof bytes);
   });
 }
 
@@ -209,10 +208,10 @@ OSErr FSMakeFSRefUnicode(const FSRef* folder, std::size_t length, const UniChar*
     return result;
   }
   {
-    const Location place(*folder, volumeName, Location::By::kPath);
+    const Location place(*folder, volumeName, Location::For::kLooking);
     if (place.status() != noErr) return place.status();
     struct stat info;
-    if (systemCalls().lstat(place.folder(), place.path(), &info) != 0) {
+    if (host().calls.lstat(place.folder(), place.path(), &info) != 0) {
       return resultFromErrno(errno);
     }
   }

@@ -5,24 +5,23 @@
 #include <string_view>
 
 #include "host/FileManager.h"
+#include "host/Host.h"
 #include "host/Location.h"
 #include "host/Names.h"
-#include "host/NodeTable.h"
-#include "host/SystemCalls.h"
 
 namespace cairnset {
 
 namespace {
 
 NodeTable& nodes() {
-  return NodeTable::shared();
+  return host().nodes;
 }
 
 // Whether something is at both places and is one and the same; `info` is then what it is.
 bool isOneItem(const Location& a, const Location& b, struct stat& info) {
   struct stat other;
-  return systemCalls().lstat(b.folder(), b.path(), &other) == 0 &&
-         systemCalls().lstat(a.folder(), a.path(), &info) == 0 && info.st_dev == other.st_dev &&
+  return host().calls.lstat(b.folder(), b.path(), &other) == 0 &&
+         host().calls.lstat(a.folder(), a.path(), &info) == 0 && info.st_dev == other.st_dev &&
          info.st_ino == other.st_ino;
 }
 
@@ -47,9 +46,9 @@ struct Move {
   Move(const FSRef& ref, const FSRef& newFolder, std::string_view newName)
       : fromFolder(folderOf(ref)),
         toFolder(newFolder),
-        from(ref, Location::By::kOwnFolder),
+        from(ref, Location::For::kChanging),
         to(fromFolder == toFolder ? Location(from, newName)
-                                  : Location(toFolder, newName, Location::By::kOwnFolder)) {}
+                                  : Location(toFolder, newName, Location::For::kChanging)) {}
   OSErr status() const { return from.status() != noErr ? from.status() : to.status(); }
 };
 
@@ -73,15 +72,14 @@ bool isSecondName(const Move& move) {
 
 OSErr plainRename(const Move& move) {
   const Location &from = move.from, &to = move.to;
-  return systemCalls().rename(from.folder(), from.path(), to.folder(), to.path()) == 0
+  return host().calls.rename(from.folder(), from.path(), to.folder(), to.path()) == 0
              ? noErr
              : resultFromErrno(errno);
 }
 
 OSErr removeFrom(const Move& move) {
-  return systemCalls().unlink(move.from.folder(), move.from.path(), 0) == 0
-             ? noErr
-             : resultFromErrno(errno);
+  return host().calls.unlink(move.from.folder(), move.from.path(), 0) == 0 ? noErr
+                                                                           : resultFromErrno(errno);
 }
 
 OSErr nameIsTaken(const Move& move) {
@@ -98,7 +96,7 @@ OSErr nameIsTaken(const Move& move) {
 // replaces either; only where there are no links is a check before the rename all that is left.
 OSErr renameByLink(const Move& move) {
   const Location &from = move.from, &to = move.to;
-  SystemCalls& calls = systemCalls();
+  const SystemCalls& calls = host().calls;
   if (calls.link(from.folder(), from.path(), to.folder(), to.path()) == 0) {
     const OSErr removed = removeFrom(move);
     // Over a network a call can be done and yet be answered by an error: the new name goes again
@@ -120,7 +118,7 @@ OSErr renameByLink(const Move& move) {
 
 OSErr renameWithoutReplacing(const Move& move) {
   const Location &from = move.from, &to = move.to;
-  if (systemCalls().renameNoReplace(from.folder(), from.path(), to.folder(), to.path()) == 0) {
+  if (host().calls.renameNoReplace(from.folder(), from.path(), to.folder(), to.path()) == 0) {
     return noErr;
   }
   const int error = errno;
@@ -144,10 +142,6 @@ OSErr moveItem(const FSRef& ref, const FSRef& newFolder, const std::string& newN
   if (result == fnfErr) return failureAt(ref, ENOENT);
   if (result != noErr) return result;
   const FSRef moved{nodes().intern(newFolder.node, newName)};
-  if (moved != ref) {
-    placeChanged(ref);
-    placeChanged(moved);  // of what was replaced
-  }
   if (newRef != nullptr) *newRef = moved;
   return noErr;
 }
@@ -165,7 +159,7 @@ OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef
   std::string volumeName;
   const OSErr named = volumeNameFromUnicode({name, length}, volumeName);
   {
-    const Location place(folder, volumeName, Location::By::kOwnFolder);
+    const Location place(folder, volumeName, Location::For::kChanging);
     if (place.status() != noErr) return place.status();
     if (named != noErr) return named;
     if (const OSErr result = make(place); result != noErr) return result;
@@ -178,8 +172,8 @@ OSErr create(const FSRef& folder, std::size_t length, const UniChar* name, FSRef
 }
 
 OSErr makeDirectory(const Location& place) {
-  return systemCalls().mkdir(place.folder(), place.path(), 0777) == 0 ? noErr
-                                                                      : resultFromErrno(errno);
+  return host().calls.mkdir(place.folder(), place.path(), 0777) == 0 ? noErr
+                                                                     : resultFromErrno(errno);
 }
 
 }  // namespace
@@ -187,12 +181,12 @@ OSErr makeDirectory(const Location& place) {
 OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar* name, FSRef* ref,
                           FSSpec* fsSpec) {
   return create(*folder, length, name, ref, fsSpec, [](const Location& place) -> OSErr {
-    const int descriptor = systemCalls().open(place.folder(), place.path(),
-                                              O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int descriptor = host().calls.open(place.folder(), place.path(),
+                                             O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor < 0) return resultFromErrno(errno);
-    if (systemCalls().close(descriptor) == 0 || errno == EINTR) return noErr;
+    if (host().calls.close(descriptor) == 0 || errno == EINTR) return noErr;
     const OSErr result = resultFromErrno(errno);
-    systemCalls().unlink(place.folder(), place.path(), 0);  // what failed has made nothing
+    host().calls.unlink(place.folder(), place.path(), 0);  // what failed has made nothing
     return result;
   });
 }
@@ -228,7 +222,7 @@ OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name
   const Move move(*ref, folder, volumeName);
   if (move.status() != noErr) return move.status();
   const Location &from = move.from, &to = move.to;
-  if (systemCalls().link(from.folder(), from.path(), to.folder(), to.path()) == 0) return noErr;
+  if (host().calls.link(from.folder(), from.path(), to.folder(), to.path()) == 0) return noErr;
   const int error = errno;
   return error == EEXIST && isSecondName(move) ? noErr : failureAt(*ref, error);
 }
@@ -242,25 +236,24 @@ OSErr FSMoveObjectReplacing(const FSRef* ref, const FSRef* folder, FSRef* newRef
 }
 
 OSErr FSDeleteObject(const FSRef* ref) {
-  const Location place(*ref, Location::By::kOwnFolder);
+  const Location place(*ref, Location::For::kChanging);
   if (place.status() != noErr) return place.status();
-  if (systemCalls().unlink(place.folder(), place.path(), 0) != 0) {
+  if (host().calls.unlink(place.folder(), place.path(), 0) != 0) {
     const int error = errno;  // EISDIR or EPERM for a folder, by system
     struct stat info;
     const bool isFolder = itemInfo(*ref, info) == noErr && S_ISDIR(info.st_mode);
     if (!isFolder) return failureAt(*ref, error);
-    if (systemCalls().unlink(place.folder(), place.path(), AT_REMOVEDIR) != 0) {
+    if (host().calls.unlink(place.folder(), place.path(), AT_REMOVEDIR) != 0) {
       // POSIX lets a folder that is not empty be told by EEXIST too.
       return errno == EEXIST ? fBsyErr : failureAt(*ref, errno);
     }
   }
-  placeChanged(*ref);
   return noErr;
 }
 
 OSErr FSFlushObject(const FSRef* ref) {
   return callOnOpenItem(*ref, [](int descriptor) {
-    if (systemCalls().flush(descriptor) == 0) return 0;
+    if (host().calls.flush(descriptor) == 0) return 0;
     const bool hasNone =
         errno == EINVAL || errno == ENOSYS || errno == ENOTSUP || errno == EOPNOTSUPP;
     return hasNone ? 0 : -1;
@@ -268,7 +261,7 @@ OSErr FSFlushObject(const FSRef* ref) {
 }
 
 OSErr FSFlushVolume(const FSRef* ref) {
-  return callOnOpenItem(*ref, systemCalls().flushVolume);
+  return callOnOpenItem(*ref, host().calls.flushVolume);
 }
 
 }  // namespace cairnset

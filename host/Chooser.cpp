@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "host/FileManager.h"
+#include "host/Host.h"
 
 namespace cairnset {
 
@@ -110,8 +111,7 @@ bool chooseFile(const char* message, NavObjectFilterUPP filter, FSRef* choice) {
 }
 
 ChooserStreams& chooserStreams() {
-  static ChooserStreams streams = {&std::cin, &std::cerr};
-  return streams;
+  return host().choosers;
 }
 
 }  // namespace cairnset

@@ -6,10 +6,10 @@
 #include <string_view>
 
 #include "host/FileManager.h"
+#include "host/Host.h"
 #include "host/Location.h"
 #include "host/NameConversions.h"
 #include "host/Names.h"
-#include "host/NodeTable.h"
 #include "host/PascalStrings.h"
 #include "host/SystemVersion.h"
 
@@ -60,9 +60,8 @@ bool fileExists(const FSRef* /*ref*/) {
 }
 
 void getPlaceName(const FSRef& ref, char* name, std::size_t size) {
-  const NodeTable& table = NodeTable::shared();
-  static std::string held;  // its memory serves all names
-  held.clear();
+  const NodeTable& table = host().nodes;
+  std::string held;
   if (table.contains(ref.node)) appendHeldNameFromVolumeName(table.name(ref.node), held);
   const std::size_t length = std::min(held.size(), size - 1);
   std::memcpy(name, held.data(), length);

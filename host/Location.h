@@ -2,8 +2,7 @@
 #pragma once
 
 #include <climits>
-#include <cstdint>
-#include <dirent.h>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,33 +13,36 @@
 
 namespace cairnset {
 
+struct SystemCalls;
+
 /// A place as the pair (folder descriptor, path) that the ...at calls take. Almost always that is
-/// the absolute path alone; where it is longer than the system takes, the folders on the way are
-/// opened one stretch after the other, and the last one stays open as long as this object lives.
+/// the absolute path alone. Where that is longer than the system takes, or the place is for a
+/// change, its folder is open as long as this object lives.
 class Location {
  public:
-  /// How a place may be given.
-  enum class By {
-    kPath,        // the absolute path wherever the system takes it
-    kKeptFolder,  // by the name alone where the folder that the place is in is kept open
-    // By the name alone, in its folder, which this object opens. For every change by another call
-    // than open: those follow the links that somebody may have swapped the folders above for.
-    kOwnFolder,
+  enum class For {
+    kLooking,  // or opening, which follows no link on the way by itself
+    // Any other call that changes something: by the name, in a folder that was opened without
+    // following links. Else a folder that is swapped for a link would lead the change elsewhere.
+    kChanging,
   };
 
   /// The place of a node.
-  explicit Location(const FSRef& ref, By by = By::kPath);
+  explicit Location(const FSRef& ref, For purpose = For::kLooking);
   /// The place called `volumeName` in a folder; interns nothing.
-  Location(const FSRef& folder, std::string_view volumeName, By by);
-  /// The place called `volumeName` beside one that has a folder of its own, which serves both and
+  Location(const FSRef& folder, std::string_view volumeName, For purpose);
+  /// The place called `volumeName` beside one that is for a change, whose folder serves both and
   /// must live as long.
   Location(const Location& sibling, std::string_view volumeName);
+  /// A place by its folder's absolute path, for any thread.
+  Location(const SystemCalls& calls, std::string_view folderPath, std::string_view volumeName,
+           For purpose = For::kLooking);
   ~Location();
   Location(const Location&) = delete;
   Location& operator=(const Location&) = delete;
 
-  /// errFSBadFSRef for a reference that was never a place, or what kept a folder on the way from
-  /// being opened; nothing else may be asked then.
+  /// errFSBadFSRef for a reference that was never a place, or what kept the folder from being
+  /// opened; nothing else may be asked then.
   OSErr status() const { return _status; }
   int folder() const { return _folder; }
   const char* path() const { return _path; }
@@ -48,24 +50,15 @@ class Location {
   bool isAbsolute() const { return _path[0] == '/'; }
 
  private:
-  void locate(std::uint32_t folder, std::string_view name, By by);
+  void locate(std::string_view folderPath, std::string_view name, For purpose);
   void putName(std::size_t start, std::string_view name);
-  void openStretches(std::string_view folderPath);
 
+  const SystemCalls& _calls;
   OSErr _status = noErr;
   int _folder;
   int _descriptor = -1;
   char _path[PATH_MAX];
 };
-
-/// Keeps one folder open while its files are gone through, so that the path to it is not walked
-/// again for each of them. Only Locations that ask for it use it, and only as long as nothing has
-/// been renamed, moved or deleted: then it may no longer be the folder of its place. Where it
-/// cannot be opened, paths do.
-void keepFolderOpen(const FSRef& folder);
-/// The same of a folder that is open already; takes the listing over.
-void keepFolderOpen(const FSRef& folder, DIR* listing);
-void closeKeptFolder();
 
 /// What the volume says of the item itself, links not followed.
 OSErr itemInfo(const FSRef& ref, struct stat& info);
@@ -83,12 +76,7 @@ OSErr volumeNameIn(const FSRef& folder, std::size_t length, const UniChar* name,
 /// missing folder (dirNFErr).
 OSErr failureAt(const FSRef& ref, int error);
 
-/// Opens the item for one call on its descriptor, which answers -1 and errno where it fails.
+/// Opens the item for one call on its descriptor, which returns -1 and errno where it fails.
 OSErr callOnOpenItem(const FSRef& ref, const std::function<int(int descriptor)>& call);
-
-/// For after a place was renamed, moved or deleted. The forks that are open on it, or on any place
-/// within it, become strangers to it: whoever opens the place again must not be handed the old
-/// file. The folder that is kept open is closed.
-void placeChanged(const FSRef& ref);
 
 }  // namespace cairnset

@@ -19,11 +19,6 @@ NodeTable::NodeTable() : _index(64, 0) {
   _nodes.push_back({0, 0, 0});  // the end mark
 }
 
-NodeTable& NodeTable::shared() {
-  static NodeTable table;
-  return table;
-}
-
 std::uint32_t NodeTable::intern(std::uint32_t folder, std::string_view name) {
   const std::uint32_t hash = hashOf(folder, name);
   std::size_t slot = hash & (_index.size() - 1);

@@ -20,9 +20,6 @@ class NodeTable {
 
   NodeTable();
 
-  /// The process-wide table.
-  static NodeTable& shared();
-
   /// The number of the place `name` in `folder`, which must be a node of this table. `name` is a
   /// volume name (host/Names.h): any bytes but "/" and NUL.
   std::uint32_t intern(std::uint32_t folder, std::string_view name);

@@ -1,8 +1,10 @@
 #include "host/SystemCalls.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <sched.h>
 #include <stdlib.h>
 #include <string>
 #include <string_view>
@@ -65,7 +67,7 @@ int openFile(int folder, const char* path, int flags, mode_t mode) {
   how.flags = static_cast<unsigned>(flags | O_LARGEFILE);
   how.mode = (flags & O_CREAT) != 0 ? mode : 0;
   how.resolve = RESOLVE_NO_SYMLINKS;
-  static bool isKnown = true;
+  static std::atomic<bool> isKnown = true;  // of the system that this runs on
   if (isKnown) {
     const int descriptor = untilDone(
         [&] { return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)); });
@@ -178,15 +180,42 @@ int birthTime([[maybe_unused]] int folder, [[maybe_unused]] const char* path,
   return -1;
 }
 
+int ownDescriptors() {
+#if defined(__linux__)
+  return ::unshare(CLONE_FILES);
+#else
+  errno = ENOSYS;
+  return -1;
+#endif
+}
+
 }  // namespace
 
-SystemCalls& systemCalls() {
-  static SystemCalls calls{openFile,    ::close,    ::fstat,         ::pread,         ::pwrite,
-                           ::ftruncate, lstatFile,  makeFolder,      renameNoReplace, renameFile,
-                           linkFile,    unlinkFile, ::symlinkat,     ::readlinkat,    ::realpath,
-                           ::fdopendir, readEntry,  ::closedir,      getAttribute,    setAttribute,
-                           birthTime,   ::statvfs,  flushDescriptor, flushVolume};
-  return calls;
-}
+SystemCalls::SystemCalls()
+    : open(openFile),
+      close(::close),
+      fstat(::fstat),
+      pread(::pread),
+      pwrite(::pwrite),
+      ftruncate(::ftruncate),
+      lstat(lstatFile),
+      mkdir(makeFolder),
+      renameNoReplace(cairnset::renameNoReplace),
+      rename(renameFile),
+      link(linkFile),
+      unlink(unlinkFile),
+      symlink(::symlinkat),
+      readlink(::readlinkat),
+      realpath(::realpath),
+      fdopendir(::fdopendir),
+      readdir(readEntry),
+      closedir(::closedir),
+      getAttribute(cairnset::getAttribute),
+      setAttribute(cairnset::setAttribute),
+      birthTime(cairnset::birthTime),
+      statvfs(::statvfs),
+      flush(flushDescriptor),
+      flushVolume(cairnset::flushVolume),
+      ownDescriptors(cairnset::ownDescriptors) {}
 
 }  // namespace cairnset

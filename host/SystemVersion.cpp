@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "host/ResultCodes.h"
+#include "host/Host.h"
 
 namespace cairnset {
 
@@ -16,8 +16,7 @@ bool isVersionAtLeast(long wanted) {
 }  // namespace
 
 GestaltAnswers& gestaltAnswers() {
-  static GestaltAnswers answers;
-  return answers;
+  return host().gestalt;
 }
 
 OSErr Gestalt(std::uint32_t selector, long* response) {

@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include "host/FileManager.h"
-#include "host/SystemCalls.h"
+#include "host/Host.h"
 
 namespace cairnset {
 
@@ -41,7 +41,7 @@ OSErr makeFolders(const std::string& path) {
   OSErr result = noErr;
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
     const std::string stretch = path.substr(0, end);
-    if (systemCalls().mkdir(AT_FDCWD, stretch.c_str(), 0700) != 0 && errno != EEXIST &&
+    if (host().calls.mkdir(AT_FDCWD, stretch.c_str(), 0700) != 0 && errno != EEXIST &&
         result == noErr) {
       result = resultFromErrno(errno);
     }
@@ -54,7 +54,7 @@ OSErr makeFolders(const std::string& path) {
 OSErr PBXGetVolInfoSync(std::int16_t vRefNum, VolumeInfo* info) {
   if (vRefNum != 0 && vRefNum != kVolumeNumber) return nsvErr;
   struct statvfs volume;
-  if (systemCalls().statvfs("/", &volume) != 0) return resultFromErrno(errno);
+  if (host().calls.statvfs("/", &volume) != 0) return resultFromErrno(errno);
   const std::string_view name = kDefaultVolumeName;
   info->vRefNum = kVolumeNumber;
   info->name[0] = static_cast<unsigned char>(name.size());

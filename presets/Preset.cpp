@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "host/FileManager.h"
+#include "host/FileReading.h"
 #include "host/FileSystemHelpers.h"
 #include "host/NameConversions.h"
 #include "host/ReportText.h"
@@ -20,15 +21,20 @@ namespace {
 
 constexpr long kBlockSize = 128;
 constexpr long kNameField = 64;
-constexpr unsigned long kNameSize = 240;       // names are cut to this many bytes, NUL included
-constexpr unsigned long kLargestImage = 1024;  // no kind's image comes near it
+constexpr unsigned long kNameSize = 240;  // names are cut to this many bytes, NUL included
 
 using FileName = char[kNameSize];
+
+OSErr whyNotRead(const FSRef& file) {
+  if (!isRegularFile(&file)) return ioErr;
+  char buffer[FileStart::kMost];
+  const FileStart start = readFileStart(file, fsRdWrPerm, buffer);
+  return start.opened != noErr ? start.opened : start.read;
+}
 
 }  // namespace
 
 std::uint32_t Preset::_index_count = 100000;
-unsigned long Preset::_file_changes = 0;
 
 Preset::Preset(const FSRef& ref, const char* name, long /*kind*/, bool create)
     : _index(static_cast<std::int32_t>(_index_count)) {
@@ -46,9 +52,7 @@ Preset::Preset(const FSRef& ref, const char* name, long /*kind*/, bool create)
   if (_status == dupFNErr) {
     _status =
         FSMakeFSRefUnicode(&ref, hostName.length, hostName.unicode, kTextEncodingUnknown, &file);
-    std::uint32_t kind = 0;
-    if (_status == noErr) _why_never_written = readKind(file, kind);
-    if (_why_never_written == kWrongFileType) _why_never_written = noErr;
+    if (_status == noErr) _why_never_written = whyNotRead(file);
   }
   if (_status == noErr) {
     takeFile(file);
@@ -97,7 +101,7 @@ void Preset::takeFile(const FSRef& ref) {
 
 void Preset::changeFile(const FSRef& ref) {
   takeFile(ref);
-  ++_file_changes;
+  noteChange();
 }
 
 void Preset::takeNamesFromFile() {
@@ -190,18 +194,25 @@ OSErr Preset::close() {
 OSErr Preset::readIn() {
   _status = openForReading();
   if (_fork_ref == 0) return noErr;
-  _status = noErr;
-  char image[kLargestImage];
+  char image[FileStart::kMost];
   std::size_t loaded = 0;
   FSReadFork(_fork_ref, fsFromStart, 0, sizeof image, image, &loaded);
-  // Only the start of a large file is loaded: that is all that can be read from it, and its size
-  // all that else counts.
-  auto size = static_cast<std::int64_t>(loaded);
-  if (loaded == sizeof image) FSGetForkSize(_fork_ref, &size);
-  VirtualFile file(image, loaded, true, kBlockSize);
-  extractImage(file, static_cast<std::uint32_t>(std::min<std::int64_t>(size, UINT32_MAX)));
-  _edited = false;
+  FileStart start;
+  start.bytes = {image, loaded};
+  start.size = static_cast<std::int64_t>(loaded);
+  if (loaded == sizeof image) FSGetForkSize(_fork_ref, &start.size);
+  readFrom(start);
   close();
+  return _status;
+}
+
+// Of a large file only the start is there: that is all that can be read from it, and its size all
+// that else counts.
+OSErr Preset::readFrom(const FileStart& start) {
+  _status = noErr;
+  VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
+  extractImage(file, static_cast<std::uint32_t>(std::min<std::int64_t>(start.size, UINT32_MAX)));
+  _edited = false;
   return _status;
 }
 
@@ -292,25 +303,15 @@ OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
   return 1;
 }
 
-OSErr Preset::readKind(std::int16_t fork, std::uint32_t& kind) {
-  char start[8];
-  const OSErr result = FSReadFork(fork, fsFromStart, 0, sizeof start, start, nullptr);
-  if (result != noErr) return result == eofErr ? OSErr{kWrongFileType} : result;
-  VirtualFile file(start, sizeof start, true, kBlockSize);
-  std::uint32_t fileType = 0;
+std::optional<std::uint32_t> Preset::kindOf(std::string_view start) {
+  char words[8];
+  if (start.copy(words, sizeof words) < sizeof words) return std::nullopt;
+  VirtualFile file(words, sizeof words, true, kBlockSize);
+  std::uint32_t fileType = 0, kind = 0;
   readField(file, fileType);
   readField(file, kind);
-  return fileType == _file_type ? noErr : OSErr{kWrongFileType};
-}
-
-OSErr Preset::readKind(const FSRef& file, std::uint32_t& kind) {
-  if (!isRegularFile(&file)) return ioErr;
-  std::int16_t fork = 0;
-  OSErr result = FSOpenFork(&file, 0, nullptr, fsRdWrPerm, &fork);
-  if (result != noErr) return result;
-  result = readKind(fork, kind);
-  FSCloseFork(fork);
-  return result;
+  if (fileType != _file_type) return std::nullopt;
+  return kind;
 }
 
 // --- The file's image ----------------------------------------------------------------------------

@@ -17,7 +17,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
@@ -26,6 +28,7 @@
 namespace cairnset {
 
 class VirtualFile;
+struct FileStart;
 
 /// The record that the four kinds share. The file's name is the preset's name; other presets refer
 /// to it by that name alone. Results are host result codes, 0 for success. The file is open only
@@ -109,9 +112,6 @@ class Preset : public TreeLeaf {
   /// Whether the payload fields agree in all bytes, spare ones too; presets of two kinds never do.
   bool equalParams(const Preset& other) const;
 
-  /// Grows with every change of any preset's file reference after it was made.
-  static unsigned long fileChanges() { return _file_changes; }
-
   // --- The file ---
 
   OSErr openForReading();
@@ -120,6 +120,8 @@ class Preset : public TreeLeaf {
   /// Reads the record from the file and answers status(); 0 where the file could not be opened,
   /// which only status() tells. What fails a check leaves the record as it was.
   OSErr readIn();
+  /// The same from the start of the file, which was read already.
+  OSErr readFrom(const FileStart& start);
   /// Writes the file from its start and answers status(); 0 where it could not be opened, as
   /// readIn. A longer file keeps its tail, and then fails the size check when it is read again.
   OSErr writeOut();
@@ -137,11 +139,9 @@ class Preset : public TreeLeaf {
   /// always had it so.
   OSErr moveToFolder(const FSRef& folder, bool replace);
 
-  /// noErr where an open file starts as a preset does, and of which kind it then is: all that makes
-  /// a file a preset, whatever its name. kWrongFileType where it does not, or why nobody can tell.
-  static OSErr readKind(std::int16_t fork, std::uint32_t& kind);
-  /// The same of a file that is not open.
-  static OSErr readKind(const FSRef& file, std::uint32_t& kind);
+  /// The kind of the preset whose file begins with these bytes: all that makes a file a preset,
+  /// whatever its name. Nothing where no preset's does.
+  static std::optional<std::uint32_t> kindOf(std::string_view start);
 
   // --- The file's image ---
 
@@ -165,8 +165,6 @@ class Preset : public TreeLeaf {
   void takeNamesFromFile();
   void deleteIfEmpty();
   long extractImage(VirtualFile& file, std::uint32_t size);
-
-  static unsigned long _file_changes;
 
   OSErr _status = noErr;
   OSErr _why_never_written = noErr;

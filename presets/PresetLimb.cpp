@@ -27,7 +27,7 @@ void PresetLimb::setSpec(const FSRef& folder) {
   }
   _folder = folder;
   const std::uint32_t id = getFolderNode(&folder);
-  if (std::exchange(_folder_id, id) != id) noteIDChange();
+  if (std::exchange(_folder_id, id) != id) noteChange();
 }
 
 bool PresetLimb::isSameFolder(const FSRef& other) const {

@@ -1,7 +1,5 @@
 #include "presets/PresetList.h"
 
-#include <algorithm>
-#include <string_view>
 #include <vector>
 
 #include "host/FileManager.h"
@@ -9,8 +7,8 @@
 #include "host/NameConversions.h"
 #include "host/PascalStrings.h"
 #include "presets/ExchangeOrder.h"
-#include "presets/LimbWalk.h"
 #include "presets/Preset.h"
+#include "presets/PresetLoading.h"
 
 namespace cairnset {
 
@@ -21,7 +19,8 @@ PresetList::PresetList(const PresetList& other)
       _root_folder(other._root_folder),
       _user_folder(other._user_folder),
       _confirmed(other._confirmed),
-      _current_preset(other._current_preset) {}
+      _current_preset(other._current_preset),
+      _indexes(*this) {}
 
 PresetList::~PresetList() {
   for (const Preset* preset : presets())
@@ -64,58 +63,26 @@ OSStatus PresetList::findFolder(const FSRef& parent, const char* name, bool crea
 
 // --- Entries -------------------------------------------------------------------------------------
 
-PresetList::Stamp PresetList::nameStamp() const {
-  return {changes(), TreeItem::nameChanges()};
-}
-PresetList::Stamp PresetList::fileStamp() const {
-  return {changes(), Preset::fileChanges()};
-}
-PresetList::Stamp PresetList::limbStamp() {
-  return {TreeLimb::limbChanges(), TreeItem::idChanges()};
+unsigned long PresetList::revision() const {
+  return changes() + TreeItem::itemChanges() + TreeLimb::treeChanges();
 }
 
-TreeLimb* PresetList::limbOfFolder(unsigned long id) {
-  if (_limb_by_folder_stamp != limbStamp()) {
-    _limb_by_folder.clear();
-    LimbWalk walk(*this);
-    while (TreeLimb* limb = walk.next())
-      _limb_by_folder.try_emplace(limb->getTreeItemID(), limb);
-    _limb_by_folder_stamp = limbStamp();
-  }
-  const auto found = _limb_by_folder.find(id);
-  return found != _limb_by_folder.end() ? found->second : nullptr;
-}
-
-PresetLimb* PresetList::addFolderLimb(PresetLimb* parent, const FSRef& folder) {
-  const bool isRight = _limb_by_folder_stamp == limbStamp();
+PresetLimb* PresetList::addFolderLimb(PresetLimb& parent, const FSRef& folder) {
+  _indexes.bringUpToDate();
   auto* limb = new PresetLimb;
-  parent->addLimb(limb);
+  parent.addLimb(limb);
   limb->setSpec(folder);
-  // With an ID that no limb had before, where it stands in the tree does not matter.
-  if (isRight && _limb_by_folder.try_emplace(limb->getTreeItemID(), limb).second) {
-    _limb_by_folder_stamp = limbStamp();
-  }
+  _indexes.add(limb);
   return limb;
 }
 
 PtrLink* PresetList::addPtr(void* entry) {
   auto* preset = static_cast<Preset*>(entry);
-  const bool namesAreRight = _by_name_stamp == nameStamp();
-  const bool filesAreRight = _by_file_stamp == fileStamp() && _by_file_is_whole;
+  if (preset == nullptr) return PtrManager::addPtr(nullptr);
+  TreeLimb* const limb = _indexes.limbWithID(preset->getParentFolderID());
   PtrLink* link = PtrManager::addPtr(preset);
-  if (preset == nullptr) return link;
-  // A preset at the end of the list is found only where nothing before it is.
-  if (namesAreRight) {
-    _by_name.add(preset);
-    _by_name_stamp = nameStamp();
-  }
-  if (filesAreRight) {
-    _by_file.add(preset->fileRef(), preset);
-    _by_file_stamp = fileStamp();
-  }
-  if (TreeLimb* limb = limbOfFolder(preset->getParentFolderID()); limb != nullptr) {
-    limb->addLeaf(preset);
-  }
+  if (limb != nullptr) limb->addLeaf(preset);
+  _indexes.add(preset);
   return link;
 }
 
@@ -145,16 +112,7 @@ void PresetList::destroyWithFile(Preset* preset) {
 // --- Look-ups ------------------------------------------------------------------------------------
 
 Preset* PresetList::findPreset(const char* name) const {
-  if (name == nullptr) return nullptr;
-  if (_by_name_stamp != nameStamp()) {
-    _by_name.clear();
-    _by_name.reserve(static_cast<std::size_t>(count()));
-    for (Preset* preset : presets()) {
-      if (preset != nullptr) _by_name.add(preset);
-    }
-    _by_name_stamp = nameStamp();
-  }
-  return _by_name.find(name);
+  return name != nullptr ? _indexes.presetNamed(name) : nullptr;
 }
 
 template <typename Lies>
@@ -194,17 +152,7 @@ Preset* PresetList::findPresetInUserFolder(const unsigned char* name, bool caseS
 }
 
 Preset* PresetList::findPresetUsingFileSpec(const FSRef& file) const {
-  if (_by_file_stamp != fileStamp()) {
-    _by_file.clear();
-    _by_file_is_whole = true;
-    for (Preset* preset : presets()) {
-      _by_file_is_whole = preset != nullptr;
-      if (preset == nullptr) break;
-      _by_file.add(preset->fileRef(), preset);
-    }
-    _by_file_stamp = fileStamp();
-  }
-  return file.node != 0 ? _by_file.find(file) : nullptr;
+  return _indexes.presetOf(file);
 }
 
 long PresetList::findPresetIndex(const Preset* preset) const {
@@ -321,111 +269,14 @@ OSStatus PresetList::saveMissingPresets() {
 void PresetList::openPresets() {
   if (!_confirmed) return;
   setSpec(_root_folder);
-  bool listed = false;
-  readFolders(_root_folder, this, listed);
   // Of a folder that could not be listed nobody knows whether a "Default" lies in it, and making
   // one would write over it.
-  if (listed) makeSureOfDefault();
+  if (loadFolder(*this, _root_folder, *this).listed == noErr) makeSureOfDefault(*this);
   reorderPresets();
 }
 
 OSStatus PresetList::openPresetsRecursively(const FSRef& folder, PresetLimb* limb) {
-  bool listed = false;
-  return readFolders(folder, limb, listed);
-}
-
-void PresetList::makeSureOfDefault() {
-  constexpr std::string_view kDefault = Preset::_default_preset_name;
-  // One walk: to index all names for a single question would cost more.
-  Preset* found = nullptr;
-  for (Preset* preset : presets()) {
-    const char* own = preset != nullptr ? preset->getTreeItemName() : nullptr;
-    const std::string_view name = own != nullptr ? own : "";
-    if (name.size() == kDefault.size() && fncmp(name.data(), kDefault.data()) == 0) {
-      found = preset;
-      break;
-    }
-  }
-  if (found == nullptr) found = openPassedDefault();
-  if (found == nullptr) {
-    Str255 name;
-    C2PCopy(name, kDefault.data());
-    newPreset(name, true, false);
-    // Where it could not be made this is another preset, which is made ROM and 0 all the same.
-    // Meant so.
-    found = presetAt(count() - 1);
-    if (found == nullptr) return;
-  } else if (found->isROM() && found->index() == 0) {
-    return;
-  }
-  found->setIndex(0);
-  found->setROM(true);
-  found->writeOut();
-}
-
-Preset* PresetList::openPassedDefault() {
-  FSRef file;
-  OSStatus status = noErr;
-  const bool isThere =
-      findFolder(_root_folder, Preset::_default_preset_name, false, file) == noErr &&
-      isRegularFile(&file);
-  return isThere ? openIfOfThisKind(file, status) : nullptr;
-}
-
-Preset* PresetList::openIfOfThisKind(const FSRef& file, OSStatus& status) {
-  std::int16_t fork = 0;
-  if (FSOpenFork(&file, 0, nullptr, fsRdWrPerm, &fork) != noErr) return nullptr;
-  Preset* preset = nullptr;
-  std::uint32_t kind = 0;
-  if (Preset::readKind(fork, kind) == noErr &&
-      kind == static_cast<std::uint32_t>(getPresetType())) {
-    // While the file is open, what it was known by is also what the preset is read from.
-    preset = openPreset(file);
-  }
-  status = FSCloseFork(fork);
-  return preset;
-}
-
-OSStatus PresetList::readFolders(const FSRef& folder, PresetLimb* limb, bool& listed) {
-  // Folders that are being read, from the outermost to the innermost.
-  struct Reading {
-    FSIterator iterator;
-    PresetLimb* limb;
-    std::unordered_map<std::uint32_t, PresetLimb*> limbsBefore;  // by folder, from an earlier load
-  };
-  std::vector<Reading> reading;
-  OSStatus status = noErr;
-  const auto enter = [&](const FSRef& ref, PresetLimb* into) {
-    FSIterator iterator = 0;
-    status = FSOpenIterator(&ref, 0, &iterator);
-    if (status != noErr) return;
-    reading.push_back({iterator, into, {}});
-    for (TreeLimb* child : into->limbs().entriesAs<TreeLimb>()) {
-      auto* known = dynamic_cast<PresetLimb*>(child);
-      if (known != nullptr) reading.back().limbsBefore.try_emplace(known->folder().node, known);
-    }
-  };
-  enter(folder, limb);
-  listed = !reading.empty();
-  while (!reading.empty()) {
-    FSCatalogInfo info;
-    FSRef ref;
-    std::size_t actual = 0;
-    FSGetCatalogInfoBulk(reading.back().iterator, 1, &actual, kFSCatInfoNodeFlags, &info, &ref);
-    if (actual == 0) {
-      reading.pop_back();  // the iterator has always been left open, and costs nothing now
-    } else if ((info.nodeFlags & kFSNodeIsDirectoryMask) == 0) {
-      openIfOfThisKind(ref, status);
-    } else {
-      const Reading& here = reading.back();
-      const auto known = here.limbsBefore.find(ref.node);
-      const bool isKnown = known != here.limbsBefore.end();
-      PresetLimb* child = isKnown ? known->second : addFolderLimb(here.limb, ref);
-      if (isKnown) child->setSpec(ref);
-      enter(ref, child);
-    }
-  }
-  return status;
+  return loadFolder(*this, folder, *limb).status;
 }
 
 void PresetList::reorderPresets() {

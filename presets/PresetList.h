@@ -1,13 +1,9 @@
 // All presets of one kind: an ordered list of them, and the tree of the folders that they lie in.
 #pragma once
 
-#include <cstdint>
-#include <unordered_map>
-
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
-#include "presets/FileIndex.h"
-#include "presets/NameIndex.h"
+#include "presets/PresetIndexes.h"
 #include "presets/PresetLimb.h"
 #include "storage/PtrManager.h"
 
@@ -15,19 +11,18 @@ namespace cairnset {
 
 class Preset;
 class PresetManager;
+struct FileStart;
 
 /// The list is also the root limb of its tree. It owns its presets, which are destroyed with it;
 /// nothing is saved then. Positions count from 0 in list order. Statuses are host result codes, 0
 /// for success. A list opens, makes and duplicates presets only once it is confirmed, that is,
 /// knows its manager and two folders that exist.
 ///
-/// Look-ups give what a walk from position 0 upward would find first. They are answered from
-/// indexes that this class alone keeps: each remembers up to which change of list, names, files or
-/// folders it is right, follows what this list adds by itself, and is made anew after any other
-/// change.
+/// Look-ups give what a walk from position 0 upward would find first; by name, file and folder they
+/// use indexes (presets/PresetIndexes.h).
 class PresetList : public PtrManager, public PresetLimb {
  public:
-  explicit PresetList(PresetManager* manager) : _manager(manager) {}
+  explicit PresetList(PresetManager* manager) : _manager(manager), _indexes(*this) {}
   /// Folders, manager and current preset are copied; presets are not, and the copy's list and tree
   /// are empty.
   PresetList(const PresetList& other);
@@ -60,6 +55,11 @@ class PresetList : public PtrManager, public PresetLimb {
   /// Destroys all presets and empties list and tree.
   void clearPresets();
   PtrEntries<Preset> presets() const { return entriesAs<Preset>(); }
+  /// Adds a limb for a folder that has none to a limb of this tree, which owns it.
+  PresetLimb* addFolderLimb(PresetLimb& parent, const FSRef& folder);
+  /// Grows with every change of this list, and of any preset's or limb's name, file, ID or place in
+  /// a tree: what was derived from these holds as long as this is what it was then.
+  unsigned long revision() const;
 
   // --- Look-ups: the first match in list order, or null ---
   //
@@ -113,15 +113,16 @@ class PresetList : public PtrManager, public PresetLimb {
   /// Makes and writes a preset. `name` is cleaned in place; a file of that name is taken over. The
   /// second argument means nothing.
   virtual OSStatus newPreset(unsigned char* name, bool unused, bool inUserFolder) = 0;
-  /// The preset of a file, read if it is not in the list yet; null where it could not be made.
-  virtual Preset* openPreset(const FSRef& file) = 0;
+  /// The preset of a file, read if it is not in the list yet; null where it could not be made. With
+  /// `start`, which is what the file begins with, the file is not opened again.
+  virtual Preset* openPreset(const FSRef& file, const FileStart* start = nullptr) = 0;
   /// Copies a preset into the user folder. `newName` is cleaned in place.
   virtual OSStatus duplicatePreset(long index, unsigned char* newName) = 0;
   /// Takes the preset out, destroys it and deletes its file.
   virtual void deletePreset(long index) = 0;
   virtual long getPresetType() const = 0;
 
-  // --- Loading ---
+  // --- Loading (presets/PresetLoading.h) ---
 
   /// Reads all presets of the kind below the root folder, sees to the "Default" preset, and orders
   /// the list. Presets that are there already stay as they are.
@@ -139,25 +140,6 @@ class PresetList : public PtrManager, public PresetLimb {
   void destroyWithFile(Preset* preset);
 
  private:
-  /// Up to which changes an index is right.
-  struct Stamp {
-    unsigned long list = ~0ul, detail = ~0ul;
-    friend bool operator==(const Stamp&, const Stamp&) = default;
-  };
-
-  Stamp nameStamp() const;
-  Stamp fileStamp() const;
-  static Stamp limbStamp();
-  TreeLimb* limbOfFolder(unsigned long id);
-  PresetLimb* addFolderLimb(PresetLimb* parent, const FSRef& folder);
-  OSStatus readFolders(const FSRef& folder, PresetLimb* limb, bool& listed);
-  void makeSureOfDefault();
-  /// The preset in the root folder's file "Default", for which a load that could not open or read
-  /// it for a moment would write a new one over it. Null where there is no such preset.
-  Preset* openPassedDefault();
-  /// The preset of a file that starts as one of this kind does, else null. Where the file could be
-  /// opened, `status` is how it could be closed.
-  Preset* openIfOfThisKind(const FSRef& file, OSStatus& status);
   template <typename Lies>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
                          Lies lies) const;
@@ -168,13 +150,7 @@ class PresetList : public PtrManager, public PresetLimb {
   bool _confirmed = false;
   Preset* _current_preset = nullptr;
 
-  mutable NameIndex _by_name;
-  mutable Stamp _by_name_stamp;
-  mutable FileIndex _by_file;
-  mutable Stamp _by_file_stamp;
-  mutable bool _by_file_is_whole = true;  // false where a null entry ends it
-  std::unordered_map<unsigned long, TreeLimb*> _limb_by_folder;
-  Stamp _limb_by_folder_stamp;
+  mutable PresetIndexes _indexes;
 };
 
 }  // namespace cairnset

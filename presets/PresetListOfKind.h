@@ -22,7 +22,7 @@ class PresetListOfKind : public PresetList {
 
   long getPresetType() const override { return Kind::kKind; }
 
-  Preset* openPreset(const FSRef& file) override {
+  Preset* openPreset(const FSRef& file, const FileStart* start = nullptr) override {
     if (!confirmed()) return nullptr;
     if (Preset* open = findPresetUsingFileSpec(file); open != nullptr) return open;
     Kind* preset = make(file, static_cast<const char*>(nullptr), false);
@@ -30,7 +30,8 @@ class PresetListOfKind : public PresetList {
       delete preset;
       return nullptr;
     }
-    preset->readIn();  // a file that cannot be read still is a preset, with nothing in it
+    // A file that cannot be read still is a preset, with nothing in it.
+    start != nullptr ? preset->readFrom(*start) : preset->readIn();
     addPtr(static_cast<Preset*>(preset));
     return preset;
   }

@@ -4,6 +4,7 @@
 
 #include "host/BrumePrefs.h"
 #include "host/FileManager.h"
+#include "host/FileReading.h"
 #include "host/FileSystemHelpers.h"
 
 namespace cairnset {
@@ -95,17 +96,14 @@ OSStatus PresetManager::openTopLevelPresets(long kind) {
   FSRef file;
   std::size_t actual = 0;
   while (FSGetCatalogInfoBulk(iterator, 1, &actual, kFSCatInfoNone, nullptr, &file), actual > 0) {
-    std::int16_t fork = 0;
-    if (FSOpenFork(&file, 0, nullptr, fsRdPerm, &fork) != noErr) continue;
-    std::uint32_t fileKind = 0;
-    if (Preset::readKind(fork, fileKind) == noErr) {
-      for (PresetList* list : lists) {
-        const long own = list->getPresetType();
-        if (isAsked(kind, own) && static_cast<std::uint32_t>(own) == fileKind)
-          list->openPreset(file);
-      }
+    char buffer[FileStart::kMost];
+    const FileStart start = readFileStart(file, fsRdPerm, buffer);
+    const auto fileKind = Preset::kindOf(start.bytes);
+    for (PresetList* list : lists) {
+      const long own = list->getPresetType();
+      if (isAsked(kind, own) && fileKind == static_cast<std::uint32_t>(own))
+        list->openPreset(file, &start);
     }
-    FSCloseFork(fork);
   }
   return FSCloseIterator(iterator);
 }

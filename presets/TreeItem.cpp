@@ -8,8 +8,7 @@
 namespace cairnset {
 
 std::uint32_t TreeItem::_current_index = 0;
-unsigned long TreeItem::_name_changes = 0;
-unsigned long TreeItem::_id_changes = 0;
+unsigned long TreeItem::_changes = 0;
 
 TreeItem::~TreeItem() {
   freeName();
@@ -17,12 +16,12 @@ TreeItem::~TreeItem() {
 
 void TreeItem::setTreeItemID(unsigned long id) {
   _id = static_cast<std::uint32_t>(id);
-  noteIDChange();
+  noteChange();
 }
 
 void TreeItem::setTreeItemName(const char* name) {
   takeTreeItemName(name);
-  ++_name_changes;
+  noteChange();
 }
 
 void TreeItem::takeTreeItemName(const char* name) {

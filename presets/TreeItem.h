@@ -42,10 +42,8 @@ class TreeItem {
   /// The limb that the item was last added to; removing does not clear it.
   TreeLimb* parent() const { return _parent; }
 
-  /// Grow with every change of any item's name, and of any item's ID: what was derived from names
-  /// or IDs still holds as long as these are what they were then.
-  static unsigned long nameChanges() { return _name_changes; }
-  static unsigned long idChanges() { return _id_changes; }
+  /// Grows with every change of any item's name, ID or file after it was made.
+  static unsigned long itemChanges() { return _changes; }
 
   /// The index given out last. Indexes start at 1 and are unique within a run.
   static std::uint32_t _current_index;
@@ -57,15 +55,14 @@ class TreeItem {
 
   /// setTreeItemName for constructors: what is not in any tree or list yet changes nothing there.
   void takeTreeItemName(const char* name);
-  static void noteIDChange() { ++_id_changes; }
+  static void noteChange() { ++_changes; }
 
  private:
   friend class TreeLimb;
 
   void freeName();
 
-  static unsigned long _name_changes;
-  static unsigned long _id_changes;
+  static unsigned long _changes;
 
   TreeItemType _type;
   char* _name = nullptr;

@@ -11,17 +11,13 @@
 
 namespace cairnset {
 
-unsigned long TreeLimb::_limb_changes = 0;
-unsigned long TreeLimb::_leaf_changes = 0;
+unsigned long TreeLimb::_tree_changes = 0;
 
 // The leaf after the one that was answered last, for as long as nothing has changed.
 class TreeLimb::LeafWalk {
  public:
   LeafWalk(TreeLimb& top, std::uint32_t cursor)
-      : _limbs(top),
-        _limb_changes(TreeLimb::_limb_changes),
-        _leaf_changes(TreeLimb::_leaf_changes),
-        _cursor(cursor) {
+      : _limbs(top), _tree_changes(TreeLimb::_tree_changes), _cursor(cursor) {
     std::uint32_t toPass = cursor;
     while (nextLimb()) {
       const auto here = static_cast<std::uint32_t>(_limb->leaves().count());
@@ -34,8 +30,7 @@ class TreeLimb::LeafWalk {
   }
 
   bool standsAt(std::uint32_t cursor) const {
-    return _cursor == cursor && _limb_changes == TreeLimb::_limb_changes &&
-           _leaf_changes == TreeLimb::_leaf_changes;
+    return _cursor == cursor && _tree_changes == TreeLimb::_tree_changes;
   }
 
   TreeLeaf* step() {
@@ -61,7 +56,7 @@ class TreeLimb::LeafWalk {
   LimbWalk _limbs;
   TreeLimb* _limb = nullptr;
   PtrEntries<TreeLeaf>::Iterator _next, _end;
-  unsigned long _limb_changes, _leaf_changes;
+  unsigned long _tree_changes;
   std::uint32_t _cursor;
 };
 
@@ -76,13 +71,13 @@ TreeLimb::~TreeLimb() {
 void TreeLimb::addLimb(TreeLimb* limb) {
   _limbs.addPtr(limb);
   limb->_parent = this;
-  ++_limb_changes;
+  ++_tree_changes;
 }
 
 void TreeLimb::addLeaf(TreeLeaf* leaf) {
   _leaves.addPtr(leaf);
   static_cast<TreeItem*>(leaf)->_parent = this;
-  ++_leaf_changes;
+  ++_tree_changes;
 }
 
 void TreeLimb::addItem(TreeItem* item) {
@@ -95,10 +90,10 @@ void TreeLimb::removeItem(TreeItem* item) {
   if (item == nullptr) return;
   if (item->type() == kTreeLeaf) {
     _leaves.removePtr(static_cast<TreeLeaf*>(item));
-    ++_leaf_changes;
+    ++_tree_changes;
   } else {
     _limbs.removePtr(static_cast<TreeLimb*>(item));
-    ++_limb_changes;
+    ++_tree_changes;
   }
 }
 
@@ -126,8 +121,7 @@ void TreeLimb::deleteItemsRecursively() {
     delete limb;
   _limbs.removeAll();
   _leaves.removeAll();
-  ++_limb_changes;
-  ++_leaf_changes;
+  ++_tree_changes;
 }
 
 long TreeLimb::countItemsRecursively() const {

@@ -77,8 +77,8 @@ class TreeLimb : public TreeItem {
 
   void debugRecursively(int /*depth*/) const {}
 
-  /// Grows with every limb that is added to or taken from any tree.
-  static unsigned long limbChanges() { return _limb_changes; }
+  /// Grows with every limb or leaf that is added to or taken from any tree.
+  static unsigned long treeChanges() { return _tree_changes; }
 
  private:
   class LeafWalk;
@@ -90,8 +90,7 @@ class TreeLimb : public TreeItem {
   template <typename Matches>
   TreeLeaf* findLeaf(Matches matches);
 
-  static unsigned long _limb_changes;
-  static unsigned long _leaf_changes;
+  static unsigned long _tree_changes;
 
   PtrManager _limbs;   // of TreeLimb*, owned
   PtrManager _leaves;  // of TreeLeaf*

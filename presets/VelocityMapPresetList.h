@@ -11,10 +11,10 @@ class VelocityMapPresetList : public PresetListOfKind<VelocityMapPreset> {
   using PresetListOfKind::PresetListOfKind;
 
   /// Unlike the other kinds, closes the file of a preset that is in the list already.
-  Preset* openPreset(const FSRef& file) override {
+  Preset* openPreset(const FSRef& file, const FileStart* start = nullptr) override {
     if (!confirmed()) return nullptr;
     Preset* open = findPresetUsingFileSpec(file);
-    if (open == nullptr) return PresetListOfKind::openPreset(file);
+    if (open == nullptr) return PresetListOfKind::openPreset(file, start);
     open->close();
     return open;
   }

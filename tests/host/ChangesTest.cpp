@@ -17,7 +17,7 @@ class ChangesTest : public FileTest {
  protected:
   static void take(const Road& taken) {
     road = taken;
-    SystemCalls& calls = systemCalls();
+    SystemCalls& calls = host().calls;
     if (road.rename != 0) calls.renameNoReplace = [](auto...) { return failWith(road.rename); };
     if (road.link != 0) calls.link = [](auto...) { return failWith(road.link); };
   }
@@ -76,7 +76,7 @@ TEST_F(ChangesTest, NeverReplacesAnything) {
       EXPECT_EQ(moved, item) << "one place, one reference";
       ASSERT_EQ(look(""), before);
     }
-    systemCalls() = real;
+    host().calls = real;
   }
 }
 
@@ -85,7 +85,7 @@ TEST_F(ChangesTest, CaseAloneIsNoCollision) {
   static bool sameNumbers;
   for (const Road& way : kRoads) {
     take({way.rename != 0 ? way.rename : EEXIST, way.link != 0 ? way.link : EEXIST});
-    systemCalls().lstat = [](int folder, const char* name, struct stat* out) {
+    host().calls.lstat = [](int folder, const char* name, struct stat* out) {
       int result = ::fstatat(folder, name, out, AT_SYMLINK_NOFOLLOW);
       if (std::string other = name; result != 0 && other.ends_with("wARM")) {
         other.replace(other.size() - 4, 4, "Warm");
@@ -104,22 +104,20 @@ TEST_F(ChangesTest, CaseAloneIsNoCollision) {
     write("Cold", "cold");
     EXPECT_EQ(rename(item, u"Cold"), dupFNErr) << way.rename << ' ' << way.link;
     EXPECT_EQ(look(""), "[Cold=cold wARM=warm ]");
-    systemCalls() = real;
+    host().calls = real;
   }
 }
 
 int countdown, error;
 bool doneAllTheSame;
 
-template <auto kCall, typename... Args>
-void fail(int (*&call)(Args...)) {
-  static int (*under)(Args...);
-  under = call;
-  call = [](Args... args) {
+template <typename Call>
+void fail(Call& call) {
+  intercept(call, [](const auto& under, auto... args) {
     const bool fails = --countdown == 0;
     const int result = fails && !doneAllTheSame ? 0 : under(args...);
     return fails ? (errno = error, -1) : result;
-  };
+  });
 }
 
 // Each call of a rename in turn fails, at once or after all was done, as over a network. The bytes
@@ -137,16 +135,16 @@ TEST_F(ChangesTest, LosesNothingWhicheverCallFails) {
     const std::string before = look("");
     const FSRef item = ref("mine");
     take(way);
-    SystemCalls& calls = systemCalls();
-    fail<&SystemCalls::renameNoReplace>(calls.renameNoReplace);
-    fail<&SystemCalls::rename>(calls.rename);
-    fail<&SystemCalls::link>(calls.link);
-    fail<&SystemCalls::unlink>(calls.unlink);
+    SystemCalls& calls = host().calls;
+    fail(calls.renameNoReplace);
+    fail(calls.rename);
+    fail(calls.link);
+    fail(calls.unlink);
     // That nothing is there must be true where it is said: without links there is no other way.
-    if (error != ENOENT) fail<&SystemCalls::lstat>(calls.lstat);
+    if (error != ENOENT) fail(calls.lstat);
     countdown = n, doneAllTheSame = round >= kWays * 10;
     const OSErr result = rename(item, u"name");
-    systemCalls() = real;
+    host().calls = real;
     const std::string after = look("");
     if (occupied || (result != noErr && !doneAllTheSame)) {
       EXPECT_TRUE(result != noErr && after == before) << result << after;

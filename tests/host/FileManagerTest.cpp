@@ -62,7 +62,7 @@ TEST_F(FileManagerTest, ListsInTheOrderOfTheInstrumentsHost) {
   std::shuffle(names.begin(), names.end(), std::minstd_rand());
   for (const std::string& name : names)
     name.back() == '/' ? makeFolder(name) : write(name, "");
-  systemCalls().readdir = nextEntry;
+  host().calls.readdir = nextEntry;
   for (const bool hide : {false, true}) {
     hideKinds = hide;
     EXPECT_EQ(listed(ref("")), order);
@@ -73,20 +73,20 @@ TEST_F(FileManagerTest, AListingThatFailsIsNoEnd) {
   static int error;
   for (const char* name : {"a", "b", "c"})
     makeFolder(name);
-  systemCalls().readdir = nextEntry;
+  host().calls.readdir = nextEntry;
   for (int given = 0; given <= 5; ++given) {  // "." and ".." too
     entriesLeft = given;
     EXPECT_EQ(listed(ref("")), "-36") << given;
   }
   hideKinds = true;
-  systemCalls().lstat = [](int folder, const char* name, struct stat* out) {
+  host().calls.lstat = [](int folder, const char* name, struct stat* out) {
     return std::strcmp(name, "b") == 0 ? failWith(error)
                                        : ::fstatat(folder, name, out, AT_SYMLINK_NOFOLLOW);
   };
   for (error = EIO; error != 0; error = error == EIO ? ENOENT : 0)  // of unknown kind, or gone
     EXPECT_EQ(listed(ref("")), error == EIO ? "-36" : "a/|c/|");
-  systemCalls().close = [](int descriptor) { return ::close(descriptor), failWith(ENOSPC); };
-  systemCalls().fdopendir = [](int) -> DIR* { return failWith(EMFILE), nullptr; };
+  host().calls.close = [](int descriptor) { return ::close(descriptor), failWith(ENOSPC); };
+  host().calls.fdopendir = [](int) -> DIR* { return failWith(EMFILE), nullptr; };
   EXPECT_EQ(listed(ref("")), "-42") << "not what the tidying met";
 }
 
@@ -192,15 +192,15 @@ TEST_F(FileManagerTest, CreationDates) {
   const FSRef file = ref("file");
   const struct timespec times[] = {{}, {0, 250000000}};  // changed at 1970-01-01 00:00:00.25
   ::utimensat(AT_FDCWD, path("file").c_str(), times, 0);
-  systemCalls().getAttribute = [](auto...) -> ssize_t { return failWith(ENODATA); };
-  systemCalls().birthTime = [](int, const char*, struct timespec* out) {
+  host().calls.getAttribute = [](auto...) -> ssize_t { return failWith(ENODATA); };
+  host().calls.birthTime = [](int, const char*, struct timespec* out) {
     *out = {978307200, 500000000};  // born at 2001-01-01 00:00:00.5
     return birthError == 0 ? 0 : failWith(birthError);
   };
   EXPECT_EQ(getCreationDate(&file), 3061152000u * 65536ull + 0x8000);
   birthError = ENOTSUP;
   EXPECT_EQ(getCreationDate(&file), 2082844800u * 65536ull + 0x4000);
-  systemCalls().getAttribute = real.getAttribute;
+  host().calls.getAttribute = real.getAttribute;
   // Set by us, and read as whoever comes later finds it.
   if (setCreationDate(&file, 0xF102030405060708) == ioErr) GTEST_SKIP() << "no attributes here";
   char bytes[9] = "";

@@ -12,17 +12,15 @@
 #include <gtest/gtest.h>
 
 #include "host/FileManager.h"
-#include "host/NodeTable.h"
-#include "host/SystemCalls.h"
+#include "tests/Intercept.h"
 #include "tests/TestFolder.h"
 
 namespace cairnset {
 
-/// A folder of its own, the table of system calls put back, and no descriptor left open.
+/// A host and a folder of its own, and no descriptor left open.
 class FileTest : public testing::Test, protected TestFolder {
  protected:
   ~FileTest() override {
-    systemCalls() = real;
     EXPECT_EQ(lowestFreeDescriptor(), _lowest) << "a descriptor was left open";
   }
   static int lowestFreeDescriptor() {
@@ -70,7 +68,7 @@ class FileTest : public testing::Test, protected TestFolder {
       std::size_t count = 0;
       result = FSGetCatalogInfoBulk(iterator, 3, &count, kFSCatInfoNodeFlags, infos, refs);
       for (std::size_t i = 0; i < count; ++i) {
-        names += NodeTable::shared().name(refs[i].node);
+        names += host().nodes.name(refs[i].node);
         names += infos[i].nodeFlags != 0 ? "/|" : "|";
         if (items != nullptr) items->push_back(refs[i]);
       }
@@ -78,9 +76,11 @@ class FileTest : public testing::Test, protected TestFolder {
     return result == errFSNoMoreItems ? names : std::to_string(result);
   }
 
-  const SystemCalls real = systemCalls();
+  const SystemCalls real;
 
  private:
+  Host _host;
+  const HostInUse _host_in_use{_host};
   const int _lowest = lowestFreeDescriptor();
 };
 

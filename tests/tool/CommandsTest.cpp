@@ -2,7 +2,7 @@
 #include <cstring>
 #include <sstream>
 
-#include "host/SystemCalls.h"
+#include "host/Host.h"
 #include "presets/PresetManager.h"
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
@@ -80,8 +80,8 @@ TEST_F(CommandsTest, MenuRunsNumbersAndEndsAtAllElse) {
 
 TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
   static int writes;
-  static const SystemCalls real = systemCalls();
-  systemCalls().pwrite = [](auto... args) { return ++writes, real.pwrite(args...); };
+  static const SystemCalls real = host().calls;
+  host().calls.pwrite = [](auto... args) { return ++writes, real.pwrite(args...); };
   setROM(nullptr, true);
   for (const auto& [rom, expected] : {std::pair(true, 5), {true, 0}, {false, 8}, {false, 0}}) {
     out.str("");
@@ -95,7 +95,7 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
       EXPECT_EQ(read("lib/Presets/" + preset.path), preset.bytes()) << preset.path;
     }
   }
-  systemCalls() = real;
+  host().calls = real;
 }
 
 }  // namespace

@@ -10,8 +10,9 @@
 #include <tuple>
 #include <utility>
 
-#include "host/SystemCalls.h"
+#include "host/Host.h"
 #include "presets/PresetManager.h"
+#include "tests/Intercept.h"
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
@@ -39,13 +40,9 @@ std::set<ino_t> forbidden;
 bool isForbiddenOpened;
 
 // With kDone the operation is done, and fails all the same.
-template <auto kMember, bool kDone = false, typename Result, typename... Args>
-void guard(Result (*&call)(Args...), std::vector<int> waysToFail) {
-  static Result (*real)(Args...);
-  static std::vector<int> ways;
-  real = call;
-  ways = std::move(waysToFail);
-  call = [](Args... args) -> Result {
+template <bool kDone = false, typename Result, typename... Args>
+void guard(std::function<Result(Args...)>& call, const std::vector<int>& ways) {
+  intercept(call, [ways](const auto& real, Args... args) -> Result {
     int error = 0;
     if (std::exchange(failsNext, false)) {
       error = ways.front();
@@ -70,39 +67,36 @@ void guard(Result (*&call)(Args...), std::vector<int> waysToFail) {
     } else {
       return -1;
     }
-  };
+  });
 }
 
 void guardAll(bool hasLinks) {
-  using S = SystemCalls;
-  S& s = systemCalls();
-  guard<&S::open>(s.open, {EIO, ENOENT, EACCES, EEXIST, ENOSPC});
-  guard<&S::close, true>(s.close, {EIO, ENOSPC});
-  guard<&S::fstat>(s.fstat, {EIO});
-  guard<&S::pread>(s.pread, {EIO, kShort, kShortThenError});
-  guard<&S::pwrite>(s.pwrite, {ENOSPC, EIO, kShort, kShortThenError, kNothing});
+  SystemCalls& s = host().calls;
+  guard(s.open, {EIO, ENOENT, EACCES, EEXIST, ENOSPC});
+  guard<true>(s.close, {EIO, ENOSPC});
+  guard(s.fstat, {EIO});
+  guard(s.pread, {EIO, kShort, kShortThenError});
+  guard(s.pwrite, {ENOSPC, EIO, kShort, kShortThenError, kNothing});
   // Where a rename may replace, nothing helps against a file that is there and is said not to be.
-  guard<&S::lstat>(s.lstat, {EIO, EACCES, hasLinks ? ENOENT : EIO});
-  guard<&S::mkdir>(s.mkdir, {ENOSPC, EIO, ENOENT, EEXIST, EACCES});
-  guard<&S::renameNoReplace>(s.renameNoReplace, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EINVAL});
-  guard<&S::rename>(s.rename, {EIO, ENOENT, EACCES, ENOSPC});
-  guard<&S::link>(s.link, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EPERM});
-  guard<&S::unlink>(s.unlink, {EIO, ENOENT, EACCES});
-  guard<&S::realpath>(s.realpath, {EIO, ENOENT, EACCES});
-  guard<&S::fdopendir>(s.fdopendir, {ENOMEM});
-  guard<&S::readdir>(s.readdir, {EIO});
-  guard<&S::closedir, true>(s.closedir, {EIO});
-  guard<&S::flush>(s.flush, {EIO, ENOSPC});
-  guard<&S::flushVolume>(s.flushVolume, {EIO, ENOSYS});
-  static decltype(s.open) open;
-  open = s.open;
-  s.open = [](int folder, const char* path, int flags, mode_t mode) {
-    const int descriptor = open(folder, path, flags, mode);
+  guard(s.lstat, {EIO, EACCES, hasLinks ? ENOENT : EIO});
+  guard(s.mkdir, {ENOSPC, EIO, ENOENT, EEXIST, EACCES});
+  guard(s.renameNoReplace, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EINVAL});
+  guard(s.rename, {EIO, ENOENT, EACCES, ENOSPC});
+  guard(s.link, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EPERM});
+  guard(s.unlink, {EIO, ENOENT, EACCES});
+  guard(s.realpath, {EIO, ENOENT, EACCES});
+  guard(s.fdopendir, {ENOMEM});
+  guard(s.readdir, {EIO});
+  guard<true>(s.closedir, {EIO});
+  guard(s.flush, {EIO, ENOSPC});
+  guard(s.flushVolume, {EIO, ENOSYS});
+  intercept(s.open, [](const auto& open, auto... args) {
+    const int descriptor = open(args...);
     struct stat info;
     if (descriptor >= 0 && ::fstat(descriptor, &info) == 0)
       isForbiddenOpened |= forbidden.contains(info.st_ino);
     return descriptor;
-  };
+  });
 }
 
 const std::string kBad = "?" + std::string(50, 'x') + "?";  // a reference to it cannot tear unseen
@@ -168,7 +162,7 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
  protected:
   // In memory where the system has such a folder: the library is made anew thousands of times.
   FaultSweepTest() : TestFolder(fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()) {}
-  ~FaultSweepTest() override { systemCalls() = _real; }
+  ~FaultSweepTest() override { host().calls = _real; }
 
   void makeLibrary() const {
     fs::remove_all(path("lib"));
@@ -260,9 +254,9 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
     injected = 0;
     for (const Command& command : kCommands) {
       for (int volume = 1; volume <= command.volumes; ++volume) {
-        systemCalls() = _real;
-        if (volume > 1) systemCalls().renameNoReplace = refuse;
-        if (volume > 2) systemCalls().link = refuse;
+        host().calls = _real;
+        if (volume > 1) host().calls.renameNoReplace = refuse;
+        if (volume > 2) host().calls.link = refuse;
         guardAll(volume <= 2);
         long before = -1;
         for (failsAt = 1; injected != before && !HasFailure(); ++failsAt) {
@@ -288,7 +282,7 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
     return open;
   }
 
-  const SystemCalls _real = systemCalls();
+  const SystemCalls _real = host().calls;
 };
 
 TEST_F(FaultSweepTest, NoFaultHarmsAPreset) {

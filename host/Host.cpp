@@ -1,0 +1,46 @@
+#include "host/Host.h"
+
+#include <iostream>
+#include <utility>
+
+namespace cairnset {
+
+namespace {
+
+Host& programsOwn() {
+  static Host host;
+  return host;
+}
+
+Host* inUse = nullptr;  // null for the program's own
+
+}  // namespace
+
+Host::Host() : choosers{&std::cin, &std::cerr} {}
+
+Host::~Host() {
+  for (const Fork& fork : forks) {
+    if (fork.descriptor >= 0) calls.close(fork.descriptor);
+  }
+}
+
+const std::string& Host::folderPath(std::uint32_t folder) {
+  // A node's path never changes.
+  if (folder != _path_folder) {
+    _path = nodes.path(folder);
+    _path_folder = folder;
+  }
+  return _path;
+}
+
+Host& host() {
+  return inUse != nullptr ? *inUse : programsOwn();
+}
+
+HostInUse::HostInUse(Host& host) : _before(std::exchange(inUse, &host)) {}
+
+HostInUse::~HostInUse() {
+  inUse = _before;
+}
+
+}  // namespace cairnset

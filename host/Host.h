@@ -1,0 +1,83 @@
+// The host, as one object: all that the host layer knows from one call to the next.
+//
+// The functions of host/FileManager.h work on the host in use, which is one for the whole program.
+// A test makes a host of its own, whose files, listings and system calls are nobody else's. For the
+// host layer and its tests only.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Chooser.h"
+#include "host/FolderListing.h"
+#include "host/NodeTable.h"
+#include "host/SystemCalls.h"
+#include "host/SystemVersion.h"
+
+namespace cairnset {
+
+/// An open data fork.
+struct Fork {
+  int descriptor = -1;  // -1 for a number that is free
+  std::int64_t mark = 0;
+  std::int8_t permissions = 0;
+};
+
+/// A listing that is being gone through.
+struct OpenListing {
+  FolderListing listing;
+  std::size_t next = 0;
+};
+
+struct Host {
+  Host();
+  /// Closes the forks that were left open.
+  ~Host();
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  /// The absolute path of a folder that is a node; valid until the next call. The last one is kept:
+  /// the files of a folder ask for it one after the other.
+  const std::string& folderPath(std::uint32_t folder);
+
+  SystemCalls calls;
+  NodeTable nodes;
+  std::vector<Fork> forks;                        // by fork number - 1
+  std::map<std::uint32_t, OpenListing> listings;  // by iterator
+  std::uint32_t lastIterator = 0;
+  /// How many threads read files ahead, whatever there is to read; nothing lets the work decide.
+  std::optional<unsigned> readers = kReaders;
+  GestaltAnswers gestalt;
+  ChooserStreams choosers;
+
+ private:
+#ifdef CAIRNSET_READERS
+  static constexpr std::optional<unsigned> kReaders = CAIRNSET_READERS;
+#else
+  static constexpr std::optional<unsigned> kReaders = std::nullopt;
+#endif
+
+  std::uint32_t _path_folder = 0;
+  std::string _path;
+};
+
+/// The host in use.
+Host& host();
+
+/// Makes a host the one in use as long as this object lives.
+class HostInUse {
+ public:
+  explicit HostInUse(Host& host);
+  ~HostInUse();
+  HostInUse(const HostInUse&) = delete;
+  HostInUse& operator=(const HostInUse&) = delete;
+
+ private:
+  Host* _before;
+};
+
+}  // namespace cairnset

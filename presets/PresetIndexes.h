@@ -1,0 +1,68 @@
+// Finding the presets of a list by name or file, and the limbs of its tree by folder.
+#pragma once
+
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "host/HostTypes.h"
+
+namespace cairnset {
+
+class Preset;
+class PresetList;
+class TreeLimb;
+
+/// Each look-up returns what a walk would find first. An index is made when it is first asked, and
+/// dropped with all others once the list's revision has grown; but a list that adds something by
+/// itself says what, and goes on with the same indexes. Nothing is owned.
+class PresetIndexes {
+ public:
+  explicit PresetIndexes(const PresetList& list) : _list(list) {}
+
+  /// The first preset in list order whose name is the same to fncmp (host/PascalStrings.h).
+  Preset* presetNamed(const char* name);
+  /// The first preset in list order with the file, up to a null entry.
+  Preset* presetOf(const FSRef& file);
+  /// The first limb of the tree, in pre-order, with the ID.
+  TreeLimb* limbWithID(unsigned long id);
+
+  /// Drops what no longer holds. What is then added, and nothing else, may be said by add().
+  void bringUpToDate();
+  /// A preset at the list's end, which hangs in the tree or does not.
+  void add(Preset* preset);
+  /// A limb, wherever in the tree.
+  void add(TreeLimb* limb);
+
+ private:
+  struct HashOfName {
+    std::size_t operator()(const char* name) const;
+  };
+  struct SameName {
+    bool operator()(const char* a, const char* b) const;
+  };
+  // The keys are the presets' own names.
+  using ByName = std::unordered_map<const char*, Preset*, HashOfName, SameName>;
+
+  void put(ByName& index, Preset* preset) const;
+  void put(std::vector<Preset*>& index, Preset* preset) const;
+
+  const PresetList& _list;
+  unsigned long _revision = 0;
+  // Those that are not made have no value.
+  struct {
+    bool isMade = false;
+    ByName presets;
+  } _by_name;
+  struct {
+    bool isMade = false;
+    bool endsAtNull = false;
+    std::vector<Preset*> presets;  // by node number: places are numbered as they are met
+  } _by_file;
+  struct {
+    bool isMade = false;
+    std::unordered_map<unsigned long, TreeLimb*> limbs;
+  } _by_id;
+};
+
+}  // namespace cairnset

@@ -1,0 +1,134 @@
+#include "presets/PresetLoading.h"
+
+#include <deque>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "host/FileManager.h"
+#include "host/FileReading.h"
+#include "host/FileSystemHelpers.h"
+#include "host/FolderWalk.h"
+#include "host/PascalStrings.h"
+#include "presets/Preset.h"
+#include "presets/PresetList.h"
+
+namespace cairnset {
+
+namespace {
+
+// A file of the list's kind is a preset, whatever its name.
+Preset* openIfOfThisKind(PresetList& list, const FSRef& file, const FileStart& start) {
+  if (start.opened != noErr) return nullptr;
+  const auto kind = Preset::kindOf(start.bytes);
+  return kind == static_cast<std::uint32_t>(list.getPresetType()) ? list.openPreset(file, &start)
+                                                                  : nullptr;
+}
+
+// Makes limbs and presets, one after the other.
+class Building {
+ public:
+  Building(PresetList& list, PresetLimb& top) : _list(list) { enter(top); }
+
+  void addFolder(const FolderWalk::Item& folder) {
+    // Of the folders that were entered, those that the walk has left since.
+    _open.erase(_open.begin() + static_cast<std::ptrdiff_t>(folder.depth) + 1, _open.end());
+    const OpenLimb& parent = _open.back();
+    const auto known = parent.known.find(folder.ref.node);
+    const bool isKnown = known != parent.known.end();
+    PresetLimb* limb = isKnown ? known->second : _list.addFolderLimb(*parent.limb, folder.ref);
+    if (isKnown) limb->setSpec(folder.ref);
+    enter(*limb);
+  }
+
+ private:
+  struct OpenLimb {
+    PresetLimb* limb;
+    std::unordered_map<std::uint32_t, PresetLimb*>
+        known;  // its limbs of an earlier load, by folder
+  };
+
+  void enter(PresetLimb& limb) {
+    OpenLimb& open = _open.emplace_back(OpenLimb{&limb, {}});
+    for (TreeLimb* child : limb.limbs().entriesAs<TreeLimb>()) {
+      auto* known = dynamic_cast<PresetLimb*>(child);
+      if (known != nullptr) open.known.try_emplace(known->folder().node, known);
+    }
+  }
+
+  PresetList& _list;
+  std::vector<OpenLimb> _open;  // from the top to the folder that was added last
+};
+
+// The preset in the root folder's file "Default" that a load has passed over, because it could not
+// be opened or read for a moment; to make a new one would write over it.
+Preset* openPassedDefault(PresetList& list) {
+  FSRef root, file;
+  list.getRootFSSpec(root);
+  const bool isThere =
+      PresetList::findFolder(root, Preset::_default_preset_name, false, file) == noErr &&
+      isRegularFile(&file);
+  char buffer[FileStart::kMost];
+  return isThere ? openIfOfThisKind(list, file, readFileStart(file, fsRdWrPerm, buffer)) : nullptr;
+}
+
+Preset* findDefault(const PresetList& list) {
+  constexpr std::string_view kDefault = Preset::_default_preset_name;
+  // One walk: to index all names for a single question would cost more.
+  for (Preset* preset : list.presets()) {
+    const char* own = preset != nullptr ? preset->getTreeItemName() : nullptr;
+    const std::string_view name = own != nullptr ? own : "";
+    if (name.size() == kDefault.size() && fncmp(name.data(), kDefault.data()) == 0) return preset;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+LoadResult loadFolder(PresetList& list, const FSRef& folder, PresetLimb& limb) {
+  FolderWalk walk(folder);
+  LoadResult result{walk.listed(), walk.listed()};
+  FileReading reading;
+  Building building(list, limb);
+  std::deque<FolderWalk::Item> ahead;  // found, and not yet built
+  for (auto item = walk.next(); item || !ahead.empty();) {
+    if (item && ahead.size() < FileReading::kMostAhead) {
+      if (!item->isFolder) reading.add(item->ref);
+      ahead.push_back(*item);
+      item = walk.next();
+      continue;
+    }
+    const FolderWalk::Item next = ahead.front();
+    ahead.pop_front();
+    if (next.isFolder) {
+      building.addFolder(next);
+      result.status = next.listed;
+    } else {
+      const FileStart start = reading.next();
+      openIfOfThisKind(list, next.ref, start);
+      if (start.opened == noErr) result.status = start.closed;
+    }
+  }
+  return result;
+}
+
+void makeSureOfDefault(PresetList& list) {
+  Preset* found = findDefault(list);
+  if (found == nullptr) found = openPassedDefault(list);
+  if (found == nullptr) {
+    Str255 name;
+    C2PCopy(name, Preset::_default_preset_name);
+    list.newPreset(name, true, false);
+    // Where it could not be made this is another preset, which is made ROM and 0 all the same, on
+    // purpose.
+    found = list.presetAt(list.count() - 1);
+    if (found == nullptr) return;
+  } else if (found->isROM() && found->index() == 0) {
+    return;
+  }
+  found->setIndex(0);
+  found->setROM(true);
+  found->writeOut();
+}
+
+}  // namespace cairnset
