@@ -1,6 +1,8 @@
 #include "host/Chooser.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <iostream>
@@ -17,29 +19,44 @@ namespace cairnset {
 namespace {
 
 constexpr int kMostQuestions = 3;
-constexpr int kPatienceMilliseconds = 5000;
 constexpr std::size_t kMostCharacters = PATH_MAX + 64;  // a path, quotes and blanks around it
 
-bool isAtTerminal() {
-  return chooserStreams().answers == &std::cin && ::isatty(STDIN_FILENO) != 0;
-}
+enum class Answer { kNone, kLine, kLastLine };  // the last one ended with the input
 
-// Only before the first question: lines that came together are then in the stream's buffer, where
-// poll does not see them.
-bool answerMayCome() {
-  if (chooserStreams().answers != &std::cin || isAtTerminal()) return true;
-  struct pollfd input = {STDIN_FILENO, POLLIN, 0};
-  return ::poll(&input, 1, kPatienceMilliseconds) != 0;  // an end or an error is seen by reading
+// Byte by byte, so that what follows the line stays for the next question, and for the menu.
+Answer readLine(std::string& line) {
+  using Clock = std::chrono::steady_clock;
+  const ChooserStreams& streams = chooserStreams();
+  const bool hasPatience = ::isatty(streams.answers) != 0;
+  const auto end = Clock::now() + std::chrono::milliseconds(streams.patienceMilliseconds);
+  for (;;) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+    if (!hasPatience && left <= 0) return Answer::kNone;
+    struct pollfd input = {streams.answers, POLLIN, 0};
+    const int ready = ::poll(&input, 1, hasPatience ? -1 : static_cast<int>(left));
+    if (ready == 0) return Answer::kNone;
+    char c = '\0';
+    const ssize_t got = ready < 0 ? ready : ::read(streams.answers, &c, 1);
+    if (got < 0) {
+      if (errno == EINTR || errno == EAGAIN) continue;
+      return Answer::kNone;
+    }
+    if (got == 0 || c == '\n') {
+      const bool isEmptyEnd = got == 0 && line.empty();
+      if (isEmptyEnd || line.size() > kMostCharacters) return Answer::kNone;
+      return got == 0 ? Answer::kLastLine : Answer::kLine;
+    }
+    if (line.size() <= kMostCharacters) line += c;
+  }
 }
 
 bool readAnswer(std::string& answer) {
-  std::istream& in = *chooserStreams().answers;
-  char line[kMostCharacters + 1];
-  const bool gotLine = static_cast<bool>(in.getline(line, sizeof line));
+  const Answer got = readLine(answer);
   // Nothing but a terminal's echo of the Return key has ended the line with the prompt.
-  if (!gotLine || in.eof() || !isAtTerminal()) *chooserStreams().questions << '\n';
-  if (gotLine) answer = line;
-  return gotLine;
+  if (got != Answer::kLine || ::isatty(chooserStreams().answers) == 0) {
+    *chooserStreams().questions << '\n';
+  }
+  return got != Answer::kNone;
 }
 
 std::string pathFromAnswer(std::string_view answer) {
@@ -66,10 +83,6 @@ bool choose(const char* message, const char* prompt, const char* complaint, FSRe
   questions << message << '\n';
   for (int question = 0; question < kMostQuestions; ++question) {
     questions << prompt << std::flush;
-    if (question == 0 && !answerMayCome()) {
-      questions << '\n';
-      return false;
-    }
     std::string answer;
     if (!readAnswer(answer)) return false;
     const std::string path = pathFromAnswer(answer);

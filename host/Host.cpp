@@ -1,6 +1,7 @@
 #include "host/Host.h"
 
 #include <iostream>
+#include <unistd.h>
 #include <utility>
 
 namespace cairnset {
@@ -16,7 +17,7 @@ Host* inUse = nullptr;  // null for the program's own
 
 }  // namespace
 
-Host::Host() : choosers{&std::cin, &std::cerr} {}
+Host::Host() : choosers{STDIN_FILENO, &std::cerr, 5000} {}
 
 Host::~Host() {
   for (const Fork& fork : forks) {

@@ -1,4 +1,5 @@
-#include <sstream>
+#include <unistd.h>
+#include <utility>
 
 #include "host/BrumePrefs.h"
 #include "host/TimeoutFile.h"
@@ -8,6 +9,21 @@ namespace cairnset {
 namespace {
 
 using namespace std::string_literals;
+
+/// What the choosers read while this lives, from a pipe which may stay open behind it.
+struct Answers {
+  explicit Answers(const std::string& text, bool hasEnd) {
+    if (::pipe(ends) != 0 || ::write(ends[1], text.data(), text.size()) < 0) std::abort();
+    if (hasEnd) ::close(std::exchange(ends[1], -1));
+    chooserStreams() = {ends[0], &std::cerr, hasEnd ? 5000 : 20};
+  }
+  ~Answers() {
+    ::close(ends[0]), ::close(ends[1]);
+    chooserStreams() = before;
+  }
+  const ChooserStreams before = chooserStreams();
+  int ends[2];
+};
 
 // How the program meets its preferences is in tests/transcripts/preferences.txt. Here the library
 // is a real folder in place of the alias.
@@ -26,8 +42,7 @@ TEST_F(BrumePrefsTest, ChoosingAgainSparesAFullFolder) {
   BrumePrefs prefs;
   prefs.initPrefs();
   EXPECT_EQ(prefs.getItemsPath(), items);
-  std::istringstream answers(items + "\n" + library + "\n" + library + "\n");
-  chooserStreams().answers = &answers;
+  const Answers answers(items + "\n" + library + "\n" + library + "\n", true);
   testing::internal::CaptureStderr();
   EXPECT_EQ(prefs.userSelectNewItemsPath() + prefs.userSelectNewItemsPath(), 0);
   EXPECT_TRUE(std::filesystem::remove(items + "/kept"));
@@ -37,6 +52,17 @@ TEST_F(BrumePrefsTest, ChoosingAgainSparesAFullFolder) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             asked + asked + "Olvan reports a file system error while creating Olvan Items.\n" +
                 "Result code = -47.\n" + asked);
+}
+
+TEST_F(BrumePrefsTest, AQuestionWaitsForAWholeLineAndNotForever) {
+  testing::internal::CaptureStderr();
+  for (const bool hasEnd : {true, false})
+    for (const char* before : {"", "/none\n", "/none\n/none\n"}) {
+      const Answers answers(before + path(""), hasEnd);
+      FSRef folder;
+      EXPECT_EQ(chooseFolder("", &folder), hasEnd) << before;
+    }
+  testing::internal::GetCapturedStderr();
 }
 
 TEST_F(BrumePrefsTest, LastRun) {
