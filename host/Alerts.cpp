@@ -26,20 +26,67 @@ constexpr std::size_t kMostDetail = 1023;
 constexpr std::size_t kMostName = 1024;
 constexpr std::size_t kSpecNameSize = sizeof(FSSpec::name);
 
+// ISO C promises that a conversion prints up to 4095 characters. None prints more here: a name that
+// happens to look like a wider one must not take all memory.
+constexpr std::size_t kMostWidth = 4095;
+
+// A conversion of printf that prints a text: "%", perhaps "1$", flags, a width, a precision, "s".
+struct TextConversion {
+  std::size_t length = 0;  // of the conversion itself; 0 where there is none
+  bool isNumbered = false;
+  bool isLeftAligned = false;
+  std::size_t width = 0;
+  std::size_t precision = std::string::npos;
+};
+
+std::size_t takeNumber(std::string_view& text) {
+  std::size_t number = 0;
+  for (; !text.empty() && text.front() >= '0' && text.front() <= '9'; text.remove_prefix(1))
+    number = std::min(number * 10 + static_cast<std::size_t>(text.front() - '0'), kMostWidth + 1);
+  return number;
+}
+
+TextConversion conversionAtStart(std::string_view format) {
+  TextConversion found;
+  std::string_view rest = format;
+  if (!rest.starts_with('%')) return {};
+  rest.remove_prefix(1);
+  found.isNumbered = rest.starts_with("1$");
+  if (found.isNumbered) rest.remove_prefix(2);
+  const std::size_t flags = std::min(rest.find_first_not_of("-+ #0'"), rest.size());
+  found.isLeftAligned = rest.substr(0, flags).find('-') != std::string_view::npos;
+  rest.remove_prefix(flags);
+  found.width = takeNumber(rest);
+  if (rest.starts_with('.')) {
+    rest.remove_prefix(1);
+    found.precision = takeNumber(rest);
+    if (found.precision > kMostWidth) found.precision = std::string::npos;
+  }
+  if (!rest.starts_with('s') || found.width > kMostWidth) return {};
+  found.length = format.size() - rest.size() + 1;
+  return found;
+}
+
 // What printf would print for a format with one text as its argument, or none where that is null.
 // Texts hold names, and names hold any "%": what printf would look up in arguments that were never
 // passed is left in the text instead.
 std::string formatted(std::string_view format, const char* argument) {
   std::string out;
+  bool isUsed = false;  // by a conversion without a number; the next of them has no argument
   while (!format.empty()) {
     std::size_t taken = 1;
+    const TextConversion conversion = conversionAtStart(format);
     if (format.starts_with("%%")) {
       out += '%';
       taken = 2;
-    } else if (argument != nullptr && format.starts_with("%s")) {
-      out += argument;
-      argument = nullptr;
-      taken = 2;
+    } else if (argument != nullptr && conversion.length > 0 && (conversion.isNumbered || !isUsed)) {
+      const std::string_view shown = std::string_view(argument).substr(0, conversion.precision);
+      const std::string blanks(conversion.width - std::min(conversion.width, shown.size()), ' ');
+      if (!conversion.isLeftAligned) out += blanks;
+      out += shown;
+      if (conversion.isLeftAligned) out += blanks;
+      isUsed = isUsed || !conversion.isNumbered;
+      taken = conversion.length;
     } else {
       out += format.front();
     }
@@ -53,10 +100,11 @@ void writeLine(std::ostream& os, std::string_view text) {
   os << '\n' << std::flush;
 }
 
-// The detail's carriage return is a line break of the instrument's host. On a terminal it would
-// send the source place over the line's beginning.
+// One line whatever the text holds: the carriage return before a source place, and those in names,
+// would send what follows over the line's beginning on a terminal.
 void writeAlertLine(std::string text) {
-  std::replace(text.begin(), text.end(), '\r', '\n');
+  std::replace(text.begin(), text.end(), '\r', ' ');
+  std::replace(text.begin(), text.end(), '\n', ' ');
   writeLine(std::cerr, text);
 }
 
@@ -121,7 +169,7 @@ void displayFileManagerErrorWhileOpening(long code, const FSSpec* fsSpec, const 
   displayFileManagerErrorWhileOpening(code, name, sourceFile, line);
 }
 
-// Not by way of the catalogue: it has no specification for an item that is missing, which is what
+// Not by way of the catalogue: it has no FSSpec for an item that is missing, which is what
 // most of these messages are about, and gives a name with accents a number that nobody knows.
 void displayFileManagerErrorWhileOpening(long code, const FSRef* ref, const char* sourceFile,
                                          int line) {

@@ -21,9 +21,11 @@ using TEHandle = TextEdit**;
 
 /// Shows a message. An alert without `text` says that an unknown error has occurred.
 ///
-/// For standard output `text` is a format, as it always was: its first "%s" becomes the detail (an
-/// empty text where there is none) and "%%" becomes "%". The detail is a format without arguments.
-/// Every other "%" is printed as it stands. Alerts show both texts as they are.
+/// For standard output `text` is a format, as it always was: its first "%s" and every "%1$s" become
+/// the detail (an empty text where there is none), each with flags, a width of at most 4095 and a
+/// precision, as printf has them, and "%%" becomes "%". The detail is a format without arguments.
+/// Every other "%" is printed as it stands. Alerts show both texts as they are, with a blank for
+/// each line break.
 void displayErrorStrings(const char* text, const char* detail, void* unused = nullptr);
 
 /// The same for a deferred task: `pair` is an array of two text pointers. Always 0.
@@ -42,10 +44,10 @@ void displayFileManagerErrorWhile(long code, const char* action, const char* nam
                                   const char* sourceFile = nullptr, int line = 0);
 void displayFileManagerErrorWhileOpening(long code, const char* name,
                                          const char* sourceFile = nullptr, int line = 0);
-/// Names the item by the specification's name, or "?" for null.
+/// Names the item by the FSSpec's name, or "?" for null.
 void displayFileManagerErrorWhileOpening(long code, const FSSpec* fsSpec,
                                          const char* sourceFile = nullptr, int line = 0);
-/// Names the item by its held name, cut to the 63 bytes of a specification; "?" for null and for
+/// Names the item by its held name, cut to the 63 bytes of an FSSpec; "?" for null and for
 /// what was never a place. The item need not exist.
 void displayFileManagerErrorWhileOpening(long code, const FSRef* ref,
                                          const char* sourceFile = nullptr, int line = 0);
