@@ -29,16 +29,22 @@ std::uint64_t packDate(std::int64_t seconds, std::int64_t nanoseconds) {
 }
 
 std::uint64_t creationDate(const FSRef& ref, const struct stat& info) {
-  const Location place(ref);
   unsigned char bytes[8];
-  if (place.status() == noErr && place.isAbsolute() &&
-      host().calls.getAttribute(place.path(), kCreationDateAttribute, bytes, sizeof bytes) ==
-          sizeof bytes) {
+  ssize_t got = -1;
+  // Nothing else can have such an attribute, and to open a device may change it.
+  if (S_ISREG(info.st_mode) || S_ISDIR(info.st_mode)) {
+    callOnOpenItem(ref, [&](int descriptor) {
+      got = host().calls.getAttribute(descriptor, kCreationDateAttribute, bytes, sizeof bytes);
+      return 0;
+    });
+  }
+  if (got == sizeof bytes) {
     std::uint64_t date = 0;
     for (const unsigned char byte : bytes)
       date = date << 8 | byte;
     return date;
   }
+  const Location place(ref);
   struct timespec birth;
   if (place.status() == noErr &&
       host().calls.birthTime(place.folder(), place.path(), &birth) == 0) {

@@ -144,11 +144,11 @@ int flushVolume([[maybe_unused]] int descriptor) {
 #endif
 }
 
-ssize_t getAttribute(const char* path, const char* name, void* value, size_t size) {
+ssize_t getAttribute(int descriptor, const char* name, void* value, size_t size) {
 #if defined(__APPLE__)
-  return ::getxattr(path, name, value, size, 0, XATTR_NOFOLLOW);
+  return ::fgetxattr(descriptor, name, value, size, 0, 0);
 #else
-  return ::lgetxattr(path, name, value, size);
+  return ::fgetxattr(descriptor, name, value, size);
 #endif
 }
 

@@ -49,10 +49,10 @@ struct SystemCalls {
   std::function<DIR*(int descriptor)> fdopendir;
   std::function<struct dirent*(DIR* listing)> readdir;
   std::function<int(DIR* listing)> closedir;
-  /// An extended attribute of the item itself: the number of bytes got, or -1; ENODATA where the
-  /// item has none of that name, ENOTSUP where the volume has no such attributes. Set by descriptor
-  /// since, as with open, whatever changes something must not go through a link.
-  std::function<ssize_t(const char* path, const char* name, void* value, size_t size)> getAttribute;
+  /// An extended attribute: the number of bytes got, or -1; ENODATA where the item has none of that
+  /// name, ENOTSUP where the volume has no such attributes. By descriptor, since open goes through
+  /// no link and takes paths of any length in stretches.
+  std::function<ssize_t(int descriptor, const char* name, void* value, size_t size)> getAttribute;
   std::function<int(int descriptor, const char* name, const void* value, size_t size)> setAttribute;
   /// The item's birth time in whole seconds and nanoseconds since 1970; ENOTSUP where the volume
   /// keeps none.
