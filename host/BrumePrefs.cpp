@@ -46,8 +46,8 @@ OSErr userPreferencesFolder(FSRef& folder) {
   const OSErr result = getPrefsFSRef(&folder);
   if (!isMissing(result)) return result;
   // A new account has no such folder before the first program makes it, and that may be this one.
-  std::int16_t volume = 0;
-  std::int32_t directory = 0;
+  short volume = 0;
+  long directory = 0;
   const OSErr made = getPrefsVolRefNumAndDirID(&volume, &directory);
   return made == noErr ? getPrefsFSRef(&folder) : made;
 }

@@ -70,7 +70,7 @@ class BrumePrefs {
   unsigned long getSecondsSinceLastRun() const;
 
   /// Shows visible folders and files named exactly "BrumeKeymaps.txt", and all there is outside the
-  /// list of items or not given as a specification. `info` may be null for a file.
+  /// list of items or not given as an FSSpec. `info` may be null for a file.
   static bool navFilterProc(AEDesc* item, void* info, void* callBackUD, short filterMode);
   /// Does nothing.
   static void navEventProc(long event, NavCBRec* parameters, void* callBackUD);

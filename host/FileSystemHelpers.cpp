@@ -163,9 +163,12 @@ OSErr getPrefsFSRef(FSRef* folder) {
   return FSFindFolder(kUserDomain, kPreferencesFolderType, false, folder);
 }
 
-OSErr getPrefsVolRefNumAndDirID(std::int16_t* vRefNum, std::int32_t* dirID) {
+OSErr getPrefsVolRefNumAndDirID(short* vRefNum, long* dirID) {
   const std::int16_t domain = isRunningOSX() ? kUserDomain : kOnSystemDisk;
-  return FindFolder(domain, kPreferencesFolderType, true, vRefNum, dirID);
+  std::int32_t folder = 0;
+  const OSErr result = FindFolder(domain, kPreferencesFolderType, true, vRefNum, &folder);
+  if (result == noErr) *dirID = folder;
+  return result;
 }
 
 }  // namespace cairnset

@@ -61,6 +61,6 @@ OSErr setCreationDate(const FSRef* ref, unsigned long long date);
 /// The folder, which is not made where it is missing.
 OSErr getPrefsFSRef(FSRef* folder);
 /// The same folder by number, made where it is missing.
-OSErr getPrefsVolRefNumAndDirID(std::int16_t* vRefNum, std::int32_t* dirID);
+OSErr getPrefsVolRefNumAndDirID(short* vRefNum, long* dirID);
 
 }  // namespace cairnset
