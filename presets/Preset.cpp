@@ -211,7 +211,7 @@ OSErr Preset::readIn() {
 OSErr Preset::readFrom(const FileStart& start) {
   _status = noErr;
   VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
-  extractImage(file, static_cast<std::uint32_t>(std::min<std::int64_t>(start.size, UINT32_MAX)));
+  extractImage(file, start.size);
   _edited = false;
   return _status;
 }
@@ -334,10 +334,10 @@ void Preset::fillVirtualFile(VirtualFile& file) const {
 }
 
 long Preset::extractVirtualFile(VirtualFile& file) {
-  return extractImage(file, static_cast<std::uint32_t>(file.size()));
+  return extractImage(file, static_cast<std::int64_t>(file.size()));
 }
 
-long Preset::extractImage(VirtualFile& file, std::uint32_t size) {
+long Preset::extractImage(VirtualFile& file, std::int64_t size) {
   std::uint32_t fileType = 0, kind = 0, statedSize = 0;
   file.seekg(0);
   readField(file, fileType);
@@ -345,7 +345,8 @@ long Preset::extractImage(VirtualFile& file, std::uint32_t size) {
   readField(file, statedSize);
   if (fileType != _file_type) return _status = kWrongFileType;
   if (kind != static_cast<std::uint32_t>(getPresetType())) return _status = kWrongKind;
-  if (statedSize != size) return _status = kWrongSize;
+  constexpr std::int64_t kMostSize = VirtualFile::kMaxContent;  // such a file is not loaded whole
+  if (size != statedSize || size > kMostSize) return _status = kWrongSize;
   char name[kNameField] = {};
   readField(file, name);
   readField(file, _reserved1);

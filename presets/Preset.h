@@ -164,7 +164,7 @@ class Preset : public TreeLeaf {
   void changeFile(const FSRef& ref);
   void takeNamesFromFile();
   void deleteIfEmpty();
-  long extractImage(VirtualFile& file, std::uint32_t size);
+  long extractImage(VirtualFile& file, std::int64_t size);
 
   OSErr _status = noErr;
   OSErr _why_never_written = noErr;

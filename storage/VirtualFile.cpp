@@ -17,7 +17,6 @@ namespace cairnset {
 
 namespace {
 
-constexpr unsigned long kMaxContent = 600ul * 1024 * 1024;
 constexpr std::size_t kChunk = 1024;
 
 char* allocateZeroed(std::uint32_t size) {
@@ -489,6 +488,7 @@ long VirtualFile::load(std::istream& in) {
   clear();
   in.clear();
   in.seekg(0);
+  in.clear();  // of a failure to seek: a pipe is read from where it stands
   return loadChunks(
       [&in](char* scratch) {
         in.read(scratch, kChunk);

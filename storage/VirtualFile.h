@@ -22,10 +22,12 @@ void swapEight(void* bytes);
 /// (storage/ByteOrder.h has the flag for preset files). Where nothing else is said an operation
 /// answers 1 for success and 0 for failure, and changes nothing where it fails. Nothing throws. A
 /// negative number of bytes is a failure, and so is everything on a file whose memory could not be
-/// had, until a clear() gets some. Content is limited to 600 MiB. Positions are offsets from
+/// had, until a clear() gets some. Content is limited to kMaxContent. Positions are offsets from
 /// the start and never lie past the end of the content.
 class VirtualFile {
  public:
+  static constexpr unsigned long kMaxContent = 600ul * 1024 * 1024;
+
   /// An empty file. Memory comes in multiples of `blockSize` bytes, which is at least 1.
   explicit VirtualFile(long blockSize);
   /// A file with content, to be read from its start and written at its end. In place, `data` is the
@@ -172,7 +174,8 @@ class VirtualFile {
   int dump(std::FILE* stream, bool rewindFirst);
   int dump(std::ostream& out, bool fromStart);
 
-  /// Replace the content by that of a source from its start, and answer the number of bytes read,
+  /// Replace the content by that of a source from its start, or from where it stands if it cannot
+  /// seek, and answer the number of bytes read,
   /// -1 where confirm() fails. Reading ends at a read of nothing, also one that failed, and once
   /// the content takes no more. The read position is then at the start, the write position at the
   /// end. `maxBytes` is looked at only after each chunk of 1024 bytes, so that up to 1023 more come

@@ -81,6 +81,12 @@ TEST_F(PresetFileTest, TailsAndLongNames) {
     write(name, padded(read(name).replace(8, 4, size), size[2] == 0 ? 200 : 5000));
     EXPECT_EQ(preset->readIn(), 0) << size;
   }
+  for (const std::uint32_t size : {629145600u, 629145601u}) {  // 600 MiB, and a byte more
+    write(name, read(name).substr(0, 103).replace(8, 4, bigEndian(size)));
+    std::filesystem::resize_file(path(name), size);
+    EXPECT_EQ(preset->readIn(), size == 629145600 ? 0 : Preset::kWrongSize);
+    std::filesystem::resize_file(path(name), 103);
+  }
   EXPECT_STREQ(preset->getTreeItemName(), name.c_str()) << "never that in the file";
 }
 

@@ -102,6 +102,12 @@ TEST(VirtualFile, DumpsAndLoadsWholeFiles) {
     expectRoundTrip(std::stringstream(), content);
     expectRoundTrip(ForkFile("").fork, content);
   }
+  char bytes[] = "abc";
+  struct Pipe : std::streambuf {  // which cannot seek
+    explicit Pipe(char* b) { setg(b, b, b + 3); }
+  } buffer(bytes);
+  std::istream pipe(&buffer);
+  EXPECT_EQ(Filled("").load(pipe), 3);
   EXPECT_EQ(Filled("abc").dump(short{0}, true), rfNumErr);
   EXPECT_EQ(Filled("").load(ForkFile(std::string(5000, 'x')).fork, 1025), 2048);
 }
