@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <locale>
 #include <optional>
 #include <sstream>
@@ -15,17 +16,27 @@ namespace cairnset {
 
 namespace {
 
-// Steps beyond this are alike, so that the result is the same where long has 32 bits.
-constexpr double kFarthestStep = 1073741824.0;
+constexpr double kLowestStep = std::numeric_limits<std::int32_t>::min();
+constexpr double kAboveAllSteps = 0x1p33;
 
-long nearestStep(double steps) {
+std::int64_t nearestStep(double steps) {
   if (std::isnan(steps)) return 0;
-  return std::lrintf(static_cast<float>(std::clamp(steps, -kFarthestStep, kFarthestStep)));
+  return std::llrintf(static_cast<float>(std::clamp(steps, kLowestStep, kAboveAllSteps)));
 }
 
-long stepOf(float raw, long count) {
+std::int64_t stepOf(float raw, std::int64_t count) {
   const float steps = raw * static_cast<float>(count - 1);
   return std::min(nearestStep(steps), count - 1);
+}
+
+// An index has 32 bits, so that it is the same where long has no more.
+long indexOf(std::int64_t step) {
+  return static_cast<long>(std::min<std::int64_t>(step, std::numeric_limits<std::int32_t>::max()));
+}
+
+float rawOf(std::int64_t step, std::int64_t count) {
+  if (count <= 1) return 0.0F;
+  return std::clamp(static_cast<float>(step) / static_cast<float>(count - 1), 0.0F, 1.0F);
 }
 
 float gainOfDecibels(float decibels) {
@@ -74,8 +85,7 @@ bool isLabel(std::string_view unit) {
 }  // namespace
 
 float intToFloatParam(long index, long count) {
-  if (count <= 1) return 0.0F;
-  return std::clamp(static_cast<float>(index) / static_cast<float>(count - 1), 0.0F, 1.0F);
+  return rawOf(index, count);
 }
 
 // --- ParamConverter --------------------------------------------------------------------------
@@ -117,11 +127,11 @@ long ParamConverter::stringToIndex(const char* text) const {
 // --- StepParamConverter ----------------------------------------------------------------------
 
 float StepParamConverter::rawToIntrinsic(float raw) const {
-  return static_cast<float>(_min + _step * static_cast<double>(rawToIndex(raw)));
+  return static_cast<float>(_min + _step * static_cast<double>(stepOf(raw, _count)));
 }
 
 float StepParamConverter::intrinsicToRaw(float value) const {
-  return intToFloatParam(nearestStep((value - _min) / _step), _count);
+  return rawOf(nearestStep((value - _min) / _step), _count);
 }
 
 void StepParamConverter::rawToDisplay(float raw, char* text) const {
@@ -130,11 +140,11 @@ void StepParamConverter::rawToDisplay(float raw, char* text) const {
 }
 
 float StepParamConverter::indexToRaw(long index) const {
-  return intToFloatParam(index, _count);
+  return rawOf(index, _count);
 }
 
 long StepParamConverter::rawToIndex(float raw) const {
-  return stepOf(raw, _count);
+  return indexOf(stepOf(raw, _count));
 }
 
 float BipolarPercentParamConverter::rawToEngine(float raw) const {
@@ -166,7 +176,7 @@ float TableParamConverter::indexToRaw(long index) const {
 }
 
 long TableParamConverter::rawToIndex(float raw) const {
-  return stepOf(raw, _count);
+  return indexOf(stepOf(raw, _count));
 }
 
 long TableParamConverter::stringToIndex(const char* text) const {

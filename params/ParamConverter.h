@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "params/DisplayTables.h"
 
@@ -60,28 +61,30 @@ class StepParamConverter : public ParamConverter {
       : _min(min),
         _step(step),
         _decimals(decimals),
-        _count(static_cast<long>((max - min) / step) + 1) {}
+        _count(static_cast<std::int64_t>((max - min) / step) + 1) {}
 
   float rawToIntrinsic(float raw) const override;
   float intrinsicToRaw(float value) const override;
   void rawToDisplay(float raw, char* text) const override;
   float indexToRaw(long index) const override;
   /// Never above the last step, but below 0 for a negative `raw`; rawToIntrinsic then lies below
-  /// the minimum by as many steps. Meant so.
+  /// the minimum by as many steps. On purpose. Limited to 32 bits; the values go on beyond.
   long rawToIndex(float raw) const override;
 
  private:
   double _min;
   double _step;
   short _decimals;
-  long _count;
+  std::int64_t _count;
 };
 
-/// Whole numbers that are identifiers rather than amounts, above all keyset ids: -32767 to 32767,
-/// each of which survives the way to its raw value and back. A four-character code lies beyond.
+/// Whole numbers that are identifiers rather than amounts: keyset ids, which may be negative, and
+/// four-character codes, which take all 32 bits. A raw value has 24 significant bits, so the range
+/// begins close to the ids, which must survive the way there and back exactly. So do codes as far
+/// as single precision holds them, but for one in 2,500.
 class RawParamConverter : public StepParamConverter {
  public:
-  constexpr RawParamConverter() : StepParamConverter(-32767, 32767, 1, 0) {}
+  constexpr RawParamConverter() : StepParamConverter(-32768, 4294967295, 1, 0) {}
 };
 
 /// -100 to 100 percent by 1; for the engine -1.0 to 1.0, not stepped.
