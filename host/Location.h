@@ -46,8 +46,6 @@ class Location {
   OSErr status() const { return _status; }
   int folder() const { return _folder; }
   const char* path() const { return _path; }
-  /// Whether path() is absolute, so that calls which take no folder can be made too.
-  bool isAbsolute() const { return _path[0] == '/'; }
 
  private:
   void locate(std::string_view folderPath, std::string_view name, For purpose);
