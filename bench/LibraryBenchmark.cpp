@@ -1,95 +1,45 @@
-// How long loading a library and each report on it take, by number of presets. Reports go nowhere.
-#include <cstring>
-#include <filesystem>
-#include <iostream>
-#include <streambuf>
+// Operations that are too short, or too rare, for scripts/bench to see: putting a list in order,
+// and what each file name goes through.
 #include <string>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
-#include "examples/ExampleLibrary.h"
-#include "host/FileManager.h"
-#include "tool/FilenameRepair.h"
-#include "tool/Reports.h"
-#include "tool/Session.h"
+#include "host/Names.h"
+#include "presets/ExchangeOrder.h"
 
 namespace cairnset {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-class Nowhere : public std::streambuf {
-  int overflow(int c) override { return traits_type::not_eof(c); }
-  std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
-};
-
-/// A library on disk and the session on it, for as long as one benchmark runs.
-class LibrarySession {
- public:
-  explicit LibrarySession(benchmark::State& state) {
-    do {
-      _folder = fs::temp_directory_path() / ("cairnset-benchmark-" + std::to_string(_next++));
-    } while (!fs::create_directory(_folder));
-    FSRef items;
-    LibrarySummary summary;
-    const auto count = static_cast<std::size_t>(state.range(0));
-    const std::string path = _folder.string();
-    if (path.size() >= kPathStringSize || FSPathMakeRef(path.c_str(), &items, nullptr) != noErr ||
-        makeExampleLibrary(items, count, LibraryShape::kTypical, summary) != noErr) {
-      state.SkipWithError("the library could not be made");
-      return;
-    }
-    path_string[path.copy(path_string, kPathStringSize - 1)] = '\0';
-    if (instantiate() != kSuccess) state.SkipWithError("the library could not be loaded");
-    _console = std::cout.rdbuf(&_nowhere);
-  }
-  ~LibrarySession() {
-    if (_console != nullptr) std::cout.rdbuf(_console);
-    deinstantiate();
-    fs::remove_all(_folder);
-  }
-
- private:
-  static inline int _next = 0;
-  fs::path _folder;
-  Nowhere _nowhere;
-  std::streambuf* _console = nullptr;
-};
-
-template <typename Step>
-void run(benchmark::State& state, Step step) {
-  const LibrarySession session(state);
+// That many descending keys, of so many values: equal ones are the hard case.
+void PutInOrder(benchmark::State& state) {
+  std::vector<std::int64_t> keys;
+  for (std::int64_t i = state.range(0); i > 0; --i)
+    keys.push_back(i % state.range(1));
   for (auto _ : state)
-    step();
-  state.SetItemsProcessed(state.iterations() * state.range(0));
+    benchmark::DoNotOptimize(exchangeOrder(keys));
 }
+BENCHMARK(PutInOrder)
+    ->ArgsProduct({{1000, 10000, 100000}, {1, 300, 1 << 30}})
+    ->Unit(benchmark::kMillisecond);
 
-void Load(benchmark::State& state) {
-  run(state, instantiate);
-}
-void ListPresets(benchmark::State& state) {
-  run(state, listPresets);
-}
-void ListAllDependencies(benchmark::State& state) {
-  run(state, listAllDependencies);
-}
-void ListParents(benchmark::State& state) {
-  run(state, listParents);
-}
-void CheckFilenames(benchmark::State& state) {
-  run(state, checkFilenames);
-}
+const char* const kNames[] = {"Grand Piano 12", "\u00C9tude ros\u00E9e", "E\u0301tude rose\u0301e"};
 
-void sizes(benchmark::internal::Benchmark* b) {
-  b->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+void HeldName(benchmark::State& state) {
+  for (auto _ : state)
+    benchmark::DoNotOptimize(heldNameFromVolumeName(kNames[state.range(0)]));
 }
+BENCHMARK(HeldName)->DenseRange(0, 2);
 
-BENCHMARK(Load)->Apply(sizes);
-BENCHMARK(ListPresets)->Apply(sizes);
-BENCHMARK(ListAllDependencies)->Apply(sizes);
-BENCHMARK(ListParents)->Apply(sizes);
-BENCHMARK(CheckFilenames)->Apply(sizes);
+void SortKey(benchmark::State& state) {
+  std::string key;
+  for (auto _ : state) {
+    key.clear();
+    appendSortKey(kNames[state.range(0)], key);
+  }
+}
+BENCHMARK(SortKey)->DenseRange(0, 2);
 
 }  // namespace
 
