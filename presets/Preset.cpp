@@ -158,13 +158,14 @@ void Preset::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const 
   writeText(os, text);
 }
 
-void Preset::appendTreeItemInfo(std::string& text, const std::ostream& os) const {
+void Preset::appendTreeItemInfo(std::string& text, const std::ostream& os, const char* name) const {
   char digits[24];
   const auto end = std::to_chars(digits, digits + sizeof digits, getTreeItemIndex()).ptr;
   text.append(static_cast<std::size_t>(std::max<std::ptrdiff_t>(3 - (end - digits), 0)), ' ');
   text.append(digits, end).append(1, ' ').append(getTreeItemTypeName());
   text.append(isROM() ? " ROM  \"" : "      \"");
-  if (const char* name = getTreeItemName(); name != nullptr) appendHeldName(text, os, name);
+  if (name == nullptr) name = getTreeItemName();
+  if (name != nullptr) appendHeldName(text, os, name);
   text += '"';
 }
 

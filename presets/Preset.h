@@ -67,8 +67,9 @@ class Preset : public TreeLeaf {
   const char* getTreeItemTypeName() const override { return "Preset"; }
   /// The tree index in three columns, kind, ROM mark and name, without a line end.
   void printTreeItemInfo(std::ostream& os, unsigned long flags) const override;
-  /// Appends the same to a text that is to be written on the stream.
-  void appendTreeItemInfo(std::string& text, const std::ostream& os) const;
+  /// Appends the same to a text that is to be written on the stream; with `name`, under that one.
+  void appendTreeItemInfo(std::string& text, const std::ostream& os,
+                          const char* name = nullptr) const;
   /// The payload fields in memory, in the machine's byte order, spare bytes included; null where
   /// there are none.
   virtual const void* getData() const { return nullptr; }

@@ -27,6 +27,14 @@ const PresetReference kProgramEffectsReference{kProgramKind, kEffectsKind, effec
 const PresetReference kSessionProgramReference{kSessionKind, kProgramKind, programName};
 const PresetReference kSessionVelocityMapReference{kSessionKind, kVelocityMapKind, velocityMapName};
 
+const PresetReference* referenceTo(const Preset& preset) {
+  for (const auto* reference :
+       {&kProgramEffectsReference, &kSessionProgramReference, &kSessionVelocityMapReference}) {
+    if (static_cast<long>(reference->to) == preset.getPresetType()) return reference;
+  }
+  return nullptr;
+}
+
 std::string_view PresetReference::name(const Preset& preset) const {
   return nameInField(field(const_cast<Preset&>(preset)));
 }

@@ -1,12 +1,10 @@
 #include "tool/BulkMaintenance.h"
 
 #include <iostream>
-#include <string>
 
 #include "host/Process.h"
-#include "host/ReportText.h"
+#include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
-#include "tool/LeafIteration.h"
 #include "tool/Session.h"
 #include "tool/WriteFailures.h"
 
@@ -23,9 +21,8 @@ void setROM(PresetList* list, bool rom) {
   forEachPreset(list, [rom](Preset& preset) {
     if (preset.romByte() == (rom ? 1 : 0)) return;
     preset.setROM(rom);
-    if (const std::string failure = writeAndTell(preset); !failure.empty()) {
-      writeText(std::cerr, failure);
-    }
+    (void)preset.writeOut();  // 0 also where the file could not be opened
+    reportWriteFailure(preset, preset.status());
   });
 }
 

@@ -14,7 +14,7 @@ int checkFilenames();
 /// Renames each preset whose name Windows rejects, and rewrites those that named it. Answers
 /// kReferencesNotWritten where one of these could not be written (told on standard error; the rest
 /// goes on), else kSuccess. Signals are held back until all is done; what a SIGKILL leaves
-/// half-done is in tool/Renames.h.
+/// half-done is in presets/Renames.h.
 int fixFilenames();
 
 }  // namespace cairnset

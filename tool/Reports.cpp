@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "host/ReportText.h"
+#include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
-#include "tool/LeafIteration.h"
-#include "tool/ReferrerIndex.h"
+#include "presets/ReferrerIndex.h"
 #include "tool/Session.h"
 
 namespace cairnset {

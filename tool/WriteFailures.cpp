@@ -1,22 +1,18 @@
 #include "tool/WriteFailures.h"
 
 #include <iostream>
+#include <string>
 
+#include "host/ReportText.h"
 #include "presets/Preset.h"
 
 namespace cairnset {
 
-std::string writeAndTell(Preset& preset) {
-  OSErr result = preset.writeOut();
-  // A file that could not even be opened is told by the status alone.
-  if (result == noErr) result = preset.status();
-  return result == noErr ? std::string() : writeFailure(preset, result);
-}
-
-std::string writeFailure(const Preset& preset, OSErr result) {
+void reportWriteFailure(const Preset& preset, OSErr result, const char* name) {
+  if (result == noErr) return;
   std::string line = "### error " + std::to_string(result) + " occurred while writing ";
-  preset.appendTreeItemInfo(line, std::cerr);
-  return line += '\n';
+  preset.appendTreeItemInfo(line, std::cerr, name);
+  writeText(std::cerr, line.append(1, '\n'));
 }
 
 }  // namespace cairnset

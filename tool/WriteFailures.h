@@ -1,7 +1,5 @@
-// Writing a preset back and telling of a failure.
+// Reporting that a preset could not be written.
 #pragma once
-
-#include <string>
 
 #include "host/ResultCodes.h"
 
@@ -9,11 +7,8 @@ namespace cairnset {
 
 class Preset;
 
-/// Writes the preset to its file. Where that fails the answer is the line that standard error is to
-/// show, else nothing.
-std::string writeAndTell(Preset& preset);
-
-/// The line itself, with the result code and the preset.
-std::string writeFailure(const Preset& preset, OSErr result);
+/// Writes a line on standard error with the result code and the preset, which is called `name`
+/// there, where one is given; for noErr nothing.
+void reportWriteFailure(const Preset& preset, OSErr result, const char* name = nullptr);
 
 }  // namespace cairnset

@@ -6,6 +6,7 @@
 #include "host/FileManager.h"
 #include "host/FileSystemHelpers.h"
 #include "presets/PresetManager.h"
+#include "presets/Renames.h"
 #include "tests/Intercept.h"
 #include "tests/presets/PresetTest.h"
 
@@ -185,6 +186,54 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
     EXPECT_TRUE(round == 0 || calls - before <= 4 * 100 + 4)
         << "open, fstat, pread, close, and a folder for each 64 files";
     EXPECT_LE(calls, 4 * (101 + 100 * round) + 12 * 12 + 20) << "12 folders, what is paid once";
+  }
+}
+
+// L a hard link, F a flush, W a rewrite, R a rename, to which after L nothing is left but U.
+TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "LLFFWWFFRRULLFFWWFFRURUR s 0 e -48 p 0 0 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"},
+      {"LLFFWW", "LLFFWWFRRULLFFWWFFRURUR s 0 e -48 p 0 0 q -36 0 v 0 s 0 0 p 0 s 0 0 e 0"},
+      {"LLFFWWF", "LLFFWWFFRRULLFFWWFFRURUR s 0 e -48 p 0 -36 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"},
+      {"LLFFWWFFRRUL", "LLFFWWFFRRULLFWFRURWR s 0 e -48 p 0 0 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"}};
+  for (const auto& [fails, report] : cases) {
+    std::filesystem::remove_all(path("lib/Presets"));
+    for (const char* name : {"Velocity Maps/v", "Effects/e", "Effects/User/e"})
+      put(*this, PresetFile{name});
+    for (const char* name : {"Programs/p", "Programs/q"})
+      put(*this, PresetFile{name, true, 1, {"e"}});
+    put(*this, PresetFile{"Sessions/s", true, 1, {"v", "p"}});
+    PresetManager all(nullptr);
+    all.setOlvanItemsFSRef(ref("lib"));
+    all.openAllPresets();
+    std::string order, failing = fails;
+    const auto watch = [&order, &failing](auto& call, char letter) {
+      intercept(call, [&order, &failing, letter](const auto& system, auto... args) {
+        order += letter;
+        if (order == failing) return errno = EIO, decltype(system(args...)){-1};
+        return system(args...);
+      });
+    };
+    SystemCalls& s = host().calls;
+    const SystemCalls real = s;
+    watch(s.link, 'L');
+    watch(s.flush, 'F');
+    watch(s.pwrite, 'W');
+    watch(s.renameNoReplace, 'R');
+    watch(s.unlink, 'U');
+    std::string shown;
+    PresetList& e = all.effects();
+    for (const Renamed& renamed : renamePresets(all, {{all.sessions().findPreset("s"), "t"},
+                                                      {e.presetAt(2), "Default"},
+                                                      {all.velocityMaps().findPreset("v"), "w"},
+                                                      {all.programs().findPreset("p"), "o"},
+                                                      {e.presetAt(1), "f"}})) {
+      shown += ' ' + renamed.oldName + ' ' + std::to_string(renamed.result);
+      for (const auto& [preset, name, written, flushed] : renamed.referrers)
+        shown += ' ' + name + ' ' + std::to_string(written) + ' ' + std::to_string(flushed);
+    }
+    s = real;
+    EXPECT_EQ(order + shown, report);
   }
 }
 

@@ -11,12 +11,12 @@
 #include <utility>
 
 #include "host/Host.h"
+#include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
 #include "tests/Intercept.h"
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
-#include "tool/LeafIteration.h"
 #include "tool/Session.h"
 
 namespace cairnset {

@@ -1,0 +1,135 @@
+#include "presets/Renames.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "host/FileManager.h"
+#include "host/PascalStrings.h"
+#include "presets/PresetManager.h"
+#include "presets/PresetReferences.h"
+#include "presets/ReferrerIndex.h"
+
+namespace cairnset {
+
+namespace {
+
+// Flushing a volume also takes other programs' writes along, which can be many. From this number on
+// it is the cheaper way all the same.
+constexpr std::size_t kManyItems = 32;
+
+// Each write puts a RAM preset at its own place in the order of the indices. One that moves down in
+// it must not pass any that is yet to be written, nor must one that moves up.
+bool writesBefore(const Relinked* a, const Relinked* b) {
+  const auto movesUp = [](const Preset& preset) { return preset.fileIndex() < preset.index(); };
+  if (movesUp(*a->preset) != movesUp(*b->preset)) return movesUp(*b->preset);
+  return movesUp(*a->preset) ? a->preset->index() > b->preset->index()
+                             : a->preset->index() < b->preset->index();
+}
+
+bool isFlushedAtOnce(std::size_t items, const FSRef& one) {
+  return items >= kManyItems && FSFlushVolume(&one) == noErr;
+}
+
+void flushFolders(const std::vector<Renamed*>& presets) {
+  std::set<unsigned long> folders;
+  for (const Renamed* renamed : presets)
+    folders.insert(renamed->preset->getParentFolderID());
+  if (presets.empty() || isFlushedAtOnce(folders.size(), presets.front()->preset->fileRef()))
+    return;
+  for (const unsigned long folder : folders) {
+    const FSRef ref{static_cast<std::uint32_t>(folder)};
+    // Where this fails the names are safe against all but a loss of power, and there is no better.
+    (void)FSFlushObject(&ref);
+  }
+}
+
+void flushFiles(const std::vector<Relinked*>& rewrites) {
+  if (rewrites.empty() || isFlushedAtOnce(rewrites.size(), rewrites.front()->preset->fileRef()))
+    return;
+  for (Relinked* relinked : rewrites) {
+    if (relinked->written == noErr) relinked->flushed = FSFlushObject(&relinked->preset->fileRef());
+  }
+}
+
+std::vector<Relinked*> rewriteReferrers(const std::vector<Renamed*>& presets) {
+  std::vector<Relinked*> rewrites;
+  for (Renamed* renamed : presets) {
+    const PresetReference* reference = referenceTo(*renamed->preset);
+    for (Relinked& relinked : renamed->referrers) {
+      reference->setName(*relinked.preset, renamed->newName.c_str());
+      rewrites.push_back(&relinked);
+    }
+  }
+  std::stable_sort(rewrites.begin(), rewrites.end(), writesBefore);
+  for (Relinked* relinked : rewrites) {
+    // Only the status reports a file that could not be opened.
+    (void)relinked->preset->writeOut();
+    relinked->written = relinked->preset->status();
+  }
+  return rewrites;
+}
+
+// Renames presets whose referrers are of one kind, which none of them is of.
+void renameTogether(const std::vector<Renamed*>& presets) {
+  const auto pascal = [](const Renamed& renamed) {
+    Str255 name;
+    C2PCopy(name, renamed.newName.c_str());
+    return std::to_array(name);
+  };
+  const auto rename = [&pascal](Renamed& renamed) {
+    renamed.result = renamed.preset->rename(pascal(renamed).data());
+  };
+  std::vector<Renamed*> linked, alone;
+  for (Renamed* renamed : presets) {
+    OSErr result = paramErr;
+    if (referenceTo(*renamed->preset) != nullptr)
+      result = renamed->preset->addName(pascal(*renamed).data());
+    // A name that is taken, or is none, fails the rename too, whenever that is tried.
+    const bool needsNoRename = result == noErr || result == dupFNErr || result == bdNamErr;
+    (needsNoRename ? linked : alone).push_back(renamed);
+  }
+  flushFolders(linked);
+  flushFiles(rewriteReferrers(linked));
+  for (Renamed* renamed : linked)
+    rename(*renamed);
+  for (Renamed* renamed : alone) {
+    rename(*renamed);
+    rewriteReferrers({renamed});
+  }
+}
+
+}  // namespace
+
+std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<NewName>& names) {
+  std::vector<Renamed> presets;
+  std::map<const PresetReference*, ReferrerIndex> indexes;
+  std::set<std::pair<const PresetReference*, std::string>> relinked;
+  for (const auto& [preset, name] : names) {
+    Renamed& renamed = presets.emplace_back(Renamed{preset, preset->getTreeItemName(), name, {}});
+    const PresetReference* reference = referenceTo(*preset);
+    if (reference == nullptr || !relinked.emplace(reference, renamed.oldName).second) continue;
+    PresetList* list = &library.sessions();
+    if (reference->from == kProgramKind) list = &library.programs();
+    const ReferrerIndex& index = indexes.try_emplace(reference, list, *reference).first->second;
+    index.forEachReferrerOf(renamed.oldName, [&renamed](Preset& referrer) {
+      renamed.referrers.push_back({&referrer, referrer.getTreeItemName()});
+    });
+  }
+  // The references that a kind holds are rewritten before it is itself renamed. Sessions, which
+  // name two kinds, are rewritten in one go; nobody names them.
+  for (const PresetKind referrers : {kProgramKind, kSessionKind, kAllKinds}) {
+    std::vector<Renamed*> together;
+    for (Renamed& renamed : presets) {
+      const PresetReference* reference = referenceTo(*renamed.preset);
+      if ((reference != nullptr ? reference->from : kAllKinds) == referrers)
+        together.push_back(&renamed);
+    }
+    renameTogether(together);
+  }
+  return presets;
+}
+
+}  // namespace cairnset
