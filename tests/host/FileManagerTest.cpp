@@ -23,16 +23,6 @@ class FileManagerTest : public FileTest {
   }
 };
 
-TEST_F(FileManagerTest, ErrnoBecomesAResultCode) {
-  const std::pair<int, OSErr> cases[] = {
-      {0, 0},        {ENOENT, -43}, {ENOTDIR, -120}, {EEXIST, -48},  {ENOTEMPTY, -47},
-      {ENOSPC, -34}, {EDQUOT, -34}, {EIO, -36},      {EMFILE, -42},  {ENFILE, -42},
-      {EROFS, -46},  {EACCES, -54}, {EPERM, -54},    {EXDEV, -1303}, {ENAMETOOLONG, -37},
-      {EILSEQ, -37}, {EINVAL, -50}, {ELOOP, -36}};
-  for (const auto& [error, code] : cases)
-    EXPECT_EQ(resultFromErrno(error), code) << std::strerror(error);
-}
-
 // What the seam lists: entries of unknown kind, or some and an error.
 int entriesLeft = -1;
 bool hideKinds = false;
