@@ -1,7 +1,10 @@
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 
 #include "host/BrumePrefs.h"
+#include "host/Chooser.h"
+#include "host/PascalStrings.h"
 #include "host/TimeoutFile.h"
 #include "tests/TestFolder.h"
 
@@ -88,6 +91,32 @@ TEST_F(BrumePrefsTest, LastRun) {
     prefs.resetLastRunTime();
     next.initPrefs();
     EXPECT_LE(next.getSecondsSinceLastRun(), 10u);
+  }
+}
+
+TEST_F(BrumePrefsTest, KeymapsAreChosenByTheirName) {
+  const std::tuple<const char*, NavFileOrFolderInfo, short, bool> cases[] = {
+      {"BrumeKeymaps.txt", {}, 0, true},
+      {"BrumeKeymaps.tx", {}, 0, false},
+      {"Brumekeymaps.txt", {}, 0, false},
+      {"BrumeKeymaps.txt2", {}, 0, false},
+      {"folder", {true, true}, 0, true},
+      {"folder", {true, false}, 0, false},
+      {"any", {}, 1, true}};
+  for (const auto& [name, kind, mode, isShown] : cases) {
+    AEDesc item;
+    NavFileOrFolderInfo info = kind;
+    C2PCopy(item.fsSpec.name, name);
+    EXPECT_EQ(BrumePrefs::navFilterProc(&item, &info, nullptr, mode), isShown) << name;
+    item.descriptorType = 0;
+    EXPECT_TRUE(BrumePrefs::navFilterProc(&item, &info, nullptr, mode));
+  }
+  for (const char* name : {"other.txt", "BrumeKeymaps.txt"}) {
+    write(name, "");
+    BrumePrefs prefs;
+    const Answers answers(path(name) + "\n", true);
+    prefs.askForBrumeKeymapsTxtLocation();
+    EXPECT_EQ(prefs.isInitialised(), name[0] == 'B') << name;
   }
 }
 

@@ -1,9 +1,17 @@
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <random>
 #include <sstream>
 #include <sys/resource.h>
+#include <tuple>
 #include <utility>
+#if __has_include(<linux/seccomp.h>)
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#endif
 
 #include "host/FileSystemHelpers.h"
 #include "tests/host/FileTest.h"
@@ -214,6 +222,45 @@ TEST_F(FileManagerTest, NamesFromTextAndPathsThatJustFit) {
   EXPECT_EQ(FSRefMakePath(&file, text.data(), text.size() - 1), bdNamErr);
   EXPECT_EQ(FSRefMakePath(&file, text.data(), text.size()), noErr);
 }
+
+TEST_F(FileManagerTest, LiesInOneFolder) {
+  makeFolder("f/g");
+  for (const char* name : {"a", "f/a", "f/b"})
+    write(name, "");
+  const std::tuple<const char*, const char*, bool> cases[] = {
+      {"f/a", "f/b", true},  {"f", "f/a", true},  {"f/a", "f", true},
+      {"f/a", "f/g", false}, {"f/g", "f", false}, {"a", "f/a", false}};
+  for (const auto& [a, b, isSame] : cases) {
+    const FSRef refA = ref(a), refB = ref(b);
+    EXPECT_EQ(isSameFolder(&refA, &refB), isSame) << a << ' ' << b;
+    EXPECT_FALSE(fileExists(&refA)) << "whatever is there";
+  }
+}
+
+#if defined(SECCOMP_RET_ERRNO) && defined(SYS_openat2)
+// In a process of its own, to which the one call that does it all is forbidden for good.
+TEST_F(FileManagerTest, StepByStepNoLinkIsFollowedEither) {
+  makeFolder("folder/inner");
+  write("folder/inner/file", "x");
+  symlink("folder", "alias");
+  symlink("file", "folder/inner/link");
+  const auto open = [this] {
+    struct sock_filter steps[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(struct seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat2, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+    const struct sock_fprog program = {std::size(steps), steps};
+    ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
+    int status = 0;
+    for (const char* name : {"folder/inner/file", "alias/inner/file", "folder/inner/link"})
+      status = 2 * status + (real.open(AT_FDCWD, path(name).c_str(), O_RDONLY, 0) >= 0);
+    std::_Exit(status);
+  };
+  EXPECT_EXIT(open(), testing::ExitedWithCode(4), "");
+}
+#endif
 
 }  // namespace
 }  // namespace cairnset

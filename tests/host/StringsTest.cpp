@@ -132,6 +132,16 @@ TEST(PathStringsTest, ChangedInPlace) {
   }
 }
 
+TEST(SystemVersionTest, HasANameUpToFour) {
+  const std::pair<std::optional<long>, std::string> cases[] = {
+      {3, "Tiger"}, {4, "Tiger"}, {5, ""}, {std::nullopt, ""}};
+  for (const auto& [minor, name] : cases) {
+    gestaltAnswers().minorVersion = minor;
+    const char* shown = getSystemVersionString();
+    EXPECT_EQ(shown != nullptr ? shown : "", name);
+  }
+}
+
 TEST(TokenizerTest, Steps) {
   // t: getToken; l: skipLine; j: skipJunk. Then the text, the place reached, the token's length.
   const std::tuple<char, std::string, long, long> cases[] = {{'t', "  \"Grand Hall\",x", 3, 10},

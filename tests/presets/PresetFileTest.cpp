@@ -1,6 +1,9 @@
 #include <bit>
+#include <cerrno>
+#include <climits>
 #include <cstring>
 
+#include "host/SystemCalls.h"
 #include "presets/PresetComparison.h"
 #include "tests/presets/PresetTest.h"
 
@@ -167,6 +170,27 @@ TEST(PresetComparison, StepsAndEmptyNames) {
   EXPECT_EQ(comparePresetNames("", "Default", 64) | comparePresetNames("Default", "", 64), 0);
   EXPECT_EQ(comparePresetNames("Hall", "Hallway", 4), 0);
   EXPECT_LT(comparePresetNames("", "default", 64), 0);
+}
+
+TEST_F(PresetFileTest, WhatAHeldPresetTakesAndGives) {
+  const std::string longest(254, 'n');
+  const auto preset = written(longest.c_str());
+  Str255 name;
+  for (const std::string start : {"", "\xA5 "}) {
+    preset->setROM(!start.empty());
+    preset->getListName(name);
+    EXPECT_EQ(std::string(name + 1, name + 1 + name[0]), (start + longest).substr(0, 255));
+  }
+  const auto twin = written("twin");
+  const std::string bytes(static_cast<const char*>(twin->getData()), 8);
+  preset->setData((bytes.substr(0, 1) + "1234567").c_str(), 1);
+  EXPECT_TRUE(preset->equalParams(*twin)) << "no more than it is given";
+  preset->setData(padded("12345678", 4096).c_str(), LONG_MAX);
+  EXPECT_EQ(std::memcmp(preset->getData(), "12345678", 8), 0);
+  const SystemCalls real = systemCalls();
+  systemCalls().close = [](int descriptor) { return ::close(descriptor), errno = ENOSPC, -1; };
+  EXPECT_EQ(preset->writeOut(), dskFulErr) << "some volumes tell of a lost write only here";
+  systemCalls() = real;
 }
 
 }  // namespace

@@ -260,5 +260,52 @@ TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   EXPECT_EQ(list.countLeafsRecursively(), 1) << "no limb stands for Presets itself";
 }
 
+TEST_F(PresetListTest, PositionsAndSaving) {
+  manager.openAllPresets();
+  list.newPreset(pascal("ram"), true, false);
+  Preset* const byDefault = list.findPreset("Default");
+  EXPECT_TRUE(list.findPresetIndex(list.findPreset("ram")) == 1 && list.isDefault(0));
+  EXPECT_EQ(list.findPresetIndex(manager.effects().presetAt(0)), 0) << "nor is a stranger -1";
+  list.setCurrentPreset(nullptr);
+  EXPECT_EQ(list.currentPreset(), byDefault);
+  const auto savedBy = [this](auto save) {
+    std::string saved;
+    for (const bool after : {false, true}) {
+      for (const std::string file : {"Velocity Maps/ram", "Velocity Maps/Default",
+                                     "Effects/Default", "Programs/Default", "Sessions/Default"})
+        after ? void(saved += read("lib/Presets/" + file).empty() ? '-' : '+')
+              : write("lib/Presets/" + file, "");
+      if (!after) save();
+    }
+    return saved;
+  };
+  EXPECT_EQ(savedBy([this] { list.saveAllRAMPresets(); }), "+----");
+  EXPECT_EQ(savedBy([this] { manager.saveAllPresets(); }), "+++++");
+  byDefault->setROM(false);
+  EXPECT_FALSE(list.isDefault(0)) << "it has to be ROM";
+  manager.sessions().setUserFolder(FSRef());
+  manager.sessions().deletePreset(0);
+  EXPECT_EQ(manager.sessions().count(), 1) << "unconfirmed";
+  std::filesystem::remove_all(path("lib/Presets/Effects"));
+  PresetManager copy(manager);
+  FSRef folder, user;
+  copy.velocityMaps().getUserFSSpec(folder), list.getUserFSSpec(user);
+  EXPECT_TRUE(folder == user && copy.velocityMaps().currentPreset() == byDefault);
+  EXPECT_TRUE(copy.velocityMaps().confirmed() && !copy.effects().confirmed());
+  EXPECT_EQ(PresetList::findFolder(ref("lib"), "none", false, folder), fnfErr);
+  EXPECT_EQ(folder, FSRef());
+}
+
+TEST_F(PresetListTest, HangsAPresetUnderTheLimbOfItsFolder) {
+  put(*this, PresetFile{"Velocity Maps/f/a"});
+  load();
+  auto* const limb = static_cast<PresetLimb*>(list.findPreset("a")->parent());
+  for (const std::string name : {"f/b", "g/c"})
+    put(*this, PresetFile{"Velocity Maps/" + name});
+  limb->setSpec(ref(kRoot + "/g"));
+  EXPECT_EQ(list.openPreset(ref(kRoot + "/f/b"))->parent(), nullptr);
+  EXPECT_EQ(list.openPreset(ref(kRoot + "/g/c"))->parent(), limb);
+}
+
 }  // namespace
 }  // namespace cairnset

@@ -56,4 +56,15 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
   }
 }
 
+TEST(PtrManager, EntriesAsNumbers) {
+  PtrManager list;
+  EXPECT_EQ(list.getPtr32(0) + list.iterNext32(), 0);
+  for (const std::uintptr_t value : {7u, 0xFFFFFFFEu})
+    list.addPtr(reinterpret_cast<void*>(value));
+  list.iterReset();
+  for (const std::int32_t value : {7, -2, 0})
+    EXPECT_EQ(list.iterNext32(), value);
+  EXPECT_EQ(list.getPtr32(1), -2);
+}
+
 }  // namespace cairnset

@@ -109,7 +109,24 @@ TEST(VirtualFile, DumpsAndLoadsWholeFiles) {
   std::istream pipe(&buffer);
   EXPECT_EQ(Filled("").load(pipe), 3);
   EXPECT_EQ(Filled("abc").dump(short{0}, true), rfNumErr);
-  EXPECT_EQ(Filled("").load(ForkFile(std::string(5000, 'x')).fork, 1025), 2048);
+  for (const auto& [limit, loaded] : {std::pair(1024ul, 1024l), {1025ul, 2048l}})
+    EXPECT_EQ(Filled("").load(ForkFile(std::string(5000, 'x')).fork, limit), loaded);
+}
+
+TEST(VirtualFile, ComparesCopiesAndStepsBack) {
+  Filled f("abcde\0fg"s), other("xbcde\0fg"s), copy("--");
+  EXPECT_EQ(f.compare(other, 1, 7) + f.compare(f), 0);
+  EXPECT_EQ(f.compare(other) + f.compare(f, 0, 9) + f.compare(f, 8, 1) + f.compare(copy, 0, 1), 4);
+  f.seekg(3);
+  EXPECT_EQ(f.copyData(copy, 1, 3) + f.tellg(), 6);
+  EXPECT_EQ(contentOf(copy), "--bcd");
+  char z = 'z', *first = nullptr, *second = nullptr;
+  for (int i = 0; i < 4; ++i)
+    f.putback(z);
+  f.get(&first).get(&second);
+  EXPECT_EQ(first + "|"s + second + std::to_string(f.tellg()), "zzzde|fg8");
+  delete[] first;
+  delete[] second;
 }
 
 }  // namespace

@@ -98,5 +98,19 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
   host().calls = real;
 }
 
+// Before an old name goes, the disk has the new one and all that refers to it.
+TEST_F(CommandsTest, RepairsInTheOrderThatNoLossOfPowerHarms) {
+  static std::string order;
+  static const SystemCalls real = systemCalls();
+  SystemCalls& calls = systemCalls();
+  calls.link = [](auto... args) { return order += "link ", real.link(args...); };
+  calls.flush = [](auto... args) { return order += "flush ", real.flush(args...); };
+  calls.pwrite = [](auto... args) { return order += "write ", real.pwrite(args...); };
+  calls.unlink = [](auto... args) { return order += "unlink ", real.unlink(args...); };
+  EXPECT_EQ(fixFilenames(), kSuccess);
+  calls = real;
+  EXPECT_EQ(order, "link flush write write flush flush unlink ");
+}
+
 }  // namespace
 }  // namespace cairnset
