@@ -1,15 +1,12 @@
-// Names between the volume, Unicode and Mac Roman, and the order of a folder; path helpers,
-// tokenizer and file-name rules. Every buffer has exactly the room that the headers ask for.
+// Names between the volume, Unicode and Mac Roman, the order of a folder, and the rules for file
+// names. Every buffer has exactly the room that the headers ask for.
 #include "fuzz/Fuzz.h"
 #include "host/Decomposition.h"
 #include "host/FileNameRules.h"
 #include "host/NameConversions.h"
 #include "host/Names.h"
 #include "host/PascalStrings.h"
-#include "host/PathStrings.h"
 #include "host/ResultCodes.h"
-#include "host/SystemVersion.h"
-#include "host/Tokenizer.h"
 #include "host/Utf8.h"
 #include "tool/FilenameRepair.h"
 
@@ -60,31 +57,6 @@ void checkAnyUnits(const std::string& text) {
   (void)heldNameFromUnicode(any);
 }
 
-void checkPath(const std::string& path) {
-  const auto whole = exactCopy(path), file = exactCopy(path), folder = exactCopy(path);
-  extractFilename(whole.get(), file.get());
-  extractPath(whole.get(), folder.get());
-  check(path.ends_with(file.get()) && path.starts_with(folder.get()), "parts of a path", path);
-  (void)findFileFromPath(file.get());
-  const auto uniform = exactCopy(path), native = exactCopy(path, 9);
-  makePathUniform(uniform.get());
-  convertToNativePathFormat(native.get());
-  check(std::strchr(native.get(), isRunningOSX() ? ':' : '/') == nullptr, "a native path", path);
-}
-
-void checkTokens(const std::string& text) {
-  const auto copy = std::make_unique<char[]>(text.size());  // ends where the text does
-  std::copy(text.begin(), text.end(), copy.get());
-  char *pos = copy.get(), *const end = pos + text.size();
-  while (pos < end) {
-    char* line = pos;
-    skipLine(&line, end);
-    const long length = getToken(&pos, end);
-    check(length >= 0 && length <= end - pos && line <= end, "they lie within", text);
-    pos += std::max(length, 1l);
-  }
-}
-
 void checkRules(const std::string& name) {
   const auto corrected = exactCopy(name), pascal = exactCopy(name);
   RemoveAllIllegalFilenameCharsInPlace(corrected.get());
@@ -109,14 +81,11 @@ void checkRules(const std::string& name) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace cairnset;
   FuzzedDataProvider input(data, size);
-  gestaltAnswers().systemVersion = input.ConsumeBool() ? 0x0FFF : 0x1040;
   const auto bufferSize = input.ConsumeIntegralInRange<std::size_t>(0, 300);
   std::string text = takeText(input, 400);
-  checkPath(text);
   checkRules(text);
   checkHeldName(text, bufferSize);
   checkAnyUnits(text);
-  checkTokens(input.ConsumeRemainingBytesAsString());
   std::erase(text, '/');
   checkVolumeName(text);
   return 0;

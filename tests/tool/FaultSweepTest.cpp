@@ -24,8 +24,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Ways to fail beside errno values: only a part is moved, no more after it, nothing at all.
-enum : int { kShort = -1, kShortThenError = -2, kNothing = -3 };
+// Ways to fail beside errno values: only a part is moved, no more after it, nothing at all; and an
+// error although all is done, as over a network.
+enum : int { kShort = -1, kShortThenError = -2, kNothing = -3, kDone = 1 << 16 };
 constexpr std::size_t kPart = 120;  // ends within the first reference of a program or session
 
 long operations, failsAt, injected;
@@ -39,8 +40,7 @@ std::function<void()> swap;
 std::set<ino_t> forbidden;
 bool isForbiddenOpened;
 
-// With kDone the operation is done, and fails all the same.
-template <bool kDone = false, typename Result, typename... Args>
+template <typename Result, typename... Args>
 void guard(std::function<Result(Args...)>& call, const std::vector<int>& ways) {
   intercept(call, [ways](const auto& real, Args... args) -> Result {
     int error = 0;
@@ -60,8 +60,8 @@ void guard(std::function<Result(Args...)>& call, const std::vector<int>& ways) {
       if (error == kNothing) return 0;
       if (error < 0) return real(descriptor, bytes, std::min(size - 1, kPart), offset);
     }
-    if (kDone) real(args...);
-    errno = error;
+    if (error > kDone) real(args...);
+    errno = error % kDone;
     if constexpr (std::is_pointer_v<Result>) {
       return nullptr;
     } else {
@@ -73,21 +73,21 @@ void guard(std::function<Result(Args...)>& call, const std::vector<int>& ways) {
 void guardAll(bool hasLinks) {
   SystemCalls& s = host().calls;
   guard(s.open, {EIO, ENOENT, EACCES, EEXIST, ENOSPC});
-  guard<true>(s.close, {EIO, ENOSPC});
+  guard(s.close, {kDone + EIO, kDone + ENOSPC});
   guard(s.fstat, {EIO});
   guard(s.pread, {EIO, kShort, kShortThenError});
   guard(s.pwrite, {ENOSPC, EIO, kShort, kShortThenError, kNothing});
   // Where a rename may replace, nothing helps against a file that is there and is said not to be.
   guard(s.lstat, {EIO, EACCES, hasLinks ? ENOENT : EIO});
   guard(s.mkdir, {ENOSPC, EIO, ENOENT, EEXIST, EACCES});
-  guard(s.renameNoReplace, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EINVAL});
-  guard(s.rename, {EIO, ENOENT, EACCES, ENOSPC});
-  guard(s.link, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EPERM});
-  guard(s.unlink, {EIO, ENOENT, EACCES});
+  guard(s.renameNoReplace, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EINVAL, kDone + EIO});
+  guard(s.rename, {EIO, ENOENT, EACCES, ENOSPC, kDone + EIO});
+  guard(s.link, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EPERM, kDone + EIO});
+  guard(s.unlink, {EIO, ENOENT, EACCES, kDone + EIO});
   guard(s.realpath, {EIO, ENOENT, EACCES});
   guard(s.fdopendir, {ENOMEM});
   guard(s.readdir, {EIO});
-  guard<true>(s.closedir, {EIO});
+  guard(s.closedir, {kDone + EIO});
   guard(s.flush, {EIO, ENOSPC});
   guard(s.flushVolume, {EIO, ENOSYS});
   intercept(s.open, [](const auto& open, auto... args) {
