@@ -79,6 +79,17 @@ class TestFolder {
     return names;
   }
 
+  /// A file's bytes, an alias's target, a folder's whole content.
+  std::string look(const std::string& name) const {
+    namespace fs = std::filesystem;
+    if (fs::is_symlink(path(name))) return "->" + fs::read_symlink(path(name)).string();
+    if (!fs::is_directory(path(name))) return read(name);
+    std::string all = "[";
+    for (const std::string& item : list(name))
+      all += item + "=" + look((name.empty() ? "" : name + "/") + item) + " ";
+    return all + "]";
+  }
+
  private:
   std::string _path;
 };

@@ -108,8 +108,6 @@ TEST_F(BrumePrefsTest, KeymapsAreChosenByTheirName) {
     NavFileOrFolderInfo info = kind;
     C2PCopy(item.fsSpec.name, name);
     EXPECT_EQ(BrumePrefs::navFilterProc(&item, &info, nullptr, mode), isShown) << name;
-    item.descriptorType = 0;
-    EXPECT_TRUE(BrumePrefs::navFilterProc(&item, &info, nullptr, mode));
   }
   for (const char* name : {"other.txt", "BrumeKeymaps.txt"}) {
     write(name, "");

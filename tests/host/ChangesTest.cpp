@@ -23,16 +23,6 @@ class ChangesTest : public FileTest {
   static OSErr move(const FSRef& ref, const FSRef& folder, FSRef* out = nullptr) {
     return FSMoveObject(&ref, &folder, out);
   }
-  // A file's bytes, an alias's target, a folder's whole content.
-  std::string look(const std::string& name) {
-    namespace fs = std::filesystem;
-    if (fs::is_symlink(path(name))) return "->" + fs::read_symlink(path(name)).string();
-    if (!fs::is_directory(path(name))) return read(name);
-    std::string all = "[";
-    for (const std::string& item : list(name))
-      all += item + "=" + look(name + "/" + item) + " ";
-    return all + "]";
-  }
   void clear() {
     for (const std::string& item : list(""))
       std::filesystem::remove_all(path(item));

@@ -70,37 +70,6 @@ TEST_F(ForksTest, CompletesInterruptedAndShortTransfers) {
   }
 }
 
-TEST_F(ForksTest, TellsWhatFailed) {
-  static int error, left;
-  write("file", ".........");
-  const FSRef file = ref("file");
-  std::int16_t fork = opened(file, fsRdWrPerm);
-  EXPECT_EQ(readAll(fork), ".........");
-  host().calls.pwrite = [](int d, const void* bytes, std::size_t, off_t at) -> ssize_t {
-    if (left == 0) return error == 0 ? 0 : failWith(error);
-    return ::pwrite(d, bytes, static_cast<std::size_t>(std::exchange(left, 0)), at);
-  };
-  const std::pair<int, OSErr> cases[] = {{ENOSPC, dskFulErr}, {EIO, ioErr}, {0, dskFulErr}};
-  for (const auto& [number, expected] : cases) {
-    std::size_t actual = 99;
-    error = number, left = 3;
-    EXPECT_EQ(write(fork, "abcdef", &actual), expected);
-    EXPECT_EQ(actual, 3u);
-  }
-  EXPECT_EQ(readAll(fork), "abc......") << "what is there, not what was";
-  host().calls.close = [](int d) { return ::close(d), failWith(ENOSPC); };
-  EXPECT_EQ(FSCloseFork(fork), dskFulErr) << "a write that may be lost";
-  host().calls.fstat = [](auto...) { return failWith(EACCES); };
-  EXPECT_EQ(openFork(file, fsRdPerm, &fork), permErr) << "not what the tidying met";
-  host().calls = real;
-  host().calls.pread = [](auto...) -> ssize_t { return failWith(EACCES); };
-  fork = opened(file, fsRdPerm);
-  EXPECT_EQ(readAll(fork), " -54");
-  host().calls = real;
-  EXPECT_EQ(readAll(fork), "abc......");
-  EXPECT_EQ(FSCloseFork(fork), noErr);
-}
-
 // Whatever is open, a place gives the file that is there now.
 TEST_F(ForksTest, OpensWhatIsAtThePlaceNow) {
   const FSRef top = ref("");
@@ -143,7 +112,18 @@ TEST_F(ForksTest, RefusesWhatIsNoRegularFileAtOnce) {
     for (const std::int8_t permissions : {fsRdPerm, fsWrPerm, fsRdWrPerm})
       EXPECT_EQ(openFork(item, permissions, &fork), ioErr) << item.node;
   EXPECT_EQ(openFork(items[0], 0, &fork) + openFork(items[0], 4, &fork), 2 * paramErr);
+  write("file", "123");
+  systemCalls().close = [](int descriptor) { return ::close(descriptor), failWith(ENOSPC); };
+  systemCalls().fstat = [](auto...) { return failWith(EACCES); };
+  EXPECT_EQ(openFork(ref("file"), fsRdPerm, &fork), permErr) << "not what the tidying met";
   EXPECT_EQ(fork, -7);
+  systemCalls() = real;
+  systemCalls().pread = [](auto...) -> ssize_t { return failWith(EACCES); };
+  fork = opened(ref("file"), fsRdPerm);
+  EXPECT_EQ(readAll(fork), " -54");
+  systemCalls() = real;
+  EXPECT_EQ(readAll(fork), "123 -39") << "a failure is not remembered";
+  EXPECT_EQ(FSCloseFork(fork), noErr);
   ::alarm(0);
 }
 

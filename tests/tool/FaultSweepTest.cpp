@@ -236,17 +236,6 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
     fs::rename(path("aside"), path(kSwapped[way]));
   }
 
-  // The paths and bytes of all that lies in a folder.
-  std::string everything(const std::string& folder) const {
-    std::string text;
-    for (const std::string& name : list(folder))
-      text += name + '=' +
-              (fs::is_directory(path(folder + "/" + name)) ? everything(folder + "/" + name)
-                                                           : read(folder + "/" + name)) +
-              '\n';
-    return text;
-  }
-
   void sweep() {
     std::strcpy(path_string, path("lib").c_str());
     const auto refuse = [](int, const char*, int, const char*) { return errno = ENOTSUP, -1; };
@@ -298,7 +287,7 @@ TEST_F(FaultSweepTest, NoSwappedFolderLeadsOutOfTheLibrary) {
     ASSERT_EQ(::lstat(entry.path().c_str(), &info), 0);
     forbidden.insert(info.st_ino);
   }
-  const std::string before = everything("other");
+  const std::string before = look("other");
   swap = [this] {
     const std::string folder = kSwapped[way];
     fs::rename(path(folder), path("aside"));
@@ -307,7 +296,7 @@ TEST_F(FaultSweepTest, NoSwappedFolderLeadsOutOfTheLibrary) {
   sweep();
   swap = nullptr;
   EXPECT_FALSE(isForbiddenOpened);
-  EXPECT_EQ(everything("other"), before);
+  EXPECT_EQ(look("other"), before);
 }
 
 }  // namespace
