@@ -3,7 +3,7 @@
 #include <climits>
 #include <cstring>
 
-#include "host/SystemCalls.h"
+#include "host/Host.h"
 #include "presets/PresetComparison.h"
 #include "tests/presets/PresetTest.h"
 
@@ -187,10 +187,10 @@ TEST_F(PresetFileTest, WhatAHeldPresetTakesAndGives) {
   EXPECT_TRUE(preset->equalParams(*twin)) << "no more than it is given";
   preset->setData(padded("12345678", 4096).c_str(), LONG_MAX);
   EXPECT_EQ(std::memcmp(preset->getData(), "12345678", 8), 0);
-  const SystemCalls real = systemCalls();
-  systemCalls().close = [](int descriptor) { return ::close(descriptor), errno = ENOSPC, -1; };
+  const SystemCalls real = host().calls;
+  host().calls.close = [](int descriptor) { return ::close(descriptor), errno = ENOSPC, -1; };
   EXPECT_EQ(preset->writeOut(), dskFulErr) << "some volumes tell of a lost write only here";
-  systemCalls() = real;
+  host().calls = real;
 }
 
 }  // namespace

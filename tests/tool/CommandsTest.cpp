@@ -4,6 +4,7 @@
 
 #include "host/Host.h"
 #include "presets/PresetManager.h"
+#include "tests/Intercept.h"
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
@@ -100,13 +101,18 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
 
 // Before an old name goes, the disk has the new one and all that refers to it.
 TEST_F(CommandsTest, RepairsInTheOrderThatNoLossOfPowerHarms) {
-  static std::string order;
-  static const SystemCalls real = systemCalls();
-  SystemCalls& calls = systemCalls();
-  calls.link = [](auto... args) { return order += "link ", real.link(args...); };
-  calls.flush = [](auto... args) { return order += "flush ", real.flush(args...); };
-  calls.pwrite = [](auto... args) { return order += "write ", real.pwrite(args...); };
-  calls.unlink = [](auto... args) { return order += "unlink ", real.unlink(args...); };
+  std::string order;
+  const SystemCalls real = host().calls;
+  SystemCalls& calls = host().calls;
+  const auto note = [&order](auto& call, const char* name) {
+    intercept(call, [&order, name](const auto& under, auto... args) {
+      return order += name, under(args...);
+    });
+  };
+  note(calls.link, "link ");
+  note(calls.flush, "flush ");
+  note(calls.pwrite, "write ");
+  note(calls.unlink, "unlink ");
   EXPECT_EQ(fixFilenames(), kSuccess);
   calls = real;
   EXPECT_EQ(order, "link flush write write flush flush unlink ");
