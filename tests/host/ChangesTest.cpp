@@ -137,7 +137,8 @@ TEST_F(ChangesTest, ResultCodes) {
     EXPECT_EQ(results, std::vector<OSErr>(results.size(), expected));
   const std::string rest = "file=x folder=[inner=[] ] " + std::string(255, 'n') + "= ]";
   EXPECT_EQ(look(""), "[alias=->folder " + rest);
-  for (const auto& [error, expected] : {std::pair(EXDEV, diffVolErr), {EROFS, vLckdErr}}) {
+  for (const auto& [error, expected] :
+       {std::pair(EXDEV, diffVolErr), {EROFS, vLckdErr}, {EPERM, permErr}}) {
     take({error, 0});
     EXPECT_EQ(move(file, folder), expected);
   }
