@@ -42,7 +42,7 @@ class FileReadingTest : public FileTest {
 
 TEST_F(FileReadingTest, GivesWhatOneByOneGives) {
   const std::string deep = "d/" + std::string(250, 'x') + "/" + std::string(250, 'y');
-  for (int i = 0; i < 400; ++i) {
+  for (std::size_t i = 0; i < 400; ++i) {
     const std::string folder = "f" + std::to_string(i / 30) + (i % 60 < 5 ? "/in/ner" : "");
     makeFolder(folder);
     write(folder + "/" + std::to_string(i * 7919 % 400), std::string(i * 8, 'a'));
