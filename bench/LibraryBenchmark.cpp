@@ -5,7 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "host/Names.h"
+#include "host/text/Names.h"
 #include "presets/ExchangeOrder.h"
 
 namespace cairnset {

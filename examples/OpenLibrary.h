@@ -3,8 +3,8 @@
 
 #include <iostream>
 
-#include "host/FileManager.h"
-#include "host/Process.h"
+#include "host/files/FileManager.h"
+#include "host/terminal/Process.h"
 #include "presets/PresetManager.h"
 
 namespace cairnset {

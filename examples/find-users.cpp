@@ -4,8 +4,8 @@
 #include <string>
 
 #include "examples/OpenLibrary.h"
-#include "host/Names.h"
-#include "host/PascalStrings.h"
+#include "host/text/Names.h"
+#include "host/text/PascalStrings.h"
 #include "presets/PresetReferences.h"
 
 int main(int argc, char** argv) {

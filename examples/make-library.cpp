@@ -8,7 +8,7 @@
 
 #include "examples/ExampleLibrary.h"
 #include "examples/ExampleWords.h"
-#include "host/FileManager.h"
+#include "host/files/FileManager.h"
 
 namespace cairnset {
 

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "examples/OpenLibrary.h"
-#include "host/FileNameRules.h"
-#include "host/Names.h"
-#include "host/PascalStrings.h"
+#include "host/text/FileNameRules.h"
+#include "host/text/Names.h"
+#include "host/text/PascalStrings.h"
 
 int main(int argc, char** argv) {
   using namespace cairnset;

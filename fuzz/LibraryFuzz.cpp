@@ -9,8 +9,8 @@
 
 #include "fuzz/Fuzz.h"
 #include "host/Host.h"
-#include "host/Names.h"
-#include "host/PascalStrings.h"
+#include "host/text/Names.h"
+#include "host/text/PascalStrings.h"
 #include "presets/Preset.h"
 #include "tests/PresetFile.h"
 #include "tool/CommandLine.h"

@@ -1,13 +1,13 @@
 // Names between the volume, Unicode and Mac Roman, the order of a folder, and the rules for file
 // names. Every buffer has exactly the room that the headers ask for.
 #include "fuzz/Fuzz.h"
-#include "host/Decomposition.h"
-#include "host/FileNameRules.h"
-#include "host/NameConversions.h"
-#include "host/Names.h"
-#include "host/PascalStrings.h"
 #include "host/ResultCodes.h"
-#include "host/Utf8.h"
+#include "host/text/Decomposition.h"
+#include "host/text/FileNameRules.h"
+#include "host/text/NameConversions.h"
+#include "host/text/Names.h"
+#include "host/text/PascalStrings.h"
+#include "host/text/Utf8.h"
 #include "tool/FilenameRepair.h"
 
 namespace cairnset {

@@ -1,8 +1,8 @@
 // The host, as one object: all that the host layer knows from one call to the next.
 //
-// The functions of host/FileManager.h work on the host in use, which is one for the whole program.
-// A test makes a host of its own, whose files, listings and system calls are nobody else's. For the
-// host layer and its tests only.
+// The functions of host/files/FileManager.h work on the host in use, which is one for the whole
+// program. A test makes a host of its own, whose files, listings and system calls are nobody
+// else's. For the host layer and its tests only.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "host/Chooser.h"
-#include "host/FolderListing.h"
-#include "host/NodeTable.h"
-#include "host/SystemCalls.h"
 #include "host/SystemVersion.h"
+#include "host/files/FolderListing.h"
+#include "host/files/NodeTable.h"
+#include "host/files/SystemCalls.h"
+#include "host/terminal/Chooser.h"
 
 namespace cairnset {
 

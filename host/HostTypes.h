@@ -16,15 +16,15 @@ using Str255 = unsigned char[256];
 using UniChar = char16_t;
 
 /// A file name: up to 255 UTF-16 units. It stands for the exact bytes of the name on the volume
-/// (host/Names.h), so that two files are never mistaken for one another.
+/// (host/text/Names.h), so that two files are never mistaken for one another.
 struct HFSUniStr255 {
   std::uint16_t length = 0;
   UniChar unicode[255] = {};
 };
 
 /// A reference to one place on the volume: the number of an interned (folder, name) pair, see
-/// host/NodeTable.h. 0 is no place, so a zeroed reference is invalid. It holds no descriptor and
-/// costs nothing to copy; whether anything is at the place is known only by asking.
+/// host/files/NodeTable.h. 0 is no place, so a zeroed reference is invalid. It holds no descriptor
+/// and costs nothing to copy; whether anything is at the place is known only by asking.
 struct FSRef {
   std::uint32_t node = 0;
   friend bool operator==(const FSRef&, const FSRef&) = default;
@@ -39,5 +39,8 @@ struct FSSpec {
 
 /// Hint given with a Unicode name: the encoding that it came from is not known.
 inline constexpr std::uint32_t kTextEncodingUnknown = 0xFFFF;
+
+/// The name of the one volume that this layer shows.
+inline constexpr const char* kDefaultVolumeName = "Root";
 
 }  // namespace cairnset

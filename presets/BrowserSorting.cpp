@@ -3,7 +3,7 @@
 #include <map>
 #include <string_view>
 
-#include "host/Process.h"
+#include "host/terminal/Process.h"
 #include "params/Keysets.h"
 #include "presets/EffectsPresetList.h"
 #include "presets/ProgramPresetList.h"

@@ -7,11 +7,11 @@
 #include <string>
 #include <string_view>
 
-#include "host/FileManager.h"
-#include "host/FileReading.h"
-#include "host/FileSystemHelpers.h"
-#include "host/NameConversions.h"
-#include "host/ReportText.h"
+#include "host/files/FileManager.h"
+#include "host/files/FileReading.h"
+#include "host/files/FileSystemHelpers.h"
+#include "host/terminal/ReportText.h"
+#include "host/text/NameConversions.h"
 #include "presets/PresetFields.h"
 #include "storage/VirtualFile.h"
 

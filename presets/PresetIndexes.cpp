@@ -1,6 +1,6 @@
 #include "presets/PresetIndexes.h"
 
-#include "host/PascalStrings.h"
+#include "host/text/PascalStrings.h"
 #include "presets/LimbWalk.h"
 #include "presets/Preset.h"
 #include "presets/PresetList.h"

@@ -20,7 +20,7 @@ class PresetIndexes {
  public:
   explicit PresetIndexes(const PresetList& list) : _list(list) {}
 
-  /// The first preset in list order whose name is the same to fncmp (host/PascalStrings.h).
+  /// The first preset in list order whose name is the same to fncmp (host/text/PascalStrings.h).
   Preset* presetNamed(const char* name);
   /// The first preset in list order with the file, up to a null entry.
   Preset* presetOf(const FSRef& file);

@@ -4,9 +4,9 @@
 #include <ostream>
 #include <utility>
 
-#include "host/FileSystemHelpers.h"
-#include "host/PathStrings.h"
-#include "host/ReportText.h"
+#include "host/files/FileSystemHelpers.h"
+#include "host/terminal/ReportText.h"
+#include "host/text/PathStrings.h"
 
 namespace cairnset {
 

@@ -2,10 +2,10 @@
 
 #include <vector>
 
-#include "host/FileManager.h"
-#include "host/FileSystemHelpers.h"
-#include "host/NameConversions.h"
-#include "host/PascalStrings.h"
+#include "host/files/FileManager.h"
+#include "host/files/FileSystemHelpers.h"
+#include "host/text/NameConversions.h"
+#include "host/text/PascalStrings.h"
 #include "presets/ExchangeOrder.h"
 #include "presets/Preset.h"
 #include "presets/PresetLoading.h"

@@ -3,8 +3,8 @@
 
 #include <type_traits>
 
-#include "host/FileNameRules.h"
-#include "host/PascalStrings.h"
+#include "host/text/FileNameRules.h"
+#include "host/text/PascalStrings.h"
 #include "presets/PresetList.h"
 
 namespace cairnset {

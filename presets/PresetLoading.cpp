@@ -5,11 +5,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/FileManager.h"
-#include "host/FileReading.h"
-#include "host/FileSystemHelpers.h"
-#include "host/FolderWalk.h"
-#include "host/PascalStrings.h"
+#include "host/files/FileManager.h"
+#include "host/files/FileReading.h"
+#include "host/files/FileSystemHelpers.h"
+#include "host/files/FolderWalk.h"
+#include "host/text/PascalStrings.h"
 #include "presets/Preset.h"
 #include "presets/PresetList.h"
 

@@ -1,5 +1,5 @@
 // The last of the three steps of a load: presets and limbs from what the walk found
-// (host/FolderWalk.h) and what the reading brought (host/FileReading.h).
+// (host/files/FolderWalk.h) and what the reading brought (host/files/FileReading.h).
 #pragma once
 
 #include "host/HostTypes.h"

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "host/BrumePrefs.h"
-#include "host/FileManager.h"
-#include "host/FileReading.h"
-#include "host/FileSystemHelpers.h"
+#include "host/files/FileManager.h"
+#include "host/files/FileReading.h"
+#include "host/files/FileSystemHelpers.h"
+#include "host/preferences/BrumePrefs.h"
 
 namespace cairnset {
 

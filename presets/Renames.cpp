@@ -6,8 +6,8 @@
 #include <set>
 #include <utility>
 
-#include "host/FileManager.h"
-#include "host/PascalStrings.h"
+#include "host/files/FileManager.h"
+#include "host/text/PascalStrings.h"
 #include "presets/PresetManager.h"
 #include "presets/PresetReferences.h"
 #include "presets/ReferrerIndex.h"

@@ -65,7 +65,7 @@ struct Renamed {
 /// the referrers. A rename to a name that another preset gives up in the same call may fail.
 ///
 /// A signal can end the process between two steps, as SIGKILL can. A caller that wants none to do
-/// so holds signals back (host/Process.h).
+/// so holds signals back (host/terminal/Process.h).
 std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<NewName>& names);
 
 }  // namespace cairnset

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <ostream>
 
-#include "host/ReportText.h"
+#include "host/terminal/ReportText.h"
 
 namespace cairnset {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <new>
 
-#include "host/FileManager.h"
+#include "host/files/FileManager.h"
 #include "storage/VirtualFile.h"
 
 namespace cairnset {

@@ -11,7 +11,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "host/FileManager.h"
+#include "host/files/FileManager.h"
 
 namespace cairnset {
 

@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/FileManager.h"
+#include "host/files/FileManager.h"
 
 namespace cairnset {
 

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "host/Process.h"
+#include "host/terminal/Process.h"
 #include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
 #include "tool/Session.h"

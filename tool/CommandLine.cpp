@@ -4,8 +4,8 @@
 #include <iostream>
 #include <string>
 
-#include "host/Process.h"
-#include "host/ReportText.h"
+#include "host/terminal/Process.h"
+#include "host/terminal/ReportText.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
 #include "tool/Options.h"

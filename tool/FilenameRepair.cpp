@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/FileNameRules.h"
-#include "host/Process.h"
-#include "host/ReportText.h"
+#include "host/terminal/Process.h"
+#include "host/terminal/ReportText.h"
+#include "host/text/FileNameRules.h"
 #include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
 #include "presets/Renames.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "host/ReportText.h"
+#include "host/terminal/ReportText.h"
 #include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
 #include "presets/ReferrerIndex.h"

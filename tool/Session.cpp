@@ -2,9 +2,9 @@
 
 #include <iostream>
 
-#include "host/BrumePrefs.h"
-#include "host/FileManager.h"
-#include "host/ReportText.h"
+#include "host/files/FileManager.h"
+#include "host/preferences/BrumePrefs.h"
+#include "host/terminal/ReportText.h"
 #include "presets/PresetManager.h"
 
 namespace cairnset {

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-#include "host/ReportText.h"
+#include "host/terminal/ReportText.h"
 #include "presets/Preset.h"
 
 namespace cairnset {

@@ -1,7 +1,7 @@
 #include <iostream>
 
-#include "host/Process.h"
-#include "host/ReportText.h"
+#include "host/terminal/Process.h"
+#include "host/terminal/ReportText.h"
 #include "tool/CommandLine.h"
 
 int main(int argc, char** argv) {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/Alerts.h"
+#include "host/terminal/Alerts.h"
 
 namespace cairnset {
 namespace {

@@ -2,10 +2,10 @@
 #include <unistd.h>
 #include <utility>
 
-#include "host/BrumePrefs.h"
-#include "host/Chooser.h"
-#include "host/PascalStrings.h"
-#include "host/TimeoutFile.h"
+#include "host/preferences/BrumePrefs.h"
+#include "host/preferences/TimeoutFile.h"
+#include "host/terminal/Chooser.h"
+#include "host/text/PascalStrings.h"
 #include "tests/TestFolder.h"
 
 namespace cairnset {

@@ -1,4 +1,4 @@
-#include "host/FileSystemHelpers.h"
+#include "host/files/FileSystemHelpers.h"
 #include "tests/host/FileTest.h"
 
 namespace cairnset {

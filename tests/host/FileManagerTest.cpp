@@ -13,7 +13,7 @@
 #include <sys/syscall.h>
 #endif
 
-#include "host/FileSystemHelpers.h"
+#include "host/files/FileSystemHelpers.h"
 #include "tests/host/FileTest.h"
 
 namespace cairnset {

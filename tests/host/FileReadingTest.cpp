@@ -3,8 +3,8 @@
 #include <atomic>
 #include <thread>
 
-#include "host/FileReading.h"
-#include "host/FolderWalk.h"
+#include "host/files/FileReading.h"
+#include "host/files/FolderWalk.h"
 #include "tests/host/FileTest.h"
 
 namespace cairnset {

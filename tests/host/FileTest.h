@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/FileManager.h"
+#include "host/files/FileManager.h"
 #include "tests/Intercept.h"
 #include "tests/TestFolder.h"
 

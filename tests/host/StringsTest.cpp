@@ -6,15 +6,15 @@
 
 #include <gtest/gtest.h>
 
-#include "host/FileNameRules.h"
-#include "host/MacRoman.h"
-#include "host/NameConversions.h"
-#include "host/Names.h"
-#include "host/PascalStrings.h"
-#include "host/PathStrings.h"
 #include "host/ResultCodes.h"
 #include "host/SystemVersion.h"
-#include "host/Tokenizer.h"
+#include "host/text/FileNameRules.h"
+#include "host/text/MacRoman.h"
+#include "host/text/NameConversions.h"
+#include "host/text/Names.h"
+#include "host/text/PascalStrings.h"
+#include "host/text/PathStrings.h"
+#include "host/text/Tokenizer.h"
 
 namespace cairnset {
 

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/FileManager.h"
-#include "host/FileSystemHelpers.h"
+#include "host/files/FileManager.h"
+#include "host/files/FileSystemHelpers.h"
 #include "presets/BrowserSorting.h"
 #include "presets/ExchangeOrder.h"
 #include "presets/PresetManager.h"

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "host/PascalStrings.h"
+#include "host/text/PascalStrings.h"
 #include "presets/EffectsPreset.h"
 #include "presets/PresetReferences.h"
 #include "presets/ProgramPreset.h"

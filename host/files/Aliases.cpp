@@ -1,0 +1,97 @@
+// Alias files, which are symbolic links, as host/files/FileManager.h has it.
+#include <cerrno>
+#include <climits>
+#include <string>
+
+#include "host/Host.h"
+#include "host/files/FileManager.h"
+#include "host/files/Location.h"
+#include "host/text/Names.h"
+
+namespace cairnset {
+
+namespace {
+
+NodeTable& nodes() {
+  return host().nodes;
+}
+
+// The link's target as it is stored.
+OSErr readAlias(const FSRef& ref, std::string& target) {
+  const Location place(ref);
+  if (place.status() != noErr) return place.status();
+  char buffer[PATH_MAX];
+  const ssize_t n = host().calls.readlink(place.folder(), place.path(), buffer, sizeof buffer);
+  if (n < 0) return failureAt(ref, errno);
+  if (n == 0) return fnfErr;  // some systems let a link be empty; it points to nothing
+  if (static_cast<std::size_t>(n) == sizeof buffer) return bdNamErr;
+  target.assign(buffer, static_cast<std::size_t>(n));
+  return noErr;
+}
+
+}  // namespace
+
+OSErr FSIsAliasFile(const FSRef* ref, bool* isAlias, bool* isFolder) {
+  struct stat info;
+  if (const OSErr result = itemInfo(*ref, info); result != noErr) return result;
+  *isAlias = S_ISLNK(info.st_mode);
+  if (isFolder != nullptr) *isFolder = S_ISDIR(info.st_mode);
+  return noErr;
+}
+
+OSErr FSResolveAliasFile(FSRef* ref, bool resolveChains, bool* targetIsFolder, bool* wasAlias) {
+  FSRef found = *ref;
+  bool isAlias = false;
+  bool isFolder = false;
+  OSErr result = FSIsAliasFile(ref, &isAlias, &isFolder);
+  if (result != noErr) return result;
+  if (isAlias && resolveChains) {
+    result = FSPathMakeRef(nodes().path(ref->node).c_str(), &found, &isFolder);
+  } else if (isAlias) {
+    std::string target;
+    result = readAlias(*ref, target);
+    if (result != noErr) return result;
+    if (target.front() != '/') target = nodes().path(nodes().folder(ref->node)) + "/" + target;
+    while (target.size() > 1 && target.back() == '/')
+      target.pop_back();
+    // The folders on the way are resolved; the item at the end may be an alias again.
+    const std::size_t slash = target.rfind('/');
+    FSRef folder;
+    result = FSPathMakeRef(slash == 0 ? "/" : target.substr(0, slash).c_str(), &folder, nullptr);
+    const std::string last = target.substr(slash + 1);
+    if (result != noErr) {
+      // told below
+    } else if (last.empty() || last == "." || last == "..") {
+      result = FSPathMakeRef(target.c_str(), &found, &isFolder);
+    } else {
+      found.node = nodes().intern(folder.node, last);
+      bool again = false;
+      result = FSIsAliasFile(&found, &again, &isFolder);
+    }
+  }
+  if (result != noErr) return result == dirNFErr ? fnfErr : result;
+  *ref = found;
+  if (targetIsFolder != nullptr) *targetIsFolder = isFolder;
+  if (wasAlias != nullptr) *wasAlias = isAlias;
+  return noErr;
+}
+
+OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* name,
+                        const FSRef* target, FSRef* ref) {
+  struct stat info;
+  if (const OSErr result = itemInfo(*target, info); result != noErr) return result;
+  std::string volumeName;
+  if (const OSErr result = volumeNameIn(*folder, length, name, volumeName); result != noErr) {
+    return result;
+  }
+  const Location place(*folder, volumeName, Location::For::kChanging);
+  if (place.status() != noErr) return place.status();
+  const std::string path = nodes().path(target->node);
+  if (host().calls.symlink(path.c_str(), place.folder(), place.path()) != 0) {
+    return resultFromErrno(errno);
+  }
+  if (ref != nullptr) ref->node = nodes().intern(folder->node, volumeName);
+  return noErr;
+}
+
+}  // namespace cairnset

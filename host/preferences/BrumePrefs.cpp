@@ -1,0 +1,215 @@
+#include "host/preferences/BrumePrefs.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "host/files/FileManager.h"
+#include "host/files/FileSystemHelpers.h"
+#include "host/preferences/TimeoutFile.h"
+#include "host/terminal/Alerts.h"
+#include "host/text/NameConversions.h"
+
+namespace cairnset {
+
+namespace {
+
+constexpr const char* kPrefsFolderName = "Olvan Preferences";
+constexpr const char* kItemsName = "Olvan Items";
+constexpr const char* kTimeoutName = "Timeout";
+constexpr std::string_view kKeymapsName = "BrumeKeymaps.txt";
+
+// An item that is missing from a folder which is there has its own code on this host; on the
+// instrument's, some calls answer the other for both.
+bool isMissing(OSErr result) {
+  return result == fnfErr || result == dirNFErr;
+}
+
+HFSUniStr255 hostName(const char* name) {
+  HFSUniStr255 unicode;
+  ConvertCStringToHFSUniStr(name, &unicode);
+  return unicode;
+}
+
+OSErr findItem(const FSRef& folder, const char* name, FSRef& item) {
+  const HFSUniStr255 unicode = hostName(name);
+  return FSMakeFSRefUnicode(&folder, unicode.length, unicode.unicode, kTextEncodingUnknown, &item);
+}
+
+OSErr openDataFork(const FSRef& file, std::int8_t permissions, std::int16_t& fork) {
+  HFSUniStr255 name;
+  FSGetDataForkName(&name);
+  return FSOpenFork(&file, name.length, name.unicode, permissions, &fork);
+}
+
+OSErr userPreferencesFolder(FSRef& folder) {
+  const OSErr result = getPrefsFSRef(&folder);
+  if (!isMissing(result)) return result;
+  // A new account has no such folder before the first program makes it, and that may be this one.
+  short volume = 0;
+  long directory = 0;
+  const OSErr made = getPrefsVolRefNumAndDirID(&volume, &directory);
+  return made == noErr ? getPrefsFSRef(&folder) : made;
+}
+
+}  // namespace
+
+// --- Finding the library -------------------------------------------------------------------------
+
+OSErr BrumePrefs::openPrefsFolder() {
+  FSRef parent;
+  OSErr result = userPreferencesFolder(parent);
+  if (result != noErr) return result;
+  result = findItem(parent, kPrefsFolderName, _prefs_ref);
+  bool mustMake = isMissing(result);
+  if (result == noErr) {
+    bool isAlias = false;
+    bool isFolder = false;
+    result = FSIsAliasFile(&_prefs_ref, &isAlias, &isFolder);
+    mustMake = result == noErr && !isFolder;
+    if (mustMake) result = FSDeleteObject(&_prefs_ref);
+    if (result != noErr) return result;
+  }
+  if (mustMake) {
+    const HFSUniStr255 name = hostName(kPrefsFolderName);
+    result =
+        FSCreateDirectoryUnicode(&parent, name.length, name.unicode, &_prefs_ref, nullptr, nullptr);
+  }
+  return result == noErr ? FSRefMakePath(&_prefs_ref, _prefs_path, sizeof _prefs_path) : result;
+}
+
+void BrumePrefs::initPrefs(void* /*unused*/) {
+  if (isInitialised()) return;
+  OSErr result = openPrefsFolder();
+  if (result != noErr) {
+    displayFileManagerErrorWhileOpening(result, kPrefsFolderName);
+    return;
+  }
+  result = findItem(_prefs_ref, kItemsName, _items_ref);
+  if (isMissing(result)) {
+    displayErrorStrings("Olvan is unable to locate its library.",
+                        "Please locate your installed 'Olvan Items' folder...");
+    if (!askForAudioLibraryLocation()) return;
+    result = noErr;
+  }
+  if (result == noErr) result = FSResolveAliasFile(&_items_ref, true, nullptr, nullptr);
+  if (result == nsvErr || result == fnfErr) {
+    displayErrorStrings("Your Olvan library has been moved.",
+                        "Please locate your 'Olvan Items' folder...");
+    if (!askForAudioLibraryLocation()) return;
+    result = FSResolveAliasFile(&_items_ref, true, nullptr, nullptr);
+  }
+  if (result == noErr) result = FSRefMakePath(&_items_ref, _items_path, sizeof _items_path);
+  if (result != noErr) {
+    displayFileManagerErrorWhileOpening(result, kItemsName);
+    return;
+  }
+  _initialised = 1;
+  readLastRunTime();
+}
+
+OSErr BrumePrefs::makeItemsAlias(const FSRef& target) {
+  const HFSUniStr255 name = hostName(kItemsName);
+  OSErr result = FSCreateAliasFile(&_prefs_ref, name.length, name.unicode, &target, &_items_ref);
+  if (result != dupFNErr) return result;
+  FSRef existing;
+  result = findItem(_prefs_ref, kItemsName, existing);
+  if (result != noErr) return result;
+  if (existing == target) {  // a real folder, which must not make way for an alias to itself
+    _items_ref = existing;
+    return noErr;
+  }
+  result = FSDeleteObject(&existing);
+  if (result != noErr) return result;
+  return FSCreateAliasFile(&_prefs_ref, name.length, name.unicode, &target, &_items_ref);
+}
+
+bool BrumePrefs::askForAudioLibraryLocation(void* /*unused*/) {
+  FSRef library;
+  if (!chooseFolder("Please locate the Olvan Items folder.", &library)) {
+    displayErrorStrings("Cancelled.",
+                        "Olvan will not be able to properly function without its library.");
+    return false;
+  }
+  const OSErr result = makeItemsAlias(library);
+  if (result != noErr) displayFileManagerErrorWhile(result, "creating", kItemsName);
+  return result == noErr;
+}
+
+OSErr BrumePrefs::userSelectNewItemsPath() {
+  if (!askForAudioLibraryLocation()) return noErr;
+  return FSRefMakePath(&_items_ref, _items_path, sizeof _items_path);
+}
+
+void BrumePrefs::askForBrumeKeymapsTxtLocation() {
+  FSRef file;
+  if (!chooseFile("Please locate the BrumeKeymaps.txt file.", navFilterUPP, &file)) return;
+  std::int16_t fork = 0;
+  if (openDataFork(file, fsRdPerm, fork) == noErr) FSCloseFork(fork);
+  _initialised = 1;
+}
+
+void BrumePrefs::writePrefs() {
+  displayErrorStrings("Not implemented.", "2");
+}
+
+void BrumePrefs::readPrefs() {
+  displayErrorStrings("Not implemented.", "3");
+}
+
+// --- The last run --------------------------------------------------------------------------------
+
+void BrumePrefs::readLastRunTime() {
+  if (!isInitialised()) return;
+  FSRef file;
+  OSErr result = findItem(_prefs_ref, kTimeoutName, file);
+  if (result == fnfErr) {
+    const HFSUniStr255 name = hostName(kTimeoutName);
+    FSCreateFileUnicode(&_prefs_ref, name.length, name.unicode, nullptr, nullptr);
+    _last_run_time = 0;
+  }
+  std::int16_t fork = 0;
+  if (result != noErr || openDataFork(file, fsRdWrPerm, fork) != noErr) return;
+  TimeoutBytes bytes = {};
+  result = FSReadFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);
+  FSCloseFork(fork);
+  if (result == noErr) _last_run_time = decodeTimeout(bytes);
+  if (result == eofErr) _last_run_time = 0;  // as it was made; the instrument has not run since
+}
+
+void BrumePrefs::resetLastRunTime() {
+  if (!isInitialised()) return;
+  _last_run_time = std::time(nullptr);
+  FSRef file;
+  OSErr result = findItem(_prefs_ref, kTimeoutName, file);
+  if (result == fnfErr) {
+    const HFSUniStr255 name = hostName(kTimeoutName);
+    result = FSCreateFileUnicode(&_prefs_ref, name.length, name.unicode, &file, nullptr);
+  }
+  std::int16_t fork = 0;
+  if (result != noErr || openDataFork(file, fsRdWrPerm, fork) != noErr) return;
+  const TimeoutBytes bytes = encodeTimeout(_last_run_time);
+  FSWriteFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);
+  FSCloseFork(fork);
+}
+
+unsigned long BrumePrefs::getSecondsSinceLastRun() const {
+  const double seconds = std::difftime(std::time(nullptr), _last_run_time);
+  const double bounded = std::clamp(seconds, -2147483648.0, 4294967295.0);
+  return static_cast<std::uint32_t>(static_cast<std::int64_t>(bounded));
+}
+
+// --- The choosers' callbacks ---------------------------------------------------------------------
+
+bool BrumePrefs::navFilterProc(AEDesc* item, void* info, void* /*callBackUD*/, short filterMode) {
+  if (filterMode != kNavFilteringBrowserList || item->descriptorType != typeFSS) return true;
+  const auto* kind = static_cast<const NavFileOrFolderInfo*>(info);
+  if (kind != nullptr && kind->isFolder && kind->visible) return true;
+  const unsigned char* name = item->fsSpec.name;
+  return name[0] == kKeymapsName.size() &&
+         std::memcmp(name + 1, kKeymapsName.data(), kKeymapsName.size()) == 0;
+}
+
+void BrumePrefs::navEventProc(long /*event*/, NavCBRec* /*parameters*/, void* /*callBackUD*/) {}
+
+}  // namespace cairnset

@@ -1,0 +1,86 @@
+#include "host/terminal/Process.h"
+
+#include <cstring>
+#include <fcntl.h>
+#include <iostream>
+#include <signal.h>
+#include <unistd.h>
+
+#include "host/terminal/ReportText.h"
+
+namespace cairnset {
+
+namespace {
+
+constexpr int kHeld[] = {SIGINT, SIGTERM, SIGHUP};
+
+sigset_t heldSet() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : kHeld)
+    sigaddset(&set, signal);
+  return set;
+}
+
+// How many HeldSignals live: the outermost alone lets signals through again.
+int holders = 0;
+sigset_t maskBefore;
+
+}  // namespace
+
+void prepareProcess() {
+  for (int descriptor = 0; descriptor <= 2; ++descriptor) {
+    // The lowest free number is given out, which is this one, as all below it are taken.
+    if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
+  }
+  ::signal(SIGPIPE, SIG_DFL);
+  ::signal(SIGXFSZ, SIG_IGN);
+}
+
+int nextOption(int argc, char** argv, const char* options) {
+  ::opterr = 0;
+  const int letter = ::getopt(argc, argv, options);
+  if (letter == '?') {
+    const char option = static_cast<char>(::optopt);
+    const char* known = std::strchr(options, option);
+    writeGivenText(std::cerr, argv[0]);
+    std::cerr << (known != nullptr && option != ':' ? ": option requires an argument -- '"
+                                                    : ": invalid option -- '");
+    writeGivenText(std::cerr, {&option, 1});
+    std::cerr << "'\n";
+  }
+  return letter;
+}
+
+const char* optionArgument() {
+  return ::optarg;
+}
+
+void restartOptions() {
+#if defined(__GLIBC__)
+  ::optind = 0;
+#else
+  ::optind = 1;
+#endif
+}
+
+HeldSignals::HeldSignals(std::ostream* report) : _report(report) {
+  if (holders++ > 0) return;
+  const sigset_t held = heldSet();
+  ::sigprocmask(SIG_BLOCK, &held, &maskBefore);
+}
+
+HeldSignals::~HeldSignals() {
+  if (_report != nullptr) _report->flush();
+  if (--holders == 0) ::sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
+}
+
+OutlivesReader::OutlivesReader(std::ostream& report)
+    : _report(report), _before(::signal(SIGPIPE, SIG_IGN)) {}
+
+OutlivesReader::~OutlivesReader() {
+  _report.flush();
+  ::signal(SIGPIPE, _before);
+}
+
+}  // namespace cairnset

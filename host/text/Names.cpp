@@ -1,0 +1,200 @@
+#include "host/text/Names.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <utility>
+
+#include "host/ResultCodes.h"
+#include "host/text/Decomposition.h"
+#include "host/text/MacRoman.h"
+#include "host/text/Utf8.h"
+
+namespace cairnset {
+
+namespace {
+
+constexpr bool isAscii(char c) {
+  return static_cast<unsigned char>(c) < 0x80;
+}
+
+// Nearly all characters are ASCII, and a library has 100,000 names: these need no tables. Hands a
+// volume name over piece by piece, `plain` the ASCII that stands by itself, `other` the characters
+// beyond ASCII, each run of them with the ASCII character before it, to which a mark may belong.
+template <typename Plain, typename Other>
+void takeInPieces(std::string_view name, Plain plain, Other other) {
+  while (!name.empty()) {
+    const auto beyond = std::find_if_not(name.begin(), name.end(), isAscii);
+    const auto end = std::find_if(beyond, name.end(), isAscii);
+    const bool isPlain = beyond == name.end();
+    const auto count = static_cast<std::size_t>(beyond - name.begin()) -
+                       (isPlain || beyond == name.begin() ? 0 : 1);
+    plain(name.substr(0, count));
+    if (isPlain) return;
+    const auto taken = static_cast<std::size_t>(end - name.begin());
+    other(name.substr(count, taken - count));
+    name.remove_prefix(taken);
+  }
+}
+
+template <typename Character>
+constexpr Character swapSeparators(Character c) {
+  return c == ':' ? Character{'/'} : c == '/' ? Character{':'} : c;
+}
+
+constexpr char asciiKey(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : swapSeparators(c);
+}
+
+constexpr bool isHigh(char32_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+
+constexpr bool isLow(char32_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+// The unit that stands for a byte which is not part of valid UTF-8.
+constexpr bool isEscapedByte(char16_t unit) {
+  return unit >= 0xDC80 && unit <= 0xDCFF;
+}
+
+constexpr char16_t highOf(char32_t character) {
+  return static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
+}
+
+constexpr char16_t lowOf(char32_t character) {
+  return static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+}
+
+// The Mac Roman character that a base letter and one mark compose to.
+std::optional<unsigned char> composed(char32_t base, char32_t mark) {
+  using Pair = std::pair<char32_t, char32_t>;
+  static const auto pairs = [] {
+    std::array<Pair, 0x80> list{};
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      const UniChar character = unicodeFromMacRoman(static_cast<unsigned char>(0x80 + i));
+      const std::u32string parts = decomposed({&character, 1});
+      if (parts.size() == 2) list[i] = {parts[0], parts[1]};
+    }
+    // Not decomposed by the instrument's host, but by others.
+    list[*macRomanFromUnicode(0x2260) - 0x80u] = {U'=', 0x338};
+    return list;
+  }();
+  const auto found = std::find(pairs.begin(), pairs.end(), Pair{base, mark});
+  if (found == pairs.end()) return std::nullopt;
+  return static_cast<unsigned char>(0x80 + (found - pairs.begin()));
+}
+
+// A mark swallows no punctuation, blank or control byte, which the file-name rules must still see,
+// and no byte that is not UTF-8.
+bool takesMarks(char32_t base) {
+  const bool isLetterOrDigit =
+      (base >= '0' && base <= '9') || (base >= 'A' && base <= 'Z') || (base >= 'a' && base <= 'z');
+  return isLetterOrDigit || (base >= 0x80 && !isLow(base));
+}
+
+}  // namespace
+
+std::u16string unicodeFromVolumeName(std::string_view volumeName) {
+  std::u16string name;
+  name.reserve(volumeName.size());
+  while (!volumeName.empty()) {
+    const char32_t character = swapSeparators(takeUtf8(volumeName));
+    if (character >= 0x10000) {
+      name += highOf(character);
+      name += lowOf(character);
+    } else {
+      name += static_cast<char16_t>(character);
+    }
+  }
+  return name;
+}
+
+OSErr volumeNameFromUnicode(std::u16string_view name, std::string& out) {
+  constexpr std::size_t kMostBytes = 255;
+  out.clear();
+  std::string bytes;
+  bool hasEscapes = false;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char16_t unit = name[i];
+    if (unit == 0 || unit == ':') return bdNamErr;
+    if (isHigh(unit) && i + 1 < name.size() && isLow(name[i + 1])) {
+      appendUtf8(0x10000 + ((unit - char32_t{0xD800}) << 10) + (name[++i] - char32_t{0xDC00}),
+                 bytes);
+    } else if (isEscapedByte(unit)) {
+      bytes += static_cast<char>(unit - 0xDC00);
+      hasEscapes = true;
+    } else if (isHigh(unit) || isLow(unit)) {
+      return bdNamErr;
+    } else {
+      appendUtf8(swapSeparators(unit), bytes);
+    }
+  }
+  if (bytes.empty() || bytes == "." || bytes == ".." || bytes.size() > kMostBytes) return bdNamErr;
+  // Escaped bytes that are valid UTF-8 when put together would be another name's volume name.
+  if (hasEscapes && unicodeFromVolumeName(bytes) != name) return bdNamErr;
+  out = std::move(bytes);
+  return noErr;
+}
+
+std::string heldNameFromUnicode(std::u16string_view name) {
+  const std::u32string text = decomposed(name);
+  std::string held;
+  held.reserve(text.size());
+  for (std::size_t start = 0, end; start < text.size(); start = end) {
+    end = start + 1;
+    while (end < text.size() && joinsPrevious(text[end]))
+      ++end;
+    const std::size_t marks = end - start - 1;
+    const auto alone = macRomanFromUnicode(text[start]);
+    const auto whole = marks == 0   ? alone
+                       : marks == 1 ? composed(text[start], text[end - 1])
+                                    : std::nullopt;
+    if (!whole && marks > 0 && !takesMarks(text[start])) {
+      held += static_cast<char>(alone.value_or('_'));
+    }
+    held += static_cast<char>(whole.value_or('_'));
+  }
+  return held;
+}
+
+void appendHeldNameFromVolumeName(std::string_view volumeName, std::string& held) {
+  takeInPieces(
+      volumeName,
+      [&held](std::string_view ascii) {
+        const std::size_t start = held.size();
+        held.append(ascii);
+        std::transform(ascii.begin(), ascii.end(), held.data() + start, swapSeparators<char>);
+      },
+      [&held](std::string_view other) {
+        held += heldNameFromUnicode(unicodeFromVolumeName(other));
+      });
+}
+
+std::string heldNameFromVolumeName(std::string_view volumeName) {
+  std::string held;
+  appendHeldNameFromVolumeName(volumeName, held);
+  return held;
+}
+
+void appendSortKey(std::string_view volumeName, std::string& key) {
+  takeInPieces(
+      volumeName,
+      [&key](std::string_view ascii) {
+        const std::size_t start = key.size();
+        key.append(ascii);
+        std::transform(ascii.begin(), ascii.end(), key.data() + start, asciiKey);
+      },
+      [&key](std::string_view other) {
+        // Surrogates go in as units of their own: the order is that of units, not of characters.
+        for (const char32_t character : decomposed(unicodeFromVolumeName(other))) {
+          const char32_t lower = lowerCase(character);
+          if (lower >= 0x10000) appendUtf8(highOf(lower), key);
+          appendUtf8(lower >= 0x10000 ? lowOf(lower) : lower, key);
+        }
+      });
+}
+
+}  // namespace cairnset
