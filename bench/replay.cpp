@@ -66,7 +66,6 @@ int main(int argc, char** argv) {
     std::fputs("usage: replay SWEEP FOLDER COPY PROGRAM ARGUMENT... OPTION\n", stderr);
     return 2;
   }
-  stayOnOneProcessor();
   char* const sweepCopy[] = {argv[1], argv[3], nullptr};
   const std::map<ino_t, File> before = filesIn(argv[2]);
   char* const option = std::exchange(argv[argc - 1], nullptr);

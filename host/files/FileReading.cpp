@@ -1,6 +1,7 @@
 #include "host/files/FileReading.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
@@ -23,10 +24,8 @@ namespace {
 
 constexpr std::size_t kFilesInABatch = 64;
 constexpr std::size_t kFilesInAForcedBatch = 4;  // so that threads have work in small libraries
-// One more thread for every so many files: for fewer, starting it costs what it saves. With a cold
-// cache nearly all of the time is waiting; more threads than these gain nothing there.
-constexpr std::size_t kFilesAThread = 512;
-constexpr std::size_t kMostThreads = 16;
+constexpr std::size_t kFewestFiles = 512;        // for fewer, starting a thread costs what it saves
+constexpr unsigned kMostThreads = 16;            // more gain nothing, also where all is waiting
 constexpr unsigned kDescriptorsAThread = 2;
 
 OSErr readBytes(const SystemCalls& calls, int descriptor, std::int64_t size, char* buffer,
@@ -55,6 +54,16 @@ FileStart readFile(const SystemCalls& calls, int folder, const char* path, std::
   start.size = got < FileStart::kMost ? static_cast<std::int64_t>(got) : file.size;
   start.closed = closeFile(calls, file.descriptor);
   return start;
+}
+
+// How often this thread has given its processor up to wait for something, where the system tells;
+// elsewhere there is never more than a thread for each processor.
+long waits() {
+#if defined(RUSAGE_THREAD)
+  struct rusage usage;
+  if (::getrusage(RUSAGE_THREAD, &usage) == 0) return usage.ru_nvcsw;
+#endif
+  return 0;
 }
 
 // How many threads may share one table of descriptors and leave room for everybody else.
@@ -152,11 +161,12 @@ class FileReading::Readers {
       thread.join();
   }
 
-  std::size_t threads() const { return _threads.size(); }
+  bool haveThreads() const { return !_threads.empty(); }
 
-  /// Sees to it that there are so many threads, or as many as the system allows.
-  void setThreads(std::size_t count) {
-    if (_isRefused || count <= _threads.size()) return;
+  /// Starts a thread if there are to be more than there are.
+  void startThread() {
+    const std::optional<unsigned>& forced = host().readers;
+    if (_isRefused || _threads.size() >= (forced ? *forced : _wanted.load())) return;
     // Signals are for the thread that the program runs in, which may be holding them back.
     sigset_t all, before;
     sigfillset(&all);
@@ -177,40 +187,60 @@ class FileReading::Readers {
     _work.notify_one();
   }
 
-  /// Returns once the batch is read: by the thread that has taken it, or here if none has.
+  /// Returns once the batch is read. As long as another thread is at it, there is work here too.
   void finish(Batch& batch) {
-    {
-      std::unique_lock lock(_mutex);
-      if (batch.isTaken) return _read.wait(lock, [&batch] { return batch.isRead; });
+    std::unique_lock lock(_mutex);
+    if (!batch.isTaken && !batch.isRead) {
       std::erase(_waiting, &batch);
+      lock.unlock();
+      return read(batch);
     }
-    batch.read(_calls);
+    while (!batch.isRead) {
+      if (_waiting.empty()) {
+        _read.wait(lock);
+      } else {
+        readNext(lock);
+      }
+    }
   }
 
  private:
+  // Two threads that open and close files in one table of descriptors wait for each other.
   void run() noexcept {
-    // Threads that open and close files in one table of descriptors wait for one another.
     const bool isSharing = _calls.ownDescriptors() != 0;
     std::unique_lock lock(_mutex);
     if (isSharing && ++_sharing > mostSharing()) return;
     for (;;) {
       _work.wait(lock, [this] { return _isStopping || !_waiting.empty(); });
       if (_isStopping) return;
-      Batch& batch = *_waiting.front();
-      _waiting.pop_front();
-      batch.isTaken = true;
-      lock.unlock();
-      batch.read(_calls);
-      lock.lock();
-      batch.isRead = true;
+      readNext(lock);
       _read.notify_one();
     }
+  }
+
+  void readNext(std::unique_lock<std::mutex>& lock) noexcept {
+    Batch& batch = *_waiting.front();
+    _waiting.pop_front();
+    batch.isTaken = true;
+    lock.unlock();
+    read(batch);
+    lock.lock();
+    batch.isRead = true;
+  }
+
+  // One thread for each processor does, as long as they need not wait for the files.
+  void read(Batch& batch) noexcept {
+    const long before = waits();
+    batch.read(_calls);
+    const auto waited = static_cast<std::size_t>(waits() - before);
+    if (waited > batch.files.size() / 2 && _wanted < kMostThreads) ++_wanted;
   }
 
   const SystemCalls& _calls = host().calls;
   std::mutex _mutex;
   std::condition_variable _work, _read;
   std::deque<Batch*> _waiting;
+  std::atomic<unsigned> _wanted = std::max(std::thread::hardware_concurrency(), 1u) - 1;
   unsigned _sharing = 0;
   bool _isStopping = false;
   bool _isRefused = false;
@@ -229,10 +259,9 @@ void FileReading::add(const FSRef& file) {
     _filling = _batches.back().get();
   }
   _filling->add(file);
-  ++_added;
-  const std::optional<unsigned>& forced = host().readers;
-  _readers->setThreads(forced ? *forced : std::min(_added / kFilesAThread, kMostThreads));
-  if (_filling->files.size() == (forced ? kFilesInAForcedBatch : kFilesInABatch)) {
+  const bool isForced = host().readers.has_value();
+  if (++_added >= kFewestFiles || isForced) _readers->startThread();
+  if (_filling->files.size() == (isForced ? kFilesInAForcedBatch : kFilesInABatch)) {
     _readers->give(*std::exchange(_filling, nullptr));
   }
 }
@@ -251,7 +280,7 @@ FileStart FileReading::next() {
   }
   const Batch::File& file = batch.files[_handed_over++];
   // Too many files open at a time is nothing that the library should be told of.
-  if (file.start.opened == tmfoErr && _readers->threads() > 0) {
+  if (file.start.opened == tmfoErr && _readers->haveThreads()) {
     return readFileStart(file.ref, fsRdWrPerm, _buffer);
   }
   return file.start;
