@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
+#include <sched.h>
 #include <signal.h>
 #include <string>
 #include <sys/resource.h>
@@ -64,6 +65,17 @@ long waits() {
   if (::getrusage(RUSAGE_THREAD, &usage) == 0) return usage.ru_nvcsw;
 #endif
   return 0;
+}
+
+// How many processors this process may run on.
+unsigned processors() {
+#if defined(__linux__)
+  cpu_set_t allowed;
+  if (::sched_getaffinity(0, sizeof allowed, &allowed) == 0) {
+    return static_cast<unsigned>(CPU_COUNT(&allowed));
+  }
+#endif
+  return std::max(std::thread::hardware_concurrency(), 1u);
 }
 
 // How many threads may share one table of descriptors and leave room for everybody else.
@@ -240,7 +252,7 @@ class FileReading::Readers {
   std::mutex _mutex;
   std::condition_variable _work, _read;
   std::deque<Batch*> _waiting;
-  std::atomic<unsigned> _wanted = std::max(std::thread::hardware_concurrency(), 1u) - 1;
+  std::atomic<unsigned> _wanted = processors() - 1;
   unsigned _sharing = 0;
   bool _isStopping = false;
   bool _isRefused = false;
