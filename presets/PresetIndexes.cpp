@@ -1,19 +1,13 @@
 #include "presets/PresetIndexes.h"
 
+#include <bit>
+
 #include "host/text/PascalStrings.h"
 #include "presets/LimbWalk.h"
 #include "presets/Preset.h"
 #include "presets/PresetList.h"
 
 namespace cairnset {
-
-std::size_t PresetIndexes::HashOfName::operator()(const char* name) const {
-  return fncmpHash(name);
-}
-
-bool PresetIndexes::SameName::operator()(const char* a, const char* b) const {
-  return fncmp(a, b) == 0;
-}
 
 void PresetIndexes::bringUpToDate() {
   if (_revision == _list.revision()) return;
@@ -23,13 +17,29 @@ void PresetIndexes::bringUpToDate() {
   _revision = _list.revision();
 }
 
-// What stands first in the list is put in first, and stays.
-void PresetIndexes::put(ByName& index, Preset* preset) const {
-  const char* name = preset->getTreeItemName();
-  index.try_emplace(name != nullptr ? name : "", preset);
+// The slot that the name is in, or the empty one where it would be put.
+PresetIndexes::NameSlot& PresetIndexes::slotOf(const char* name, std::uint32_t hash) {
+  std::vector<NameSlot>& slots = _by_name.slots;
+  std::size_t slot = hash & (slots.size() - 1);
+  while (slots[slot].preset != nullptr &&
+         (slots[slot].hash != hash || fncmp(slots[slot].name, name) != 0)) {
+    slot = (slot + 1) & (slots.size() - 1);
+  }
+  return slots[slot];
 }
 
-void PresetIndexes::put(std::vector<Preset*>& index, Preset* preset) const {
+// What stands first in the list is put in first, and stays.
+void PresetIndexes::putByName(Preset* preset) {
+  if (preset == nullptr) return;
+  const char* own = preset->getTreeItemName();
+  const char* name = own != nullptr ? own : "";
+  const std::uint32_t hash = fncmpHash(name);
+  NameSlot& slot = slotOf(name, hash);
+  if (slot.preset == nullptr) slot = {hash, preset, name};
+}
+
+void PresetIndexes::putByFile(Preset* preset) {
+  std::vector<Preset*>& index = _by_file.presets;
   const std::size_t node = preset->fileRef().node;
   if (node >= index.size()) index.resize(node + 1, nullptr);
   if (index[node] == nullptr) index[node] = preset;
@@ -39,13 +49,11 @@ Preset* PresetIndexes::presetNamed(const char* name) {
   bringUpToDate();
   if (!_by_name.isMade) {
     _by_name.isMade = true;
-    _by_name.presets.reserve(static_cast<std::size_t>(_list.count()));
-    for (Preset* preset : _list.presets()) {
-      if (preset != nullptr) put(_by_name.presets, preset);
-    }
+    _by_name.slots.resize(std::bit_ceil(static_cast<std::size_t>(_list.count()) * 2 + 1));
+    for (Preset* preset : _list.presets())
+      putByName(preset);
   }
-  const auto found = _by_name.presets.find(name);
-  return found != _by_name.presets.end() ? found->second : nullptr;
+  return slotOf(name, fncmpHash(name)).preset;
 }
 
 Preset* PresetIndexes::presetOf(const FSRef& file) {
@@ -55,7 +63,7 @@ Preset* PresetIndexes::presetOf(const FSRef& file) {
     for (Preset* preset : _list.presets()) {
       _by_file.endsAtNull = preset == nullptr;
       if (preset == nullptr) break;
-      put(_by_file.presets, preset);
+      putByFile(preset);
     }
   }
   const bool isKnown = file.node != 0 && file.node < _by_file.presets.size();
@@ -75,8 +83,8 @@ TreeLimb* PresetIndexes::limbWithID(unsigned long id) {
 }
 
 void PresetIndexes::add(Preset* preset) {
-  if (_by_name.isMade) put(_by_name.presets, preset);
-  if (_by_file.isMade && !_by_file.endsAtNull) put(_by_file.presets, preset);
+  _by_name = {};
+  if (_by_file.isMade && !_by_file.endsAtNull) putByFile(preset);
   _revision = _list.revision();
 }
 

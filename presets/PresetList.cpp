@@ -267,16 +267,28 @@ OSStatus PresetList::saveMissingPresets() {
 // --- Loading -------------------------------------------------------------------------------------
 
 void PresetList::openPresets() {
+  PresetLoading loading;
+  addTo(loading);
+  openPresets(loading);
+}
+
+void PresetList::addTo(PresetLoading& loading) {
+  if (_confirmed) loading.add(*this, _root_folder, *this);
+}
+
+void PresetList::openPresets(PresetLoading& loading) {
   if (!_confirmed) return;
   setSpec(_root_folder);
   // Of a folder that could not be listed nobody knows whether a "Default" lies in it, and making
   // one would write over it.
-  if (loadFolder(*this, _root_folder, *this).listed == noErr) makeSureOfDefault(*this);
+  if (loading.build().listed == noErr) makeSureOfDefault(*this);
   reorderPresets();
 }
 
 OSStatus PresetList::openPresetsRecursively(const FSRef& folder, PresetLimb* limb) {
-  return loadFolder(*this, folder, *limb).status;
+  PresetLoading loading;
+  loading.add(*this, folder, *limb);
+  return loading.build().status;
 }
 
 void PresetList::reorderPresets() {

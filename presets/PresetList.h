@@ -10,6 +10,7 @@
 namespace cairnset {
 
 class Preset;
+class PresetLoading;
 class PresetManager;
 struct FileStart;
 
@@ -127,6 +128,9 @@ class PresetList : public PtrManager, public PresetLimb {
   /// Reads all presets of the kind below the root folder, sees to the "Default" preset, and orders
   /// the list. Presets that are there already stay as they are.
   void openPresets();
+  /// The same in two steps, for several lists that are loaded together: add each, then open each.
+  void addTo(PresetLoading& loading);
+  void openPresets(PresetLoading& loading);
   /// Reads one folder and all below it into `limb`.
   OSStatus openPresetsRecursively(const FSRef& folder, PresetLimb* limb);
   /// ROM presets first, each group by ascending index, equal ones as an exchange sort leaves

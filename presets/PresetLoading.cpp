@@ -1,14 +1,10 @@
 #include "presets/PresetLoading.h"
 
-#include <deque>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "host/files/FileManager.h"
-#include "host/files/FileReading.h"
 #include "host/files/FileSystemHelpers.h"
-#include "host/files/FolderWalk.h"
 #include "host/text/PascalStrings.h"
 #include "presets/Preset.h"
 #include "presets/PresetList.h"
@@ -85,27 +81,50 @@ Preset* findDefault(const PresetList& list) {
 
 }  // namespace
 
-LoadResult loadFolder(PresetList& list, const FSRef& folder, PresetLimb& limb) {
-  FolderWalk walk(folder);
-  LoadResult result{walk.listed(), walk.listed()};
-  FileReading reading;
-  Building building(list, limb);
-  std::deque<FolderWalk::Item> ahead;  // found, and not yet built
-  for (auto item = walk.next(); item || !ahead.empty();) {
-    if (item && ahead.size() < FileReading::kMostAhead) {
-      if (!item->isFolder) reading.add(item->ref);
-      ahead.push_back(*item);
-      item = walk.next();
-      continue;
+void PresetLoading::add(PresetList& list, const FSRef& folder, PresetLimb& limb) {
+  _folders.push_back({&list, folder, &limb});
+}
+
+// Finds one thing more; false where there is nothing left.
+bool PresetLoading::walkOn() {
+  for (;;) {
+    if (!_walk) {
+      if (_walked == _folders.size()) return false;
+      const FSRef& top = _folders[_walked++].ref;
+      _walk.emplace(top);
+      _ahead.push_back({true, {top, true, 0, _walk->listed()}});
+      return true;
     }
-    const FolderWalk::Item next = ahead.front();
-    ahead.pop_front();
-    if (next.isFolder) {
-      building.addFolder(next);
-      result.status = next.listed;
+    if (const auto item = _walk->next()) {
+      if (!item->isFolder) _reading.add(item->ref);
+      _ahead.push_back({false, *item});
+      return true;
+    }
+    _walk.reset();
+  }
+}
+
+void PresetLoading::walkAhead() {
+  while (_ahead.size() < FileReading::kMostAhead && walkOn()) {
+  }
+}
+
+PresetLoading::Result PresetLoading::build() {
+  const Folder& folder = _folders[_built++];
+  walkAhead();
+  const OSErr listed = _ahead.front().item.listed;
+  _ahead.pop_front();
+  Result result{listed, listed};
+  Building building(*folder.list, *folder.limb);
+  for (walkAhead(); !_ahead.empty() && !_ahead.front().isTop; walkAhead()) {
+    const FolderWalk::Item item = _ahead.front().item;
+    _ahead.pop_front();
+    if (item.isFolder) {
+      building.addFolder(item);
+      result.status = item.listed;
     } else {
-      const FileStart start = reading.next();
-      openIfOfThisKind(list, next.ref, start);
+      const FileStart start = _reading.next();
+      openIfOfThisKind(*folder.list, item.ref, start);
       if (start.opened == noErr) result.status = start.closed;
     }
   }

@@ -6,6 +6,7 @@
 #include "host/files/FileReading.h"
 #include "host/files/FileSystemHelpers.h"
 #include "host/preferences/BrumePrefs.h"
+#include "presets/PresetLoading.h"
 
 namespace cairnset {
 
@@ -67,7 +68,7 @@ void PresetManager::openAllPresets(BrumePrefs* prefs) {
   openAllPresetsOfType(kAllKinds);
 }
 
-void PresetManager::openKind(PresetList& list, const char* folder, bool hasUserFolder) {
+void PresetManager::findFolders(PresetList& list, const char* folder, bool hasUserFolder) {
   // A folder that could be neither found nor made is no place at all, and leaves the list
   // unconfirmed: it must never work on another kind's folder instead.
   FSRef root, user;
@@ -79,14 +80,26 @@ void PresetManager::openKind(PresetList& list, const char* folder, bool hasUserF
     user = root;
   }
   list.setUserFolder(user);
-  list.openPresets();
 }
 
 void PresetManager::openAllPresetsOfType(long kind) {
-  if (isAsked(kind, kVelocityMapKind)) openKind(velocityMaps(), "Velocity Maps", true);
-  if (isAsked(kind, kEffectsKind)) openKind(effects(), "Effects", true);
-  if (isAsked(kind, kProgramKind)) openKind(programs(), "Programs", true);
-  if (isAsked(kind, kSessionKind)) openKind(sessions(), "Sessions", false);
+  const struct {
+    PresetList& list;
+    const char* folder;
+    bool hasUserFolder;
+  } kinds[] = {{velocityMaps(), "Velocity Maps", true},
+               {effects(), "Effects", true},
+               {programs(), "Programs", true},
+               {sessions(), "Sessions", false}};
+  PresetLoading loading;
+  for (const auto& [list, folder, hasUserFolder] : kinds) {
+    if (!isAsked(kind, list.getPresetType())) continue;
+    findFolders(list, folder, hasUserFolder);
+    list.addTo(loading);
+  }
+  for (const auto& each : kinds) {
+    if (isAsked(kind, each.list.getPresetType())) each.list.openPresets(loading);
+  }
 }
 
 OSStatus PresetManager::openTopLevelPresets(long kind) {

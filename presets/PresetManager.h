@@ -78,7 +78,7 @@ class PresetManager : public VelocityMapPresetList,
   static std::int32_t _count;
 
  private:
-  void openKind(PresetList& list, const char* folder, bool hasUserFolder);
+  void findFolders(PresetList& list, const char* folder, bool hasUserFolder);
 
   FSRef _presets_folder;
   [[maybe_unused]] BrumeSynth* _synth;
