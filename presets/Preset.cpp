@@ -159,11 +159,12 @@ void Preset::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const 
 }
 
 void Preset::appendTreeItemInfo(std::string& text, const std::ostream& os, const char* name) const {
-  char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof digits, getTreeItemIndex()).ptr;
-  text.append(static_cast<std::size_t>(std::max<std::ptrdiff_t>(3 - (end - digits), 0)), ' ');
-  text.append(digits, end).append(1, ' ').append(getTreeItemTypeName());
-  text.append(isROM() ? " ROM  \"" : "      \"");
+  char number[3 + 24] = "   ";
+  char* end = std::to_chars(number + 3, std::end(number), getTreeItemIndex()).ptr;
+  const char* const start = std::min(end - 3, number + 3);  // right-aligned in three columns
+  *end++ = ' ';
+  text.append(start, static_cast<std::size_t>(end - start)).append(getTreeItemTypeName());
+  text.append(isROM() ? " ROM  \"" : "      \"", 7);
   if (name == nullptr) name = getTreeItemName();
   if (name != nullptr) appendHeldName(text, os, name);
   text += '"';

@@ -28,6 +28,10 @@ PresetIndexes::NameSlot& PresetIndexes::slotOf(const char* name, std::uint32_t h
   return slots[slot];
 }
 
+bool PresetIndexes::isRoomForNames() const {
+  return static_cast<std::size_t>(_list.count()) * 5 < _by_name.slots.size() * 4;
+}
+
 // What stands first in the list is put in first, and stays.
 void PresetIndexes::putByName(Preset* preset) {
   if (preset == nullptr) return;
@@ -83,7 +87,7 @@ TreeLimb* PresetIndexes::limbWithID(unsigned long id) {
 }
 
 void PresetIndexes::add(Preset* preset) {
-  _by_name = {};
+  if (_by_name.isMade) isRoomForNames() ? putByName(preset) : void(_by_name = {});
   if (_by_file.isMade && !_by_file.endsAtNull) putByFile(preset);
   _revision = _list.revision();
 }

@@ -29,7 +29,7 @@ class PresetIndexes {
 
   /// Drops what no longer holds. What is then added, and nothing else, may be said by add().
   void bringUpToDate();
-  /// A preset at the list's end, wherever in the tree. The names are indexed anew when next asked.
+  /// A preset at the list's end, wherever in the tree.
   void add(Preset* preset);
   /// A limb, wherever in the tree.
   void add(TreeLimb* limb);
@@ -44,6 +44,7 @@ class PresetIndexes {
   };
 
   NameSlot& slotOf(const char* name, std::uint32_t hash);
+  bool isRoomForNames() const;
   void putByName(Preset* preset);
   void putByFile(Preset* preset);
 

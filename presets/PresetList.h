@@ -144,6 +144,7 @@ class PresetList : public PtrManager, public PresetLimb {
   void destroyWithFile(Preset* preset);
 
  private:
+  void destroyPresets();
   template <typename Lies>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
                          Lies lies) const;

@@ -58,13 +58,12 @@ std::optional<unsigned char> macRomanFromUnicode(char32_t character) {
 }
 
 void appendUtf8FromMacRoman(std::string_view text, std::string& out) {
-  while (!text.empty()) {
-    const auto ascii = std::find_if(text.begin(), text.end(),
-                                    [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-    out.append(text.begin(), ascii);
-    if (ascii == text.end()) break;
-    appendUtf8(unicodeFromMacRoman(static_cast<unsigned char>(*ascii)), out);
-    text.remove_prefix(static_cast<std::size_t>(ascii + 1 - text.begin()));
+  for (;;) {
+    const std::size_t ascii = asciiLength(text);
+    out.append(text.data(), ascii);
+    if (ascii == text.size()) break;
+    appendUtf8(unicodeFromMacRoman(static_cast<unsigned char>(text[ascii])), out);
+    text.remove_prefix(ascii + 1);
   }
 }
 

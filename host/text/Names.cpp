@@ -25,13 +25,12 @@ constexpr bool isAscii(char c) {
 template <typename Plain, typename Other>
 void takeInPieces(std::string_view name, Plain plain, Other other) {
   while (!name.empty()) {
-    const auto beyond = std::find_if_not(name.begin(), name.end(), isAscii);
-    const auto end = std::find_if(beyond, name.end(), isAscii);
-    const bool isPlain = beyond == name.end();
-    const auto count = static_cast<std::size_t>(beyond - name.begin()) -
-                       (isPlain || beyond == name.begin() ? 0 : 1);
+    const std::size_t ascii = asciiLength(name);
+    if (ascii == name.size()) return plain(name);
+    const std::size_t count = ascii - (ascii > 0 ? 1 : 0);
     plain(name.substr(0, count));
-    if (isPlain) return;
+    const auto end =
+        std::find_if(name.begin() + static_cast<std::ptrdiff_t>(ascii), name.end(), isAscii);
     const auto taken = static_cast<std::size_t>(end - name.begin());
     other(name.substr(count, taken - count));
     name.remove_prefix(taken);

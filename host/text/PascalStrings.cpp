@@ -126,10 +126,16 @@ int fncmp(const char* a, const char* b) {
 }
 
 std::uint32_t fncmpHash(const char* name) {
-  std::uint64_t hash = 0xCBF29CE484222325u;
-  for (std::size_t i = 0; i < kMostCharacters && name[i] != '\0'; ++i)
-    hash = (hash ^ upper(name[i])) * 0x100000001B3u;
-  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+  std::uint64_t hash = 0;
+  for (std::size_t i = 0; i < kMostCharacters && name[i] != '\0';) {
+    std::uint64_t eight = 0;
+    do
+      eight = eight << 8 | upper(name[i++]);
+    while (i % 8 != 0 && i < kMostCharacters && name[i] != '\0');
+    hash = (hash ^ eight) * 0x9E3779B97F4A7C15u;
+    hash ^= hash >> 32;
+  }
+  return static_cast<std::uint32_t>(hash);
 }
 
 }  // namespace cairnset

@@ -1,8 +1,21 @@
 #include "host/text/Utf8.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace cairnset {
+
+std::size_t asciiLength(std::string_view text) {
+  std::size_t length = 0;
+  for (std::uint64_t eight = 0; length + sizeof eight <= text.size(); length += sizeof eight) {
+    std::memcpy(&eight, text.data() + length, sizeof eight);
+    if ((eight & 0x8080808080808080u) != 0) break;
+  }
+  while (length < text.size() && static_cast<unsigned char>(text[length]) < 0x80)
+    ++length;
+  return length;
+}
 
 void appendUtf8(char32_t character, std::string& out) {
   const auto trailing = [&](int shift) {

@@ -1,10 +1,15 @@
 // UTF-8, one character at a time.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace cairnset {
+
+/// How many ASCII characters the text begins with. Nearly all names are nothing else, so that this
+/// looks at eight of them at a time.
+std::size_t asciiLength(std::string_view text);
 
 /// Appends a character as 1 to 4 bytes. A surrogate is written like any other character below
 /// U+10000, as 3 bytes; what is to be valid UTF-8 must hold none.
