@@ -174,6 +174,7 @@ void count(Calls&... counted) {
 // Noise-free, and so the gate against a step that has become quadratic or asks the disk twice.
 // readdir is left out: how many names one call brings is the system's affair.
 TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
+  host().readers = std::nullopt;
   load();
   SystemCalls& s = host().calls;
   count(s.open, s.close, s.fstat, s.pread, s.pwrite, s.lstat, s.mkdir, s.renameNoReplace, s.unlink,
