@@ -21,6 +21,7 @@ namespace {
 
 constexpr long kBlockSize = 128;
 constexpr long kNameField = 64;
+constexpr long kReserved = 8;
 constexpr unsigned long kNameSize = 240;  // names are cut to this many bytes, NUL included
 
 using FileName = char[kNameSize];
@@ -89,7 +90,6 @@ Preset::Preset(const Preset& source, const unsigned char* newName, long /*kind*/
 }
 
 Preset::~Preset() {
-  delete _flat_file;
   close();
   if (_delete_on_destroy) FSDeleteObject(&_file_ref);
 }
@@ -324,9 +324,7 @@ void Preset::fillVirtualFile(VirtualFile& file) const {
   writeField(file, static_cast<std::uint32_t>(getPresetType()));
   writeField(file, kSizeNotYetKnown);
   file.writeStringAndPad(getTreeItemName(), kNameField);
-  writeField(file, _reserved1);
-  writeField(file, _reserved2);
-  writeField(file, _reserved3);
+  file.writeZeroes(kReserved);
   writeField(file, _rom);
   writeField(file, _index);
   fillVirtualFileData(file);
@@ -349,15 +347,8 @@ long Preset::extractImage(VirtualFile& file, std::int64_t size) {
   if (kind != static_cast<std::uint32_t>(getPresetType())) return _status = kWrongKind;
   constexpr std::int64_t kMostSize = VirtualFile::kMaxContent;  // such a file is not loaded whole
   if (size != statedSize || size > kMostSize) return _status = kWrongSize;
-  char name[kNameField] = {};
-  readField(file, name);
-  readField(file, _reserved1);
-  readField(file, _reserved2);
-  readField(file, _reserved3);
-  // Nothing is known of what a file may hold there, so none of it is carried on.
-  _reserved1 = 0;
-  _reserved2 = 0;
-  _reserved3 = 0;
+  // Nothing is known of what a file may hold in the reserved bytes, so none of it is carried on.
+  file.seekg(kNameField + kReserved, from_current);
   readField(file, _rom);
   readField(file, _index);
   _file_index = _index;
@@ -365,8 +356,7 @@ long Preset::extractImage(VirtualFile& file, std::int64_t size) {
 }
 
 long Preset::getFlattenedPreset(char* /*unused*/) {
-  delete _flat_file;
-  _flat_file = new VirtualFile(kBlockSize);
+  _flat_file = std::make_shared<VirtualFile>(kBlockSize);
   fillVirtualFile(*_flat_file);
   return static_cast<long>(_flat_file->size());
 }
@@ -376,9 +366,8 @@ const char* Preset::flattenedData() const {
 }
 
 long Preset::setFlattenedPreset(const char* data, long size) {
-  auto* const image = new VirtualFile(kBlockSize);
+  const auto image = std::make_shared<VirtualFile>(kBlockSize);
   image->write(data, size);  // may be from the image that goes
-  delete _flat_file;
   _flat_file = image;
   _edited = true;
   return extractVirtualFile(*_flat_file);

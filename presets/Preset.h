@@ -17,6 +17,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,7 +57,8 @@ class Preset : public TreeLeaf {
   /// Makes a file for a copy of `source` under the Pascal string `newName`, in `folder` or, where
   /// that is null, beside the source. The copy is RAM and shares its source's index; that is meant.
   Preset(const Preset& source, const unsigned char* newName, long kind, const FSRef* folder);
-  /// Member by member, name and flattened form shared. Of the two, one must never be destroyed.
+  /// Member by member: both have one name and flattened form, until one of them gets another. The
+  /// file must be closed, and be deleted on destruction by neither.
   Preset(const Preset&) = default;
   Preset& operator=(const Preset&) = delete;
   /// Closes the file, and deletes it from the disk where that was asked for.
@@ -170,20 +172,17 @@ class Preset : public TreeLeaf {
   OSErr _status = noErr;
   OSErr _why_never_written = noErr;
   std::int16_t _fork_ref = 0;  // 0 when closed
+  bool _delete_on_destroy = false;
+  bool _edited = false;
   FSRef _file_ref;
   /// A place whose last part is the preset's host name: the file's exact name when this preset was
   /// made. A rename does not change it; that is meant.
   FSRef _cf_name;
   FSRef _parent_ref;  // the folder that the file is, or was, in
-  std::uint16_t _reserved1 = 0;
-  std::uint16_t _reserved2 = 0;
-  std::uint32_t _reserved3 = 0;
-  bool _delete_on_destroy = false;
-  bool _edited = false;
-  std::uint8_t _rom = 0;
   std::int32_t _index = 0;
   std::int32_t _file_index = 0;
-  VirtualFile* _flat_file = nullptr;  // owned
+  std::uint8_t _rom = 0;
+  std::shared_ptr<VirtualFile> _flat_file;  // null until there is one
 };
 
 }  // namespace cairnset

@@ -1,6 +1,7 @@
 #include "presets/TreeItem.h"
 
 #include <cstring>
+#include <new>
 #include <ostream>
 
 #include "host/terminal/ReportText.h"
@@ -10,8 +11,11 @@ namespace cairnset {
 std::uint32_t TreeItem::_current_index = 0;
 unsigned long TreeItem::_changes = 0;
 
-TreeItem::~TreeItem() {
-  freeName();
+TreeItem::SharedName::SharedName(const char* name) {
+  if (name == nullptr) return;
+  const std::size_t size = std::strlen(name) + 1;
+  _owners = ::new (Arena::take(sizeof *_owners + size)) std::uint32_t{1};
+  std::memcpy(_owners + 1, name, size);
 }
 
 void TreeItem::setTreeItemID(unsigned long id) {
@@ -22,21 +26,6 @@ void TreeItem::setTreeItemID(unsigned long id) {
 void TreeItem::setTreeItemName(const char* name) {
   takeTreeItemName(name);
   noteChange();
-}
-
-void TreeItem::takeTreeItemName(const char* name) {
-  char* copy = nullptr;
-  if (name != nullptr) {
-    const std::size_t size = std::strlen(name) + 1;
-    copy = static_cast<char*>(Pool::take(size));
-    std::memcpy(copy, name, size);
-  }
-  freeName();
-  _name = copy;
-}
-
-void TreeItem::freeName() {
-  if (_name != nullptr) Pool::give(_name, std::strlen(_name) + 1);
 }
 
 void TreeItem::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const {

@@ -4,8 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <utility>
 
-#include "storage/Pool.h"
+#include "storage/Arena.h"
 
 namespace cairnset {
 
@@ -19,14 +20,14 @@ class TreeItem {
  public:
   /// Takes the next index; no name, no parent, ID 0.
   explicit TreeItem(TreeItemType type) : _type(type), _index(++_current_index) {}
-  virtual ~TreeItem();
+  virtual ~TreeItem() = default;
   TreeItem& operator=(const TreeItem&) = delete;
 
-  static void* operator new(std::size_t size) { return Pool::take(size); }
-  static void operator delete(void* item, std::size_t size) { Pool::give(item, size); }
+  static void* operator new(std::size_t size) { return Arena::take(size); }
+  static void operator delete(void* item) { Arena::give(item); }
 
   /// The name, Mac Roman for files and folders; null where there is none.
-  virtual const char* getTreeItemName() const { return _name; }
+  virtual const char* getTreeItemName() const { return _name.text(); }
   virtual unsigned long getTreeItemIndex() const { return _index; }
   virtual void setTreeItemID(unsigned long id);
   virtual unsigned long getTreeItemID() const { return _id; }
@@ -49,26 +50,43 @@ class TreeItem {
   static std::uint32_t _current_index;
 
  protected:
-  /// The copy has the index of its source and shares its name. Both would free that name, so one of
-  /// the two must never be destroyed.
+  /// The copy has the index of its source and shares its name, until one of them gets another.
   TreeItem(const TreeItem&) = default;
 
   /// setTreeItemName for constructors: what is not in any tree or list yet changes nothing there.
-  void takeTreeItemName(const char* name);
+  void takeTreeItemName(const char* name) { _name = SharedName(name); }
   static void noteChange() { ++_changes; }
 
  private:
   friend class TreeLimb;
 
-  void freeName();
+  // The characters and how many items share them, in one piece.
+  class SharedName {
+   public:
+    SharedName() = default;
+    explicit SharedName(const char* name);
+    SharedName(const SharedName& other) : _owners(other._owners) {
+      if (_owners != nullptr) ++*_owners;
+    }
+    SharedName& operator=(SharedName other) { return std::swap(_owners, other._owners), *this; }
+    ~SharedName() {
+      if (_owners != nullptr && --*_owners == 0) Arena::give(_owners);
+    }
+    const char* text() const {
+      return _owners != nullptr ? reinterpret_cast<const char*>(_owners + 1) : nullptr;
+    }
+
+   private:
+    std::uint32_t* _owners = nullptr;  // the characters are behind it
+  };
 
   static unsigned long _changes;
 
+  SharedName _name;
+  TreeLimb* _parent = nullptr;
   TreeItemType _type;
-  char* _name = nullptr;
   std::uint32_t _index;
   std::uint32_t _id = 0;
-  TreeLimb* _parent = nullptr;
 };
 
 }  // namespace cairnset

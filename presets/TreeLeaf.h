@@ -8,7 +8,7 @@ namespace cairnset {
 class TreeLeaf : public TreeItem {
  public:
   TreeLeaf() : TreeItem(kTreeLeaf) {}
-  /// Shares the source's name, see TreeItem; only for the member-wise copy of a preset.
+  /// For the member-wise copy of a preset.
   TreeLeaf(const TreeLeaf&) = default;
 
   const char* getTreeItemTypeName() const override { return "File"; }

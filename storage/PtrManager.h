@@ -6,7 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "storage/Pool.h"
+#include "storage/Arena.h"
 
 namespace cairnset {
 
@@ -15,8 +15,8 @@ struct PtrLink {
   void* ptr = nullptr;
   PtrLink* next = nullptr;
 
-  static void* operator new(std::size_t size) { return Pool::take(size); }
-  static void operator delete(void* link, std::size_t size) { Pool::give(link, size); }
+  static void* operator new(std::size_t size) { return Arena::take(size); }
+  static void operator delete(void* link) { Arena::give(link); }
 };
 
 /// The entries of a list from first to last, each as a T*. It is only read, it does not touch the

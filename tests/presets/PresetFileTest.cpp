@@ -162,6 +162,14 @@ TEST_F(PresetFileTest, CopiesShareTheIndexAndAreRAM) {
   const std::string image = imageOf(source);
   source.setFlattenedPreset(source.flattenedData(), static_cast<long>(image.size()));
   EXPECT_EQ(imageOf(source), image);
+  auto first = std::make_unique<ProgramPreset>(source),
+       second = std::make_unique<ProgramPreset>(*first);
+  EXPECT_TRUE(second->getTreeItemName() == source.getTreeItemName() &&
+              second->flattenedData() == source.flattenedData());
+  first.reset();
+  source.setTreeItemName("another");
+  EXPECT_STREQ(second->getTreeItemName(), "p");
+  EXPECT_EQ(std::string(second->flattenedData(), image.size()), image);
 }
 
 TEST(PresetComparison, StepsAndEmptyNames) {
