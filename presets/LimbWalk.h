@@ -18,20 +18,11 @@ class LimbWalk {
 
   /// The next limb, or null at the end.
   TreeLimb* next() {
-    if (_current == nullptr) {
-      if (_top == nullptr) return nullptr;
-      return enter(std::exchange(_top, nullptr));
+    if (_top != nullptr) return enter(std::exchange(_top, nullptr));
+    for (; !_levels.empty(); _levels.pop_back()) {
+      if (_levels.back().next != _levels.back().end) return enter(*_levels.back().next++);
     }
-    while (!_levels.empty()) {
-      Level& level = _levels.back();
-      if (level.next != level.end) {
-        TreeLimb* limb = *level.next;
-        ++level.next;
-        return enter(limb);
-      }
-      _levels.pop_back();
-    }
-    return _current = nullptr;
+    return nullptr;
   }
 
   /// Leaves out all that is below the limb that next() returned.
@@ -49,13 +40,12 @@ class LimbWalk {
   TreeLimb* enter(TreeLimb* limb) {
     const auto limbs = limb->limbs().entriesAs<TreeLimb>();
     _levels.push_back({limbs.begin(), limbs.end()});
-    return _current = limb;
+    return limb;
   }
 
   TreeLimb* _top;
-  TreeLimb* _current = nullptr;
-  std::vector<Level>
-      _levels;  // the child limbs yet to come, of the current limb and of all above it
+  // The child limbs yet to come, of the limb that was returned last and of all above it.
+  std::vector<Level> _levels;
 };
 
 }  // namespace cairnset

@@ -13,51 +13,26 @@ namespace cairnset {
 
 unsigned long TreeLimb::_tree_changes = 0;
 
-// The leaf after the one that was answered last, for as long as nothing has changed.
-class TreeLimb::LeafWalk {
- public:
-  LeafWalk(TreeLimb& top, std::uint32_t cursor)
-      : _limbs(top), _tree_changes(TreeLimb::_tree_changes), _cursor(cursor) {
-    std::uint32_t toPass = cursor;
-    while (nextLimb()) {
-      const auto here = static_cast<std::uint32_t>(_limb->leaves().count());
-      if (toPass < here) break;
-      toPass -= here;
-      _next = _end;
-    }
-    for (; toPass > 0 && _next != _end; --toPass)
-      ++_next;
-  }
-
-  bool standsAt(std::uint32_t cursor) const {
-    return _cursor == cursor && _tree_changes == TreeLimb::_tree_changes;
-  }
+// Where the leaf cursor was when no tree had changed since.
+struct TreeLimb::LeafWalk {
+  explicit LeafWalk(const TreeLimb& top) : limbs(top) {}
 
   TreeLeaf* step() {
-    ++_cursor;
-    while (_limb != nullptr && _next == _end)
-      nextLimb();
-    if (_limb == nullptr) return nullptr;
-    TreeLeaf* leaf = *_next;
-    ++_next;
-    return leaf;
+    ++cursor;
+    while (next == end) {
+      const TreeLimb* limb = limbs.next();
+      if (limb == nullptr) return nullptr;
+      const auto leaves = limb->leaves().entriesAs<TreeLeaf>();
+      next = leaves.begin();
+      end = leaves.end();
+    }
+    return *next++;
   }
 
- private:
-  bool nextLimb() {
-    _limb = _limbs.next();
-    if (_limb == nullptr) return false;
-    const auto leaves = _limb->leaves().entriesAs<TreeLeaf>();
-    _next = leaves.begin();
-    _end = leaves.end();
-    return true;
-  }
-
-  LimbWalk _limbs;
-  TreeLimb* _limb = nullptr;
-  PtrEntries<TreeLeaf>::Iterator _next, _end;
-  unsigned long _tree_changes;
-  std::uint32_t _cursor;
+  LimbWalk limbs;
+  PtrEntries<TreeLeaf>::Iterator next, end;
+  unsigned long treeChanges = _tree_changes;
+  std::uint32_t cursor = 0;
 };
 
 TreeLimb::TreeLimb() : TreeItem(kTreeLimb) {}
@@ -88,13 +63,9 @@ void TreeLimb::addItem(TreeItem* item) {
 
 void TreeLimb::removeItem(TreeItem* item) {
   if (item == nullptr) return;
-  if (item->type() == kTreeLeaf) {
-    _leaves.removePtr(static_cast<TreeLeaf*>(item));
-    ++_tree_changes;
-  } else {
-    _limbs.removePtr(static_cast<TreeLimb*>(item));
-    ++_tree_changes;
-  }
+  if (item->type() == kTreeLeaf) _leaves.removePtr(static_cast<TreeLeaf*>(item));
+  if (item->type() == kTreeLimb) _limbs.removePtr(static_cast<TreeLimb*>(item));
+  ++_tree_changes;
 }
 
 void TreeLimb::removeItemFromParent(TreeItem* item) {
@@ -124,49 +95,32 @@ void TreeLimb::deleteItemsRecursively() {
   ++_tree_changes;
 }
 
-long TreeLimb::countItemsRecursively() const {
-  return countLeafsRecursively() + countLimbsRecursively();
-}
-
-long TreeLimb::countLimbsRecursively() const {
+long TreeLimb::countBelow(PtrManager TreeLimb::*children) const {
   long count = 0;
   LimbWalk walk(*this);
   while (const TreeLimb* limb = walk.next())
-    count += limb->_limbs.count();
-  return count;
-}
-
-long TreeLimb::countLeafsRecursively() const {
-  long count = 0;
-  LimbWalk walk(*this);
-  while (const TreeLimb* limb = walk.next())
-    count += limb->_leaves.count();
+    count += (limb->*children).count();
   return count;
 }
 
 // --- Searches ------------------------------------------------------------------------------------
 
-namespace {
-
-auto hasIndex(unsigned long index) {
+TreeLimb::Matches TreeLimb::hasIndex(unsigned long index) {
   return [index](const TreeItem& item) { return item.getTreeItemIndex() == index; };
 }
 
-auto hasID(unsigned long id) {
+TreeLimb::Matches TreeLimb::hasID(unsigned long id) {
   return [id](const TreeItem& item) { return item.getTreeItemID() == id; };
 }
 
-auto hasName(const char* name) {
+TreeLimb::Matches TreeLimb::hasName(const char* name) {
   return [name](const TreeItem& item) {
     const char* own = item.getTreeItemName();
     return name != nullptr && own != nullptr && std::strcmp(own, name) == 0;
   };
 }
 
-}  // namespace
-
-template <typename Matches>
-TreeLimb* TreeLimb::findLimb(Matches matches) {
+TreeLimb* TreeLimb::findLimb(const Matches& matches) {
   LimbWalk walk(*this);
   while (TreeLimb* limb = walk.next()) {
     if (matches(*limb)) return limb;
@@ -174,8 +128,7 @@ TreeLimb* TreeLimb::findLimb(Matches matches) {
   return nullptr;
 }
 
-template <typename Matches>
-TreeItem* TreeLimb::findItem(Matches matches) {
+TreeItem* TreeLimb::findItem(const Matches& matches) {
   if (matches(*this)) return this;
   LimbWalk walk(*this);
   while (TreeLimb* limb = walk.next()) {
@@ -189,43 +142,14 @@ TreeItem* TreeLimb::findItem(Matches matches) {
   return nullptr;
 }
 
-template <typename Matches>
-TreeLeaf* TreeLimb::findLeaf(Matches matches) {
+TreeLeaf* TreeLimb::findLeaf(const Matches& matches) {
   LimbWalk walk(*this);
-  while (TreeLimb* limb = walk.next()) {
+  while (const TreeLimb* limb = walk.next()) {
     for (TreeLeaf* leaf : limb->_leaves.entriesAs<TreeLeaf>()) {
       if (matches(*leaf)) return leaf;
     }
   }
   return nullptr;
-}
-
-TreeLimb* TreeLimb::findLimbWithIndexRecursively(unsigned long i) {
-  return findLimb(hasIndex(i));
-}
-TreeLimb* TreeLimb::findLimbWithIDRecursively(unsigned long id) {
-  return findLimb(hasID(id));
-}
-TreeLimb* TreeLimb::findLimbWithNameRecursively(const char* n) {
-  return findLimb(hasName(n));
-}
-TreeItem* TreeLimb::findItemWithIndexRecursively(unsigned long i) {
-  return findItem(hasIndex(i));
-}
-TreeItem* TreeLimb::findItemWithIDRecursively(unsigned long id) {
-  return findItem(hasID(id));
-}
-TreeItem* TreeLimb::findItemWithNameRecursively(const char* n) {
-  return findItem(hasName(n));
-}
-TreeLeaf* TreeLimb::findLeafWithIndexRecursively(unsigned long i) {
-  return findLeaf(hasIndex(i));
-}
-TreeLeaf* TreeLimb::findLeafWithIDRecursively(unsigned long id) {
-  return findLeaf(hasID(id));
-}
-TreeLeaf* TreeLimb::findLeafWithNameRecursively(const char* n) {
-  return findLeaf(hasName(n));
 }
 
 // --- Walks ---------------------------------------------------------------------------------------
@@ -241,8 +165,12 @@ bool mayListItself(const TreeLimb& limb) {
 }  // namespace
 
 TreeLeaf* TreeLimb::recursiveLeafIterNext() {
-  if (_leaf_walk == nullptr || !_leaf_walk->standsAt(_leaf_cursor)) {
-    _leaf_walk = std::make_unique<LeafWalk>(*this, _leaf_cursor);
+  if (_leaf_walk == nullptr || _leaf_walk->cursor != _leaf_cursor ||
+      _leaf_walk->treeChanges != _tree_changes) {
+    _leaf_walk = std::make_unique<LeafWalk>(*this);
+    while (_leaf_walk->cursor < _leaf_cursor && _leaf_walk->step() != nullptr) {
+    }
+    _leaf_walk->cursor = _leaf_cursor;
   }
   ++_leaf_cursor;
   return _leaf_walk->step();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 
@@ -44,25 +45,25 @@ class TreeLimb : public TreeItem {
   void deleteItemsRecursively();
 
   /// What is below this limb, at any depth.
-  long countItemsRecursively() const;
-  long countLimbsRecursively() const;
-  long countLeafsRecursively() const;
+  long countItemsRecursively() const { return countLeafsRecursively() + countLimbsRecursively(); }
+  long countLimbsRecursively() const { return countBelow(&TreeLimb::_limbs); }
+  long countLeafsRecursively() const { return countBelow(&TreeLimb::_leaves); }
 
   // --- Searches: the first match, or null. An item without a name matches no name. ---
 
   /// This limb, then its child limbs in order, each with all its own before the next.
-  TreeLimb* findLimbWithIndexRecursively(unsigned long index);
-  TreeLimb* findLimbWithIDRecursively(unsigned long id);
-  TreeLimb* findLimbWithNameRecursively(const char* name);
+  TreeLimb* findLimbWithIndexRecursively(unsigned long index) { return findLimb(hasIndex(index)); }
+  TreeLimb* findLimbWithIDRecursively(unsigned long id) { return findLimb(hasID(id)); }
+  TreeLimb* findLimbWithNameRecursively(const char* name) { return findLimb(hasName(name)); }
   /// This limb, then its direct children (leaves before limbs), then the same in each child limb:
   /// all children of a limb come before any grandchild.
-  TreeItem* findItemWithIndexRecursively(unsigned long index);
-  TreeItem* findItemWithIDRecursively(unsigned long id);
-  TreeItem* findItemWithNameRecursively(const char* name);
+  TreeItem* findItemWithIndexRecursively(unsigned long index) { return findItem(hasIndex(index)); }
+  TreeItem* findItemWithIDRecursively(unsigned long id) { return findItem(hasID(id)); }
+  TreeItem* findItemWithNameRecursively(const char* name) { return findItem(hasName(name)); }
   /// The leaves of this limb, then those of each child limb; never a limb.
-  TreeLeaf* findLeafWithIndexRecursively(unsigned long index);
-  TreeLeaf* findLeafWithIDRecursively(unsigned long id);
-  TreeLeaf* findLeafWithNameRecursively(const char* name);
+  TreeLeaf* findLeafWithIndexRecursively(unsigned long index) { return findLeaf(hasIndex(index)); }
+  TreeLeaf* findLeafWithIDRecursively(unsigned long id) { return findLeaf(hasID(id)); }
+  TreeLeaf* findLeafWithNameRecursively(const char* name) { return findLeaf(hasName(name)); }
 
   // --- The leaf walk ---
 
@@ -81,14 +82,16 @@ class TreeLimb : public TreeItem {
   static unsigned long treeChanges() { return _tree_changes; }
 
  private:
-  class LeafWalk;
+  struct LeafWalk;
+  using Matches = std::function<bool(const TreeItem&)>;
 
-  template <typename Matches>
-  TreeLimb* findLimb(Matches matches);
-  template <typename Matches>
-  TreeItem* findItem(Matches matches);
-  template <typename Matches>
-  TreeLeaf* findLeaf(Matches matches);
+  long countBelow(PtrManager TreeLimb::*children) const;
+  static Matches hasIndex(unsigned long index);
+  static Matches hasID(unsigned long id);
+  static Matches hasName(const char* name);
+  TreeLimb* findLimb(const Matches& matches);
+  TreeItem* findItem(const Matches& matches);
+  TreeLeaf* findLeaf(const Matches& matches);
 
   static unsigned long _tree_changes;
 
