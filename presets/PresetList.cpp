@@ -7,7 +7,6 @@
 #include "host/text/NameConversions.h"
 #include "host/text/PascalStrings.h"
 #include "presets/ExchangeOrder.h"
-#include "presets/Preset.h"
 #include "presets/PresetLoading.h"
 
 namespace cairnset {
@@ -27,21 +26,6 @@ PresetList::~PresetList() {
 }
 
 // --- Folders -------------------------------------------------------------------------------------
-
-bool PresetList::setManager(PresetManager* manager) {
-  _manager = manager;
-  return confirm();
-}
-
-bool PresetList::setRootFolder(const FSRef& folder) {
-  _root_folder = folder;
-  return confirm();
-}
-
-bool PresetList::setUserFolder(const FSRef& folder) {
-  _user_folder = folder;
-  return confirm();
-}
 
 bool PresetList::confirm() {
   _confirmed = FSRefIsValid(_root_folder) == noErr && FSRefIsValid(_user_folder) == noErr &&
@@ -179,102 +163,14 @@ long PresetList::findPresetIndex(const Preset* preset) const {
   return 0;
 }
 
-// --- By position ---------------------------------------------------------------------------------
-
-Preset* PresetList::presetAt(long index) const {
-  return static_cast<Preset*>(getPtrCheckRange(index));
-}
-
-const char* PresetList::getCName(long index) const {
-  const Preset* preset = presetAt(index);
-  return preset != nullptr ? preset->getTreeItemName() : nullptr;
-}
-
-void PresetList::getPresetName(long index, unsigned char* out) const {
-  if (const Preset* preset = presetAt(index); preset != nullptr) preset->getName(out);
-}
-
-void PresetList::getPresetListName(long index, unsigned char* out) const {
-  if (const Preset* preset = presetAt(index); preset != nullptr) {
-    preset->getListName(out);
-  } else {
-    out[0] = 0;
-  }
-}
-
-bool PresetList::isROM(long index) const {
-  const Preset* preset = presetAt(index);
-  return preset != nullptr && preset->isROM();
-}
-
-bool PresetList::isRAM(long index) const {
-  const Preset* preset = presetAt(index);
-  return preset != nullptr && !preset->isROM();
-}
-
-void PresetList::setROM(long index) {
-  if (Preset* preset = presetAt(index); preset != nullptr) preset->setROM(true);
-}
-
-void PresetList::setRAM(long index) {
-  if (Preset* preset = presetAt(index); preset != nullptr) preset->setROM(false);
-}
-
-bool PresetList::getEdited(long index) const {
-  const Preset* preset = presetAt(index);
-  return preset != nullptr && preset->edited();
-}
-
-void PresetList::setEdited(long index, bool edited) {
-  if (Preset* preset = presetAt(index); preset != nullptr) preset->setEdited(edited);
-}
-
-bool PresetList::isDefault(long index) const {
-  const Preset* preset = presetAt(index);
-  return preset != nullptr && preset->isDefault();
-}
-
-OSStatus PresetList::renamePreset(long index, const unsigned char* name) {
-  Preset* preset = presetAt(index);
-  return preset != nullptr ? preset->rename(name) : noErr;
-}
-
-OSStatus PresetList::reloadPreset(long index) {
-  Preset* preset = presetAt(index);
-  return preset != nullptr ? preset->readIn() : noErr;
-}
-
-OSStatus PresetList::savePreset(long index) {
-  Preset* preset = presetAt(index);
-  return preset != nullptr ? preset->writeOut() : noErr;
-}
-
 void PresetList::setCurrentPreset(Preset* preset) {
   _current_preset = preset != nullptr ? preset : findPreset(Preset::_default_preset_name);
 }
 
-// --- Saving --------------------------------------------------------------------------------------
-
-OSStatus PresetList::saveAllPresets() {
+OSStatus PresetList::saveEach(OSErr (Preset::*save)(), bool ramOnly) {
   OSStatus result = noErr;
   for (Preset* preset : presets()) {
-    if (preset != nullptr) result = preset->writeOut();
-  }
-  return result;
-}
-
-OSStatus PresetList::saveAllRAMPresets() {
-  OSStatus result = noErr;
-  for (Preset* preset : presets()) {
-    if (preset != nullptr && !preset->isROM()) result = preset->writeOut();
-  }
-  return result;
-}
-
-OSStatus PresetList::saveMissingPresets() {
-  OSStatus result = noErr;
-  for (Preset* preset : presets()) {
-    if (preset != nullptr) result = preset->writeOutIfDeletedFromDisk();
+    if (preset != nullptr && !(ramOnly && preset->isROM())) result = (preset->*save)();
   }
   return result;
 }

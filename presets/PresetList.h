@@ -1,15 +1,17 @@
 // All presets of one kind: an ordered list of them, and the tree of the folders that they lie in.
 #pragma once
 
+#include <type_traits>
+
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
+#include "presets/Preset.h"
 #include "presets/PresetIndexes.h"
 #include "presets/PresetLimb.h"
 #include "storage/PtrManager.h"
 
 namespace cairnset {
 
-class Preset;
 class PresetLoading;
 class PresetManager;
 struct FileStart;
@@ -32,9 +34,9 @@ class PresetList : public PtrManager, public PresetLimb {
   // --- Folders ---
 
   /// Each answers confirm().
-  bool setManager(PresetManager* manager);
-  bool setRootFolder(const FSRef& folder);
-  bool setUserFolder(const FSRef& folder);
+  bool setManager(PresetManager* manager) { return _manager = manager, confirm(); }
+  bool setRootFolder(const FSRef& folder) { return _root_folder = folder, confirm(); }
+  bool setUserFolder(const FSRef& folder) { return _user_folder = folder, confirm(); }
   void getRootFSSpec(FSRef& out) const { out = _root_folder; }
   void getUserFSSpec(FSRef& out) const { out = _user_folder; }
   /// Looks whether the list may work now, and remembers it.
@@ -80,22 +82,27 @@ class PresetList : public PtrManager, public PresetLimb {
 
   // --- By position: 0, false or null, and nothing done, where no preset stands there ---
 
-  Preset* presetAt(long index) const;
-  const char* getCName(long index) const;
-  void getPresetName(long index, unsigned char* out) const;
+  Preset* presetAt(long index) const { return static_cast<Preset*>(getPtrCheckRange(index)); }
+  const char* getCName(long index) const { return at(index, &Preset::getTreeItemName); }
+  void getPresetName(long index, unsigned char* out) const { at(index, &Preset::getName, out); }
   /// Empty where no preset stands there.
-  void getPresetListName(long index, unsigned char* out) const;
-  bool isROM(long index) const;
-  bool isRAM(long index) const;
+  void getPresetListName(long index, unsigned char* out) const {
+    out[0] = 0;
+    at(index, &Preset::getListName, out);
+  }
+  bool isROM(long index) const { return at(index, &Preset::isROM); }
+  bool isRAM(long index) const { return presetAt(index) != nullptr && !isROM(index); }
   /// In memory only.
-  void setROM(long index);
-  void setRAM(long index);
-  bool getEdited(long index) const;
-  void setEdited(long index, bool edited);
-  bool isDefault(long index) const;
-  OSStatus renamePreset(long index, const unsigned char* name);
-  OSStatus reloadPreset(long index);
-  OSStatus savePreset(long index);
+  void setROM(long index) { at(index, &Preset::setROM, true); }
+  void setRAM(long index) { at(index, &Preset::setROM, false); }
+  bool getEdited(long index) const { return at(index, &Preset::edited); }
+  void setEdited(long index, bool edited) { at(index, &Preset::setEdited, edited); }
+  bool isDefault(long index) const { return at(index, &Preset::isDefault); }
+  OSStatus renamePreset(long index, const unsigned char* name) {
+    return at(index, &Preset::rename, name);
+  }
+  OSStatus reloadPreset(long index) { return at(index, &Preset::readIn); }
+  OSStatus savePreset(long index) { return at(index, &Preset::writeOut); }
 
   Preset* currentPreset() const { return _current_preset; }
   /// Null stands for the preset named "Default", if there is one.
@@ -104,10 +111,10 @@ class PresetList : public PtrManager, public PresetLimb {
 
   // --- Saving: the status of the last preset written ---
 
-  OSStatus saveAllPresets();
-  OSStatus saveAllRAMPresets();
+  OSStatus saveAllPresets() { return saveEach(&Preset::writeOut, false); }
+  OSStatus saveAllRAMPresets() { return saveEach(&Preset::writeOut, true); }
   /// Makes the files of those presets anew that are gone from the disk.
-  OSStatus saveMissingPresets();
+  OSStatus saveMissingPresets() { return saveEach(&Preset::writeOutIfDeletedFromDisk, false); }
 
   // --- What each kind does in its own way ---
 
@@ -144,7 +151,17 @@ class PresetList : public PtrManager, public PresetLimb {
   void destroyWithFile(Preset* preset);
 
  private:
+  // What the preset's operation returns.
+  template <typename Operation, typename... Args>
+  std::invoke_result_t<Operation, Preset&, Args...> at(long index, Operation operation,
+                                                       Args... args) const {
+    Preset* preset = presetAt(index);
+    if (preset == nullptr) return std::invoke_result_t<Operation, Preset&, Args...>();
+    return (preset->*operation)(args...);
+  }
+  OSStatus saveEach(OSErr (Preset::*save)(), bool ramOnly);
   void destroyPresets();
+
   template <typename Lies>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
                          Lies lies) const;

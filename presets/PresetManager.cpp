@@ -7,6 +7,7 @@
 #include "host/files/FileSystemHelpers.h"
 #include "host/preferences/BrumePrefs.h"
 #include "presets/PresetLoading.h"
+#include "presets/PresetReferences.h"
 
 namespace cairnset {
 
@@ -14,9 +15,17 @@ namespace {
 
 constexpr const char* kPresetsFolder = "Presets";
 
-// Whether what is asked for one kind, or for all, is asked for this one.
-bool isAsked(long kind, long own) {
-  return kind == kAllKinds || kind == own;
+const char* folderOf(const PresetList& list) {
+  switch (list.getPresetType()) {
+    case kVelocityMapKind:
+      return "Velocity Maps";
+    case kEffectsKind:
+      return "Effects";
+    case kProgramKind:
+      return "Programs";
+    default:
+      return "Sessions";
+  }
 }
 
 }  // namespace
@@ -38,10 +47,8 @@ PresetManager::PresetManager(const PresetManager& other)
       ProgramPresetList(other),
       SessionPresetList(other),
       _synth(other._synth) {
-  velocityMaps().setManager(this);
-  effects().setManager(this);
-  programs().setManager(this);
-  sessions().setManager(this);
+  for (PresetList* list : listsOf(kAllKinds))
+    list->setManager(this);
   ++_count;
 }
 
@@ -68,42 +75,41 @@ void PresetManager::openAllPresets(BrumePrefs* prefs) {
   openAllPresetsOfType(kAllKinds);
 }
 
-void PresetManager::findFolders(PresetList& list, const char* folder, bool hasUserFolder) {
+std::vector<PresetList*> PresetManager::listsOf(long kind) {
+  std::vector<PresetList*> lists{&velocityMaps(), &effects(), &programs(), &sessions()};
+  std::erase_if(lists, [kind](const PresetList* list) {
+    return kind != kAllKinds && kind != list->getPresetType();
+  });
+  return lists;
+}
+
+void PresetManager::findFolders(PresetList& list) {
   // A folder that could be neither found nor made is no place at all, and leaves the list
   // unconfirmed: it must never work on another kind's folder instead.
   FSRef root, user;
-  PresetList::findFolder(_presets_folder, folder, true, root);
+  PresetList::findFolder(_presets_folder, folderOf(list), true, root);
   list.setRootFolder(root);
-  if (hasUserFolder) {
-    PresetList::findFolder(root, "User", true, user);
-  } else {
+  if (list.getPresetType() == kSessionKind) {
     user = root;
+  } else {
+    PresetList::findFolder(root, "User", true, user);
   }
   list.setUserFolder(user);
 }
 
 void PresetManager::openAllPresetsOfType(long kind) {
-  const struct {
-    PresetList& list;
-    const char* folder;
-    bool hasUserFolder;
-  } kinds[] = {{velocityMaps(), "Velocity Maps", true},
-               {effects(), "Effects", true},
-               {programs(), "Programs", true},
-               {sessions(), "Sessions", false}};
+  const std::vector<PresetList*> lists = listsOf(kind);
   PresetLoading loading;
-  for (const auto& [list, folder, hasUserFolder] : kinds) {
-    if (!isAsked(kind, list.getPresetType())) continue;
-    findFolders(list, folder, hasUserFolder);
-    list.addTo(loading);
+  for (PresetList* list : lists) {
+    findFolders(*list);
+    list->addTo(loading);
   }
-  for (const auto& each : kinds) {
-    if (isAsked(kind, each.list.getPresetType())) each.list.openPresets(loading);
-  }
+  for (PresetList* list : lists)
+    list->openPresets(loading);
 }
 
 OSStatus PresetManager::openTopLevelPresets(long kind) {
-  PresetList* const lists[] = {&velocityMaps(), &effects(), &programs(), &sessions()};
+  const std::vector<PresetList*> lists = listsOf(kind);
   FSIterator iterator = 0;
   FSOpenIterator(&_presets_folder, 0, &iterator);
   FSRef file;
@@ -113,46 +119,28 @@ OSStatus PresetManager::openTopLevelPresets(long kind) {
     const FileStart start = readFileStart(file, fsRdPerm, buffer);
     const auto fileKind = Preset::kindOf(start.bytes);
     for (PresetList* list : lists) {
-      const long own = list->getPresetType();
-      if (isAsked(kind, own) && fileKind == static_cast<std::uint32_t>(own))
+      if (fileKind == static_cast<std::uint32_t>(list->getPresetType()))
         list->openPreset(file, &start);
     }
   }
   return FSCloseIterator(iterator);
 }
 
-OSStatus PresetManager::synchronizeVelocityMapList() {
-  openAllPresetsOfType(kVelocityMapKind);
-  return velocityMaps().saveMissingPresets();
-}
-
-OSStatus PresetManager::synchronizeEffectsList() {
-  openAllPresetsOfType(kEffectsKind);
-  return effects().saveMissingPresets();
-}
-
-OSStatus PresetManager::synchronizeProgramList() {
-  openAllPresetsOfType(kProgramKind);
-  return programs().saveMissingPresets();
-}
-
-OSStatus PresetManager::synchronizeSessionList() {
-  openAllPresetsOfType(kSessionKind);
-  return sessions().saveMissingPresets();
+OSStatus PresetManager::synchronize(PresetList& list) {
+  openAllPresetsOfType(list.getPresetType());
+  return list.saveMissingPresets();
 }
 
 void PresetManager::synchronizePresetList(long kind) {
-  if (isAsked(kind, kVelocityMapKind)) synchronizeVelocityMapList();
-  if (isAsked(kind, kEffectsKind)) synchronizeEffectsList();
-  if (isAsked(kind, kProgramKind)) synchronizeProgramList();
-  if (isAsked(kind, kSessionKind)) synchronizeSessionList();
+  for (PresetList* list : listsOf(kind))
+    synchronize(*list);
 }
 
 OSStatus PresetManager::saveAllPresets() {
-  velocityMaps().saveAllPresets();
-  effects().saveAllPresets();
-  programs().saveAllPresets();
-  return sessions().saveAllPresets();
+  OSStatus result = noErr;
+  for (PresetList* list : listsOf(kAllKinds))
+    result = list->saveAllPresets();
+  return result;
 }
 
 OSStatus PresetManager::sortAllForBrowser() {
@@ -162,21 +150,17 @@ OSStatus PresetManager::sortAllForBrowser() {
 }
 
 void PresetManager::debugCheckDependencies() {
-  SessionPresetList& sessionList = sessions();
-  sessionList.iterReset();
-  while (const void* entry = sessionList.iterNext()) {
-    const auto& fields =
-        static_cast<const SessionPreset*>(static_cast<const Preset*>(entry))->fields;
-    (void)velocityMaps().findPreset(std::string(nameInField(fields.velocityMapName)).c_str());
-    (void)programs().findPreset(std::string(nameInField(fields.programName)).c_str());
-  }
-  ProgramPresetList& programList = programs();
-  programList.iterReset();
-  while (const void* entry = programList.iterNext()) {
-    const auto& fields =
-        static_cast<const ProgramPreset*>(static_cast<const Preset*>(entry))->fields;
-    (void)effects().findPreset(std::string(nameInField(fields.effectsName)).c_str());
-  }
+  const auto lookUp = [](PresetList& referrers, const PresetReference& reference,
+                         const PresetList& referred) {
+    referrers.iterReset();
+    while (const void* entry = referrers.iterNext()) {
+      const std::string name(reference.name(*static_cast<const Preset*>(entry)));
+      (void)referred.findPreset(name.c_str());
+    }
+  };
+  lookUp(sessions(), kSessionVelocityMapReference, velocityMaps());
+  lookUp(sessions(), kSessionProgramReference, programs());
+  lookUp(programs(), kProgramEffectsReference, effects());
 }
 
 }  // namespace cairnset

@@ -13,6 +13,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "host/HostTypes.h"
 #include "presets/EffectsPresetList.h"
@@ -60,10 +61,10 @@ class PresetManager : public VelocityMapPresetList,
   OSStatus openTopLevelPresets(long kind);
 
   /// Load what is new on disk, and write what is gone from it.
-  OSStatus synchronizeVelocityMapList();
-  OSStatus synchronizeEffectsList();
-  OSStatus synchronizeProgramList();
-  OSStatus synchronizeSessionList();
+  OSStatus synchronizeVelocityMapList() { return synchronize(velocityMaps()); }
+  OSStatus synchronizeEffectsList() { return synchronize(effects()); }
+  OSStatus synchronizeProgramList() { return synchronize(programs()); }
+  OSStatus synchronizeSessionList() { return synchronize(sessions()); }
   /// The same by kind code; kAllKinds for all four in this order, nothing for any other code.
   void synchronizePresetList(long kind);
 
@@ -78,7 +79,10 @@ class PresetManager : public VelocityMapPresetList,
   static std::int32_t _count;
 
  private:
-  void findFolders(PresetList& list, const char* folder, bool hasUserFolder);
+  // Those of a kind, or of all for kAllKinds, in the order in which they are loaded.
+  std::vector<PresetList*> listsOf(long kind);
+  void findFolders(PresetList& list);
+  OSStatus synchronize(PresetList& list);
 
   FSRef _presets_folder;
   [[maybe_unused]] BrumeSynth* _synth;
