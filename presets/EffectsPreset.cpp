@@ -14,31 +14,25 @@ float quantisedDefault(ParamTag tag) {
 
 }  // namespace
 
-EffectsPreset::EffectsPreset(const FSRef& ref, const char* name, bool create)
-    : PresetOfKind(ref, name, create) {
-  if (!create) return;
-  fields.eqOn = static_cast<std::uint8_t>(Param_Defaults[kParamEQEnable]);
-  fields.chorusOn = static_cast<std::uint8_t>(Param_Defaults[kParamChorusEnable]);
-  fields.ambienceOn = static_cast<std::uint8_t>(Param_Defaults[kParamAmbienceEnable]);
-  fields.highShelfFrequency = quantisedDefault(kParamEQHighShelfFrequency);
-  fields.lowShelfFrequency = quantisedDefault(kParamEQLowShelfFrequency);
-  fields.highShelfGain = Param_Defaults[kParamEQHighShelfGain];
-  fields.lowShelfGain = Param_Defaults[kParamEQLowShelfGain];
-  fields.chorusWetDry = Param_Defaults[kParamChorusWetDry];
-  fields.chorusDelay = Param_Defaults[kParamChorusDelay];
-  fields.chorusDetune = Param_Defaults[kParamChorusDetune];
-  fields.chorusFeedback = Param_Defaults[kParamChorusFeedback];
-  fields.chorusRate = Param_Defaults[kParamChorusRate];
-  fields.chorusDamping = quantisedDefault(kParamChorusDamping);
-  fields.ambienceType = kDefaultAmbienceType;
-  fields.ambienceWetDry = Param_Defaults[kParamAmbienceWetDry];
-  fields.ambienceSize = Param_Defaults[kParamAmbienceSize];
-  fields.ambiencePreDelay = Param_Defaults[kParamAmbiencePreDelay];
-  fields.ambienceDamping = quantisedDefault(kParamAmbienceDamping);
+void EffectsFields::setDefaults() {
+  eqOn = static_cast<std::uint8_t>(Param_Defaults[kParamEQEnable]);
+  chorusOn = static_cast<std::uint8_t>(Param_Defaults[kParamChorusEnable]);
+  ambienceOn = static_cast<std::uint8_t>(Param_Defaults[kParamAmbienceEnable]);
+  highShelfFrequency = quantisedDefault(kParamEQHighShelfFrequency);
+  lowShelfFrequency = quantisedDefault(kParamEQLowShelfFrequency);
+  highShelfGain = Param_Defaults[kParamEQHighShelfGain];
+  lowShelfGain = Param_Defaults[kParamEQLowShelfGain];
+  chorusWetDry = Param_Defaults[kParamChorusWetDry];
+  chorusDelay = Param_Defaults[kParamChorusDelay];
+  chorusDetune = Param_Defaults[kParamChorusDetune];
+  chorusFeedback = Param_Defaults[kParamChorusFeedback];
+  chorusRate = Param_Defaults[kParamChorusRate];
+  chorusDamping = quantisedDefault(kParamChorusDamping);
+  ambienceType = kDefaultAmbienceType;
+  ambienceWetDry = Param_Defaults[kParamAmbienceWetDry];
+  ambienceSize = Param_Defaults[kParamAmbienceSize];
+  ambiencePreDelay = Param_Defaults[kParamAmbiencePreDelay];
+  ambienceDamping = quantisedDefault(kParamAmbienceDamping);
 }
-
-EffectsPreset::EffectsPreset(const EffectsPreset& source, const unsigned char* newName,
-                             const FSRef* folder)
-    : PresetOfKind(source, newName, folder) {}
 
 }  // namespace cairnset

@@ -33,37 +33,24 @@ struct EffectsFields {
   float ambiencePreDelay;
   float ambienceDamping;
 
-  /// Every field of the file, in its order.
+  /// Calls `each` with all fields of the file, in its order.
   template <typename Self, typename Each>
   static void forEach(Self& f, Each each) {
-    each(f.eqOn);
-    each(f.chorusOn);
-    each(f.ambienceOn);
-    each(f.highShelfFrequency);
-    each(f.lowShelfFrequency);
-    each(f.highShelfGain);
-    each(f.lowShelfGain);
-    each(f.chorusWetDry);
-    each(f.chorusDelay);
-    each(f.chorusDetune);
-    each(f.chorusFeedback);
-    each(f.chorusRate);
-    each(f.chorusDamping);
-    each(f.ambienceType);
-    each(f.ambienceWetDry);
-    each(f.ambienceSize);
-    each(f.ambiencePreDelay);
-    each(f.ambienceDamping);
+    each(f.eqOn, f.chorusOn, f.ambienceOn, f.highShelfFrequency, f.lowShelfFrequency,
+         f.highShelfGain, f.lowShelfGain, f.chorusWetDry, f.chorusDelay, f.chorusDetune,
+         f.chorusFeedback, f.chorusRate, f.chorusDamping, f.ambienceType, f.ambienceWetDry,
+         f.ambienceSize, f.ambiencePreDelay, f.ambienceDamping);
   }
+
+  /// The defaults of the parameter table, frequencies and dampings at their steps, which are the
+  /// next higher ones.
+  void setDefaults();
 };
 static_assert(sizeof(EffectsFields) == 64);
 
 class EffectsPreset : public PresetOfKind<EffectsFields> {
  public:
-  /// As the base's constructor; a new preset has the defaults of the parameter table, frequencies
-  /// and dampings at their steps, which are the next higher ones.
-  EffectsPreset(const FSRef& ref, const char* name, bool create);
-  EffectsPreset(const EffectsPreset& source, const unsigned char* newName, const FSRef* folder);
+  using PresetOfKind::PresetOfKind;
 };
 
 }  // namespace cairnset

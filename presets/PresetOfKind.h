@@ -8,11 +8,18 @@ namespace cairnset {
 
 /// A preset whose payload is `Fields`: a plain struct, its size and layout those that getData()
 /// promises, which says its kind code, its mark in reports, the length that it declares in the
-/// file, and which fields are stored there in which order.
+/// file, which fields are stored there in which order, and what a new preset holds.
 template <typename Fields>
 class PresetOfKind : public Preset {
  public:
   static constexpr std::uint32_t kKind = Fields::kKind;
+
+  /// As the base's constructor; a new preset has the kind's defaults.
+  PresetOfKind(const FSRef& ref, const char* name, bool create) : Preset(ref, name, kKind, create) {
+    if (create) fields.setDefaults();
+  }
+  PresetOfKind(const PresetOfKind& source, const unsigned char* newName, const FSRef* folder)
+      : Preset(source, newName, kKind, folder), fields(source.fields) {}
 
   const char* getTreeItemTypeName() const override { return Fields::kTypeName; }
   const void* getData() const override { return &fields; }
@@ -21,24 +28,18 @@ class PresetOfKind : public Preset {
 
   void fillVirtualFileData(VirtualFile& file) const override {
     writeField(file, Fields::kDeclaredLength);
-    Fields::forEach(fields, [&file](const auto& field) { writeField(file, field); });
+    Fields::forEach(fields, [&file](const auto&... field) { (writeField(file, field), ...); });
   }
 
   long extractVirtualFileData(VirtualFile& file) override {
     std::int32_t declaredLength = 0;
     readField(file, declaredLength);
-    Fields::forEach(fields, [&file](auto& field) { readField(file, field); });
+    Fields::forEach(fields, [&file](auto&... field) { (readField(file, field), ...); });
     return declaredLength;
   }
 
   /// All zero until read or given defaults.
   Fields fields{};
-
- protected:
-  PresetOfKind(const FSRef& ref, const char* name, bool create)
-      : Preset(ref, name, kKind, create) {}
-  PresetOfKind(const PresetOfKind& source, const unsigned char* newName, const FSRef* folder)
-      : Preset(source, newName, kKind, folder), fields(source.fields) {}
 };
 
 }  // namespace cairnset

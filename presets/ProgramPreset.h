@@ -6,7 +6,7 @@
 
 namespace cairnset {
 
-/// The instrument's keymaps. This system has none and hands out null.
+/// The instrument's keymaps. This system has none and hands out null; programs keep none.
 class KeymapManager;
 
 /// Payload in the file, 176 bytes: declared length 108 (4), then all fields below in order. 108
@@ -35,40 +35,26 @@ struct ProgramFields {
   char pianoKeysetName[32];
   char synthKeysetName[32];
 
-  /// Every field of the file, in its order.
+  /// Calls `each` with all fields of the file, in its order.
   template <typename Self, typename Each>
   static void forEach(Self& f, Each each) {
-    each(f.effectsName);
-    each(f.softPedalSamplesOn);
-    each(f.releaseSamplesOn);
-    each(f.synthLayerOn);
-    each(f.sustainResonanceOn);
-    each(f.pianoKeyset);
-    each(f.synthKeymap);
-    each(f.timbre);
-    each(f.sustainResonancePreset);
-    each(f.dynamicRange);
-    each(f.keyNoise);
-    each(f.stereoWidth);
-    each(f.releaseTime);
-    each(f.synthGain);
-    each(f.sustainResonanceGain);
-    each(f.pianoKeysetName);
-    each(f.synthKeysetName);
+    each(f.effectsName, f.softPedalSamplesOn, f.releaseSamplesOn, f.synthLayerOn,
+         f.sustainResonanceOn, f.pianoKeyset, f.synthKeymap, f.timbre, f.sustainResonancePreset,
+         f.dynamicRange, f.keyNoise, f.stereoWidth, f.releaseTime, f.synthGain,
+         f.sustainResonanceGain, f.pianoKeysetName, f.synthKeysetName);
   }
+
+  /// The defaults of the parameter table.
+  void setDefaults();
 };
 static_assert(sizeof(ProgramFields) == 172);
 
 class ProgramPreset : public PresetOfKind<ProgramFields> {
  public:
-  /// As the base's constructor; a new preset has the defaults of the parameter table. `keymaps` may
-  /// be null and is not owned.
-  ProgramPreset(KeymapManager* keymaps, const FSRef& ref, const char* name, bool create);
-  ProgramPreset(KeymapManager* keymaps, const ProgramPreset& source, const unsigned char* newName,
+  ProgramPreset(KeymapManager*, const FSRef& ref, const char* name, bool create)
+      : PresetOfKind(ref, name, create) {}
+  ProgramPreset(KeymapManager*, const ProgramPreset& source, const unsigned char* newName,
                 const FSRef* folder);
-
- private:
-  [[maybe_unused]] KeymapManager* _keymaps;
 };
 
 }  // namespace cairnset

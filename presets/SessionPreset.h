@@ -26,29 +26,21 @@ struct SessionFields {
   float gain;
   float a440;
 
-  /// Every field of the file, in its order.
+  /// Calls `each` with all fields of the file, in its order.
   template <typename Self, typename Each>
   static void forEach(Self& f, Each each) {
-    each(f.velocityMapName);
-    each(f.programName);
-    each(f.stereoPerspective);
-    each(f.tuning);
-    each(f.voices);
-    each(f.bufferSize);
-    each(f.octave);
-    each(f.transpose);
-    each(f.fineTune);
-    each(f.gain);
-    each(f.a440);
+    each(f.velocityMapName, f.programName, f.stereoPerspective, f.tuning, f.voices, f.bufferSize,
+         f.octave, f.transpose, f.fineTune, f.gain, f.a440);
   }
+
+  /// The defaults of the parameter table.
+  void setDefaults();
 };
 static_assert(sizeof(SessionFields) == 152);
 
 class SessionPreset : public PresetOfKind<SessionFields> {
  public:
-  /// As the base's constructor; a new preset has the defaults of the parameter table.
-  SessionPreset(const FSRef& ref, const char* name, bool create);
-  SessionPreset(const SessionPreset& source, const unsigned char* newName, const FSRef* folder);
+  using PresetOfKind::PresetOfKind;
 };
 
 }  // namespace cairnset

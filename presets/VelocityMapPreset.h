@@ -19,23 +19,20 @@ struct VelocityMapFields {
   std::uint8_t maximumVelocity;
   std::uint8_t spare[2];
 
-  /// Every field of the file, in its order.
+  /// Calls `each` with all fields of the file, in its order.
   template <typename Self, typename Each>
   static void forEach(Self& f, Each each) {
-    each(f.type);
-    each(f.hardness);
-    each(f.minimumVelocity);
-    each(f.maximumVelocity);
+    each(f.type, f.hardness, f.minimumVelocity, f.maximumVelocity);
   }
+
+  /// The defaults of the parameter table.
+  void setDefaults();
 };
 static_assert(sizeof(VelocityMapFields) == 12);
 
 class VelocityMapPreset : public PresetOfKind<VelocityMapFields> {
  public:
-  /// As the base's constructor; a new preset has the defaults of the parameter table.
-  VelocityMapPreset(const FSRef& ref, const char* name, bool create);
-  VelocityMapPreset(const VelocityMapPreset& source, const unsigned char* newName,
-                    const FSRef* folder);
+  using PresetOfKind::PresetOfKind;
 };
 
 }  // namespace cairnset
