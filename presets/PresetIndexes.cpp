@@ -11,25 +11,20 @@ namespace cairnset {
 
 void PresetIndexes::bringUpToDate() {
   if (_revision == _list.revision()) return;
-  _by_name = {};
-  _by_file = {};
-  _by_id = {};
+  _by_name.clear();
+  _by_file.reset();
+  _by_id.reset();
   _revision = _list.revision();
 }
 
 // The slot that the name is in, or the empty one where it would be put.
 PresetIndexes::NameSlot& PresetIndexes::slotOf(const char* name, std::uint32_t hash) {
-  std::vector<NameSlot>& slots = _by_name.slots;
-  std::size_t slot = hash & (slots.size() - 1);
-  while (slots[slot].preset != nullptr &&
-         (slots[slot].hash != hash || fncmp(slots[slot].name, name) != 0)) {
-    slot = (slot + 1) & (slots.size() - 1);
+  std::size_t slot = hash & (_by_name.size() - 1);
+  while (_by_name[slot].preset != nullptr &&
+         (_by_name[slot].hash != hash || fncmp(_by_name[slot].name, name) != 0)) {
+    slot = (slot + 1) & (_by_name.size() - 1);
   }
-  return slots[slot];
-}
-
-bool PresetIndexes::isRoomForNames() const {
-  return static_cast<std::size_t>(_list.count()) * 5 < _by_name.slots.size() * 4;
+  return _by_name[slot];
 }
 
 // What stands first in the list is put in first, and stays.
@@ -43,17 +38,15 @@ void PresetIndexes::putByName(Preset* preset) {
 }
 
 void PresetIndexes::putByFile(Preset* preset) {
-  std::vector<Preset*>& index = _by_file.presets;
   const std::size_t node = preset->fileRef().node;
-  if (node >= index.size()) index.resize(node + 1, nullptr);
-  if (index[node] == nullptr) index[node] = preset;
+  if (node >= _by_file->size()) _by_file->resize(node + 1, nullptr);
+  if ((*_by_file)[node] == nullptr) (*_by_file)[node] = preset;
 }
 
 Preset* PresetIndexes::presetNamed(const char* name) {
   bringUpToDate();
-  if (!_by_name.isMade) {
-    _by_name.isMade = true;
-    _by_name.slots.resize(std::bit_ceil(static_cast<std::size_t>(_list.count()) * 2 + 1));
+  if (_by_name.empty()) {
+    _by_name.resize(std::bit_ceil(static_cast<std::size_t>(_list.count()) * 2 + 1));
     for (Preset* preset : _list.presets())
       putByName(preset);
   }
@@ -62,39 +55,41 @@ Preset* PresetIndexes::presetNamed(const char* name) {
 
 Preset* PresetIndexes::presetOf(const FSRef& file) {
   bringUpToDate();
-  if (!_by_file.isMade) {
-    _by_file.isMade = true;
+  if (!_by_file) {
+    _by_file.emplace();
+    _files_end_at_null = false;
     for (Preset* preset : _list.presets()) {
-      _by_file.endsAtNull = preset == nullptr;
-      if (preset == nullptr) break;
+      _files_end_at_null = preset == nullptr;
+      if (_files_end_at_null) break;
       putByFile(preset);
     }
   }
-  const bool isKnown = file.node != 0 && file.node < _by_file.presets.size();
-  return isKnown ? _by_file.presets[file.node] : nullptr;
+  return file.node != 0 && file.node < _by_file->size() ? (*_by_file)[file.node] : nullptr;
 }
 
 TreeLimb* PresetIndexes::limbWithID(unsigned long id) {
   bringUpToDate();
-  if (!_by_id.isMade) {
-    _by_id.isMade = true;
+  if (!_by_id) {
+    _by_id.emplace();
     LimbWalk walk(_list);
     while (TreeLimb* limb = walk.next())
-      _by_id.limbs.try_emplace(limb->getTreeItemID(), limb);
+      _by_id->try_emplace(limb->getTreeItemID(), limb);
   }
-  const auto found = _by_id.limbs.find(id);
-  return found != _by_id.limbs.end() ? found->second : nullptr;
+  const auto found = _by_id->find(id);
+  return found != _by_id->end() ? found->second : nullptr;
 }
 
 void PresetIndexes::add(Preset* preset) {
-  if (_by_name.isMade) isRoomForNames() ? putByName(preset) : void(_by_name = {});
-  if (_by_file.isMade && !_by_file.endsAtNull) putByFile(preset);
+  // A table that is nearly full is made anew when it is next asked.
+  const bool isRoom = static_cast<std::size_t>(_list.count()) * 5 < _by_name.size() * 4;
+  isRoom ? putByName(preset) : _by_name.clear();
+  if (_by_file && !_files_end_at_null) putByFile(preset);
   _revision = _list.revision();
 }
 
 void PresetIndexes::add(TreeLimb* limb) {
   // Of two limbs with one ID the place in the tree decides.
-  if (_by_id.isMade && !_by_id.limbs.try_emplace(limb->getTreeItemID(), limb).second) _by_id = {};
+  if (_by_id && !_by_id->try_emplace(limb->getTreeItemID(), limb).second) _by_id.reset();
   _revision = _list.revision();
 }
 

@@ -1,7 +1,8 @@
 // Finding the presets of a list by name or file, and the limbs of its tree by folder.
 #pragma once
 
-#include <string_view>
+#include <cstdint>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -44,26 +45,16 @@ class PresetIndexes {
   };
 
   NameSlot& slotOf(const char* name, std::uint32_t hash);
-  bool isRoomForNames() const;
   void putByName(Preset* preset);
   void putByFile(Preset* preset);
 
   const PresetList& _list;
   unsigned long _revision = 0;
-  // Those that are not made have no value.
-  struct {
-    bool isMade = false;
-    std::vector<NameSlot> slots;
-  } _by_name;
-  struct {
-    bool isMade = false;
-    bool endsAtNull = false;
-    std::vector<Preset*> presets;  // by node number: places are numbered as they are met
-  } _by_file;
-  struct {
-    bool isMade = false;
-    std::unordered_map<unsigned long, TreeLimb*> limbs;
-  } _by_id;
+  std::vector<NameSlot> _by_name;  // empty until it is made
+  // The others have no value until they are made.
+  std::optional<std::vector<Preset*>> _by_file;  // by node: places are numbered as they are met
+  bool _files_end_at_null = false;
+  std::optional<std::unordered_map<unsigned long, TreeLimb*>> _by_id;
 };
 
 }  // namespace cairnset

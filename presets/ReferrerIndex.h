@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "presets/LeafIteration.h"
+#include "presets/PresetList.h"
 #include "presets/PresetReferences.h"
 
 namespace cairnset {

@@ -126,13 +126,11 @@ class VirtualFile {
   /// The text without its terminator; null writes nothing.
   int put(const char* s);
 
-  VirtualFile& operator<<(double v) { return put(v), *this; }
-  VirtualFile& operator<<(float v) { return put(v), *this; }
-  VirtualFile& operator<<(int v) { return put(v), *this; }
-  VirtualFile& operator<<(short v) { return put(v), *this; }
-  VirtualFile& operator<<(long v) { return put(v), *this; }
-  VirtualFile& operator<<(const char* s) { return put(s), *this; }
-  VirtualFile& operator<<(char v) { return put(v), *this; }
+  /// As put.
+  template <typename T>
+  VirtualFile& operator<<(const T& v) {
+    return put(v), *this;
+  }
 
   // --- Characters and strings ---
 

@@ -3,12 +3,22 @@
 #include <iostream>
 
 #include "host/terminal/Process.h"
-#include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
+#include "tool/Reports.h"
 #include "tool/Session.h"
-#include "tool/WriteFailures.h"
 
 namespace cairnset {
+
+namespace {
+
+void setAll(bool rom, const char* done) {
+  const OutlivesReader outlives(std::cout);
+  for (PresetList* list : {_v, _e, _p, _s})
+    setROM(list, rom);
+  std::cout << done;
+}
+
+}  // namespace
 
 void sortIntoSubdirectories() {
   const OutlivesReader outlives(std::cout);
@@ -27,17 +37,11 @@ void setROM(PresetList* list, bool rom) {
 }
 
 void makeAllROM() {
-  const OutlivesReader outlives(std::cout);
-  for (PresetList* list : {_v, _e, _p, _s})
-    setROM(list, true);
-  std::cout << "Setting all presets to ROM has finished.\n";
+  setAll(true, "Setting all presets to ROM has finished.\n");
 }
 
 void makeAllRAM() {
-  const OutlivesReader outlives(std::cout);
-  for (PresetList* list : {_v, _e, _p, _s})
-    setROM(list, false);
-  std::cout << "Setting all presets to RAM has finished.\n";
+  setAll(false, "Setting all presets to RAM has finished.\n");
 }
 
 }  // namespace cairnset

@@ -9,11 +9,10 @@
 #include "host/terminal/Process.h"
 #include "host/terminal/ReportText.h"
 #include "host/text/FileNameRules.h"
-#include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
 #include "presets/Renames.h"
+#include "tool/Reports.h"
 #include "tool/Session.h"
-#include "tool/WriteFailures.h"
 
 namespace cairnset {
 

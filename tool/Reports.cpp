@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "host/terminal/ReportText.h"
-#include "presets/LeafIteration.h"
 #include "presets/PresetManager.h"
 #include "presets/ReferrerIndex.h"
 #include "tool/Session.h"
@@ -75,6 +74,13 @@ void listParents() {
   listReferrers(_v, _s, kSessionVelocityMapReference);
   listReferrers(_e, _p, kProgramEffectsReference);
   listReferrers(_p, _s, kSessionProgramReference);
+}
+
+void reportWriteFailure(const Preset& preset, OSErr result, const char* name) {
+  if (result == noErr) return;
+  std::string line = "### error " + std::to_string(result) + " occurred while writing ";
+  preset.appendTreeItemInfo(line, std::cerr, name);
+  writeText(std::cerr, line.append(1, '\n'));
 }
 
 }  // namespace cairnset

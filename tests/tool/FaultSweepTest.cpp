@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "host/Host.h"
-#include "presets/LeafIteration.h"
+#include "presets/PresetList.h"
 #include "presets/PresetManager.h"
 #include "tests/Intercept.h"
 #include "tests/PresetFile.h"
