@@ -5,9 +5,7 @@
 
 #include "host/terminal/Process.h"
 #include "params/Keysets.h"
-#include "presets/EffectsPresetList.h"
-#include "presets/ProgramPresetList.h"
-#include "presets/VelocityMapPresetList.h"
+#include "presets/PresetListOfKind.h"
 
 namespace cairnset {
 
@@ -15,18 +13,6 @@ namespace {
 
 constexpr const char* kFactory = "Factory";
 constexpr OSStatus kMoved = 1;  // what a successful move returns
-
-const char* factoryFolder(const Preset&) {
-  return kFactory;
-}
-
-const char* effectsFolder(const Preset& preset) {
-  return effectsFolderFor(preset.index());
-}
-
-const char* programFolder(const Preset& preset) {
-  return programFolderFor(static_cast<const ProgramPreset&>(preset).fields.pianoKeyset);
-}
 
 }  // namespace
 
@@ -87,13 +73,16 @@ OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Prese
 }
 
 OSStatus VelocityMapPresetList::sortForBrowser() {
-  return sortLoosePresets(*this, factoryFolder);
+  return sortLoosePresets(*this, [](const Preset&) { return kFactory; });
 }
 OSStatus EffectsPresetList::sortForBrowser() {
-  return sortLoosePresets(*this, effectsFolder);
+  return sortLoosePresets(*this,
+                          [](const Preset& preset) { return effectsFolderFor(preset.index()); });
 }
 OSStatus ProgramPresetList::sortForBrowser() {
-  return sortLoosePresets(*this, programFolder);
+  return sortLoosePresets(*this, [](const Preset& preset) {
+    return programFolderFor(static_cast<const ProgramPreset&>(preset).fields.pianoKeyset);
+  });
 }
 
 }  // namespace cairnset

@@ -1,23 +1,25 @@
-// What the lists of the four kinds do alike, each with its own class of preset.
+// The lists of the four kinds, which do nearly everything alike.
 #pragma once
 
 #include <type_traits>
 
 #include "host/text/FileNameRules.h"
 #include "host/text/PascalStrings.h"
+#include "presets/EffectsPreset.h"
 #include "presets/PresetList.h"
+#include "presets/ProgramPreset.h"
+#include "presets/SessionPreset.h"
+#include "presets/VelocityMapPreset.h"
 
 namespace cairnset {
-
-class KeymapManager;
 
 /// The list of the presets of class `Kind`. Programs are always made without keymaps.
 template <typename Kind>
 class PresetListOfKind : public PresetList {
  public:
   explicit PresetListOfKind(PresetManager* manager) : PresetList(manager) {}
-  /// The presets of the copy would be made from those of its own list, which is empty then. So a
-  /// copy holds none; that is meant.
+  /// The copy has no presets: they would be made from those of its own list, which is empty then.
+  /// On purpose.
   PresetListOfKind(const PresetListOfKind&) = default;
 
   long getPresetType() const override { return Kind::kKind; }
@@ -78,6 +80,43 @@ class PresetListOfKind : public PresetList {
     addPtr(static_cast<Preset*>(preset));
     return noErr;
   }
+};
+
+class VelocityMapPresetList : public PresetListOfKind<VelocityMapPreset> {
+ public:
+  using PresetListOfKind::PresetListOfKind;
+
+  /// Unlike the other kinds, closes the file of a preset that is in the list already.
+  Preset* openPreset(const FSRef& file, const FileStart* start = nullptr) override {
+    Preset* open = confirmed() ? findPresetUsingFileSpec(file) : nullptr;
+    if (open != nullptr) open->close();
+    return open != nullptr ? open : PresetListOfKind::openPreset(file, start);
+  }
+  OSStatus sortForBrowser() override;
+};
+
+class EffectsPresetList : public PresetListOfKind<EffectsPreset> {
+ public:
+  using PresetListOfKind::PresetListOfKind;
+  OSStatus sortForBrowser() override;
+};
+
+class ProgramPresetList : public PresetListOfKind<ProgramPreset> {
+ public:
+  using PresetListOfKind::PresetListOfKind;
+  OSStatus sortForBrowser() override;
+};
+
+class SessionPresetList : public PresetListOfKind<SessionPreset> {
+ public:
+  using PresetListOfKind::PresetListOfKind;
+
+  /// Unlike the other kinds, deletes only in a confirmed list.
+  void deletePreset(long index) override {
+    if (confirmed()) PresetListOfKind::deletePreset(index);
+  }
+  /// Does nothing: sessions are never sorted.
+  OSStatus sortForBrowser() override { return noErr; }
 };
 
 }  // namespace cairnset

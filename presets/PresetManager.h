@@ -16,10 +16,7 @@
 #include <vector>
 
 #include "host/HostTypes.h"
-#include "presets/EffectsPresetList.h"
-#include "presets/ProgramPresetList.h"
-#include "presets/SessionPresetList.h"
-#include "presets/VelocityMapPresetList.h"
+#include "presets/PresetListOfKind.h"
 
 namespace cairnset {
 

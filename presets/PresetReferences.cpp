@@ -5,27 +5,17 @@
 
 namespace cairnset {
 
-namespace {
-
 using Field = char (&)[PresetReference::kWidth];
 
-Field effectsName(Preset& preset) {
-  return static_cast<ProgramPreset&>(preset).fields.effectsName;
-}
-
-Field programName(Preset& preset) {
-  return static_cast<SessionPreset&>(preset).fields.programName;
-}
-
-Field velocityMapName(Preset& preset) {
-  return static_cast<SessionPreset&>(preset).fields.velocityMapName;
-}
-
-}  // namespace
-
-const PresetReference kProgramEffectsReference{kProgramKind, kEffectsKind, effectsName};
-const PresetReference kSessionProgramReference{kSessionKind, kProgramKind, programName};
-const PresetReference kSessionVelocityMapReference{kSessionKind, kVelocityMapKind, velocityMapName};
+const PresetReference kProgramEffectsReference{
+    kProgramKind, kEffectsKind,
+    [](Preset& p) -> Field { return static_cast<ProgramPreset&>(p).fields.effectsName; }};
+const PresetReference kSessionProgramReference{
+    kSessionKind, kProgramKind,
+    [](Preset& p) -> Field { return static_cast<SessionPreset&>(p).fields.programName; }};
+const PresetReference kSessionVelocityMapReference{
+    kSessionKind, kVelocityMapKind,
+    [](Preset& p) -> Field { return static_cast<SessionPreset&>(p).fields.velocityMapName; }};
 
 const PresetReference* referenceTo(const Preset& preset) {
   for (const auto* reference :

@@ -18,16 +18,6 @@ TreeItem::SharedName::SharedName(const char* name) {
   std::memcpy(_owners + 1, name, size);
 }
 
-void TreeItem::setTreeItemID(unsigned long id) {
-  _id = static_cast<std::uint32_t>(id);
-  noteChange();
-}
-
-void TreeItem::setTreeItemName(const char* name) {
-  takeTreeItemName(name);
-  noteChange();
-}
-
 void TreeItem::printTreeItemInfo(std::ostream& os, unsigned long /*flags*/) const {
   os << getTreeItemTypeName() << " [index: " << getTreeItemIndex() << "; id: " << getTreeItemID()
      << "] ";

@@ -29,7 +29,10 @@ class TreeItem {
   /// The name, Mac Roman for files and folders; null where there is none.
   virtual const char* getTreeItemName() const { return _name.text(); }
   virtual unsigned long getTreeItemIndex() const { return _index; }
-  virtual void setTreeItemID(unsigned long id);
+  virtual void setTreeItemID(unsigned long id) {
+    _id = static_cast<std::uint32_t>(id);
+    noteChange();
+  }
   virtual unsigned long getTreeItemID() const { return _id; }
   virtual const char* getTreeItemTypeName() const { return "TreeItem"; }
   /// Describes the item on one line, without ending it. The flags mean nothing so far.
@@ -37,7 +40,10 @@ class TreeItem {
   virtual void setTreeItemIndex(unsigned long index) { _index = static_cast<std::uint32_t>(index); }
 
   /// Keeps a copy of `name`, of any length; null leaves the item without a name.
-  void setTreeItemName(const char* name);
+  void setTreeItemName(const char* name) {
+    takeTreeItemName(name);
+    noteChange();
+  }
 
   TreeItemType type() const { return _type; }
   /// The limb that the item was last added to; removing does not clear it.

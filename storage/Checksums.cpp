@@ -30,10 +30,8 @@ void storeBigEndian(std::uint64_t value, unsigned char (&bytes)[kWord]) {
 }
 
 std::uint64_t byteReversed(std::uint64_t value) {
-  unsigned char bytes[kWord];
-  storeBigEndian(value, bytes);
-  swapEight(bytes);
-  return bigEndianWord(bytes);
+  swapEight(&value);
+  return value;
 }
 
 std::uint64_t sumOfWords(const void* content, std::size_t size, bool swapped) {

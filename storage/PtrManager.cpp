@@ -4,19 +4,6 @@
 
 namespace cairnset {
 
-namespace {
-
-std::int32_t valueOf(const void* ptr) {
-  return static_cast<std::int32_t>(
-      static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(ptr)));
-}
-
-}  // namespace
-
-PtrManager::~PtrManager() {
-  freeLinks();
-}
-
 PtrLink* PtrManager::addPtr(void* p) {
   auto* const link = new PtrLink{p, nullptr};
   if (_last_link == nullptr) {
@@ -46,22 +33,6 @@ void PtrManager::removePtr(void* p) {
   }
 }
 
-void PtrManager::removeAll() {
-  freeLinks();
-}
-
-void* PtrManager::getPtr(long i) const {
-  return _num_ptrs == 0 ? nullptr : linkAt(i)->ptr;
-}
-
-void* PtrManager::getPtrCheckRange(long i) const {
-  return i < 0 || i >= _num_ptrs ? nullptr : linkAt(i)->ptr;
-}
-
-std::int32_t PtrManager::getPtr32(long i) const {
-  return valueOf(getPtr(i));
-}
-
 void PtrManager::swapPtrs(long i, long j) {
   if (_num_ptrs == 0 || i == j) return;
   // No link of a circle is null. NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
@@ -80,21 +51,12 @@ bool PtrManager::setEntries(const std::vector<void*>& ptrs) {
   return true;
 }
 
-void PtrManager::iterReset() {
-  _iter_link = _last_link;
-  _iter_index = 0;
-}
-
 void* PtrManager::iterNext() {
   if (++_iter_index > _num_ptrs) return nullptr;
   // No link yet where the list was empty when the cursor was set.
   if (_iter_link == nullptr) _iter_link = _last_link;
   _iter_link = _iter_link->next;
   return _iter_link->ptr;
-}
-
-std::int32_t PtrManager::iterNext32() {
-  return valueOf(iterNext());
 }
 
 // Only for a list that is not empty.

@@ -71,23 +71,25 @@ class PtrManager {
   PtrManager(const PtrManager&) = delete;
   PtrManager& operator=(const PtrManager&) = delete;
   /// Frees the links directly: the removeAll of a derived class is gone by then.
-  virtual ~PtrManager();
+  virtual ~PtrManager() { freeLinks(); }
 
   /// Puts `p` behind the last entry; the link belongs to the list.
   virtual PtrLink* addPtr(void* p);
   /// Removes the first entry that equals `p`, if there is one.
   virtual void removePtr(void* p);
-  virtual void removeAll();
+  virtual void removeAll() { freeLinks(); }
 
   /// The entry at a position, null in an empty list. A position past the end goes round the circle,
   /// a negative one is the first. The place that was reached last is remembered, so that calls at
   /// rising positions cost a step each and not a walk each, until entries are added or removed.
-  void* getPtr(long i) const;
+  void* getPtr(long i) const { return _num_ptrs == 0 ? nullptr : linkAt(i)->ptr; }
   /// As getPtr, but null for a position outside the list.
-  void* getPtrCheckRange(long i) const;
+  void* getPtrCheckRange(long i) const {
+    return i < 0 || i >= _num_ptrs ? nullptr : linkAt(i)->ptr;
+  }
   /// As getPtr, for an entry that is a 32-bit value: the low 32 bits of the pointer, 0 in an empty
   /// list.
-  std::int32_t getPtr32(long i) const;
+  std::int32_t getPtr32(long i) const { return valueOf(getPtr(i)); }
   long count() const { return _num_ptrs; }
 
   /// Exchanges the entries at two positions, taken as in getPtr. The links stay where they are.
@@ -100,10 +102,13 @@ class PtrManager {
   /// null: it ends when it has taken as many steps as the list has entries at that moment,
   /// so that a walk during which entries come or go can end early or late. When the cursor's own
   /// entry is removed, the cursor falls back to the one before it.
-  void iterReset();
+  void iterReset() {
+    _iter_link = _last_link;
+    _iter_index = 0;
+  }
   void* iterNext();
   /// iterNext for 32-bit values, 0 at the end.
-  std::int32_t iterNext32();
+  std::int32_t iterNext32() { return valueOf(iterNext()); }
 
   /// For read-only walks, which can be nested: `for (void* p : list.entries())`.
   PtrEntries<void> entries() const { return entriesAs<void>(); }
@@ -118,6 +123,9 @@ class PtrManager {
   unsigned long changes() const { return _changes; }
 
  private:
+  static std::int32_t valueOf(const void* entry) {
+    return static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(entry));
+  }
   PtrLink* linkAt(long i) const;
   void linksChanged();
   void freeLinks();

@@ -112,10 +112,6 @@ VirtualFile::VirtualFile(char* data, unsigned long length, bool useInPlace, long
   _wptr = _end = _buffer + _size;
 }
 
-VirtualFile::~VirtualFile() {
-  release();
-}
-
 int VirtualFile::resize_buffer(unsigned long n) {
   if (n > kMaxContent) return -1;
   if (_buffer == nullptr) return 0;
@@ -124,11 +120,6 @@ int VirtualFile::resize_buffer(unsigned long n) {
   _size = static_cast<std::uint32_t>(n);
   normalise();
   return 1;
-}
-
-char* VirtualFile::reserve(long n) {
-  // A negative length becomes one that is over the limit.
-  return resize_buffer(static_cast<unsigned long>(n)) == 1 ? _buffer : nullptr;
 }
 
 // The caller's memory, used in place, is not ours to free: the content starts again all the same.
@@ -144,10 +135,6 @@ void VirtualFile::startEmpty() {
   _size = 0;
   _rptr = _wptr = _end = _buffer;
   _owns_buffer = true;
-}
-
-void VirtualFile::release() {
-  if (_owns_buffer) delete[] _buffer;
 }
 
 bool VirtualFile::normalise() {
@@ -348,14 +335,6 @@ VirtualFile& VirtualFile::get(char** out) {
   return *this;
 }
 
-void VirtualFile::get() {
-  if (!eof()) ++_rptr;
-}
-
-void VirtualFile::putback(char& c) {
-  if (_rptr != _buffer) *--_rptr = c;
-}
-
 void VirtualFile::skipspace() {
   while (!eof() && std::string_view(" \n\r\t").find(*_rptr) != std::string_view::npos)
     ++_rptr;
@@ -386,17 +365,9 @@ long VirtualFile::absolute(long off, from_pos whence, long current) const {
   return static_cast<long>(std::clamp<std::int64_t>(target, 0, kMost));
 }
 
-long VirtualFile::seekg(long pos) {
-  return seekg(pos, from_start);
-}
-
 long VirtualFile::seekg(long off, from_pos whence) {
   _rptr = _buffer + std::min(absolute(off, whence, tellg()), static_cast<long>(_size));
   return tellg();
-}
-
-long VirtualFile::seekp(long pos) {
-  return seekp(pos, from_start);
 }
 
 long VirtualFile::seekp(long off, from_pos whence) {
@@ -477,10 +448,6 @@ long VirtualFile::load(short forkRef, unsigned long maxBytes) {
         return request = actual;
       },
       maxBytes);
-}
-
-long VirtualFile::load(short forkRef) {
-  return load(forkRef, std::numeric_limits<unsigned long>::max());
 }
 
 long VirtualFile::load(std::istream& in) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iosfwd>
+#include <limits>
 #include <string>
 
 namespace cairnset {
@@ -37,7 +38,7 @@ class VirtualFile {
   VirtualFile(char* data, unsigned long length, bool useInPlace, long blockSize);
   VirtualFile(const VirtualFile&) = delete;
   VirtualFile& operator=(const VirtualFile&) = delete;
-  ~VirtualFile();
+  ~VirtualFile() { release(); }
 
   // --- Content ---
 
@@ -52,7 +53,10 @@ class VirtualFile {
   /// that were cut off by an earlier call come back as they were.
   int resize_buffer(unsigned long n);
   /// Makes the content `n` bytes long, and answers it for the caller to fill; null on failure.
-  char* reserve(long n);
+  char* reserve(long n) {
+    // A negative length becomes one that is over the limit.
+    return resize_buffer(static_cast<unsigned long>(n)) == 1 ? _buffer : nullptr;
+  }
   /// Starts again, empty, with new memory of one block.
   int clear();
   /// 1, or -1 where there is no memory or the size had to be cut to it.
@@ -138,9 +142,13 @@ class VirtualFile {
   /// zero byte. Null, without moving, where memory ran out.
   VirtualFile& get(char** out);
   /// Skips a byte.
-  void get();
+  void get() {
+    if (!eof()) ++_rptr;
+  }
   /// Steps back and stores `c` there; nothing at the start.
-  void putback(char& c);
+  void putback(char& c) {
+    if (_rptr != _buffer) *--_rptr = c;
+  }
   /// Skips spaces, tabs, line feeds and carriage returns.
   void skipspace();
   /// The next line without its end, which is LF, CR, CR LF or the end of the content; zero bytes
@@ -153,10 +161,10 @@ class VirtualFile {
   long tellg() const { return static_cast<long>(_rptr - _buffer); }
   long tellp() const { return static_cast<long>(_wptr - _buffer); }
   /// Positions outside the content become its start or end.
-  long seekg(long pos);
+  long seekg(long pos) { return seekg(pos, from_start); }
   long seekg(long off, from_pos whence);
   /// Past the end, the content grows up to there; where it cannot the position stays.
-  long seekp(long pos);
+  long seekp(long pos) { return seekp(pos, from_start); }
   long seekp(long off, from_pos whence);
 
   // --- Whole files ---
@@ -180,7 +188,7 @@ class VirtualFile {
   /// in, and one chunk for a limit of 0.
   long load(std::FILE* stream);
   long load(short forkRef, unsigned long maxBytes);
-  long load(short forkRef);
+  long load(short forkRef) { return load(forkRef, std::numeric_limits<unsigned long>::max()); }
   long load(std::istream& in);
 
   // --- 64-bit checksums (storage/Checksums.h has the terms) ---
@@ -209,7 +217,9 @@ class VirtualFile {
   bool normalise();
   std::uint32_t capacityFor(unsigned long n) const;
   bool reallocate(std::uint32_t capacity);
-  void release();
+  void release() {
+    if (_owns_buffer) delete[] _buffer;
+  }
   void startEmpty();
   bool makeRoomToWrite(long n);
   long offsetInBuffer(const void* p) const;
