@@ -14,6 +14,6 @@ namespace cairnset {
 /// Distinct keys end in ascending order, as from any sort. Equal keys do not keep their order, and
 /// users know the order that came of it; so the outcome is computed instead of the exchanges made:
 /// in n log n steps, and where keys repeat in at most n times the square root of n.
-std::vector<std::size_t> exchangeOrder(const std::vector<std::int64_t>& keys);
+[[nodiscard]] std::vector<std::size_t> exchangeOrder(const std::vector<std::int64_t>& keys);
 
 }  // namespace cairnset

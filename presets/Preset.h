@@ -132,7 +132,7 @@ class Preset : public TreeLeaf {
   OSErr writeOutIfDeletedFromDisk();
   /// Gives the file a second name, to which rename() then only has to take the first one away. An
   /// error where the name is taken or the volume has no hard links.
-  OSErr addName(const unsigned char* newName) const;
+  [[nodiscard]] OSErr addName(const unsigned char* newName) const;
   /// Renames the file; the name in memory follows, the one inside the file only at the next
   /// writeOut.
   OSErr rename(const unsigned char* newName);
@@ -140,11 +140,11 @@ class Preset : public TreeLeaf {
   /// unless it is this preset's own, under another spelling or as a hard link.
   /// On success the answer is not 0 but 1, for a file that is valid where it is now: callers have
   /// always had it so.
-  OSErr moveToFolder(const FSRef& folder, bool replace);
+  [[nodiscard]] OSErr moveToFolder(const FSRef& folder, bool replace);
 
   /// The kind of the preset whose file begins with these bytes: all that makes a file a preset,
   /// whatever its name. Nothing where no preset's does.
-  static std::optional<std::uint32_t> kindOf(std::string_view start);
+  [[nodiscard]] static std::optional<std::uint32_t> kindOf(std::string_view start);
 
   // --- The file's image ---
 

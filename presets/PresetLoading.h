@@ -30,7 +30,7 @@ class PresetLoading {
   /// Builds what was added first: a limb for each folder below, and all presets, in load order.
   /// What the list knows already stays, but known limbs are set anew. Files that cannot be opened
   /// for writing or read, and those of no or another kind, are passed over.
-  Result build();
+  [[nodiscard]] Result build();
 
  private:
   struct Folder {

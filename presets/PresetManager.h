@@ -47,7 +47,7 @@ class PresetManager : public VelocityMapPresetList,
 
   /// Takes the library's folder, finding or making "Presets" in it. An error of the look-up that is
   /// not a missing folder is let pass, and shows when nothing can be opened; that is meant.
-  OSStatus setOlvanItemsFSRef(const FSRef& items);
+  [[nodiscard]] OSStatus setOlvanItemsFSRef(const FSRef& items);
   /// Opens the library that the preferences know; nothing where they are null or know none.
   void openAllPresets(BrumePrefs* prefs);
   void openAllPresets() { openAllPresetsOfType(kAllKinds); }

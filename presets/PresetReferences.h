@@ -28,6 +28,6 @@ extern const PresetReference kSessionProgramReference;
 extern const PresetReference kSessionVelocityMapReference;
 
 /// The reference by which others name this preset; null for a kind that nobody names.
-const PresetReference* referenceTo(const Preset& preset);
+[[nodiscard]] const PresetReference* referenceTo(const Preset& preset);
 
 }  // namespace cairnset

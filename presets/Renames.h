@@ -66,6 +66,7 @@ struct Renamed {
 ///
 /// A signal can end the process between two steps, as SIGKILL can. A caller that wants none to do
 /// so holds signals back (host/terminal/Process.h).
-std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<NewName>& names);
+[[nodiscard]] std::vector<Renamed> renamePresets(PresetManager& library,
+                                                 const std::vector<NewName>& names);
 
 }  // namespace cairnset

@@ -13,7 +13,7 @@ namespace cairnset {
 class Arena {
  public:
   /// At least `size` bytes, aligned for any pointer or 64-bit number.
-  static void* take(std::size_t size);
+  [[nodiscard]] static void* take(std::size_t size);
   /// Takes back what take() gave; null is nothing.
   static void give(void* piece) noexcept;
 };

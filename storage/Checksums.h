@@ -20,6 +20,6 @@ using ChecksumProgress = long (*)(float fraction, long refCon);
 /// 1 before the trailer is compared. Errors of the fork are not looked at: what could not be read
 /// counts as zeros, so an empty fork matches. A fork of fewer than 8 bytes has no content, and its
 /// bytes stand at the start of the trailer. 0 too where memory ran out.
-int confirmChecksum(short forkRef, ChecksumProgress progress, long refCon);
+[[nodiscard]] int confirmChecksum(short forkRef, ChecksumProgress progress, long refCon);
 
 }  // namespace cairnset

@@ -60,8 +60,8 @@ class VirtualFile {
   /// Starts again, empty, with new memory of one block.
   int clear();
   /// 1, or -1 where there is no memory or the size had to be cut to it.
-  int confirm() { return normalise() ? 1 : -1; }
-  bool good() { return confirm() > 0; }
+  [[nodiscard]] int confirm() { return normalise() ? 1 : -1; }
+  [[nodiscard]] bool good() { return confirm() > 0; }
 
   // --- Binary writes, over what is there and on past the end ---
 
@@ -153,7 +153,7 @@ class VirtualFile {
   void skipspace();
   /// The next line without its end, which is LF, CR, CR LF or the end of the content; zero bytes
   /// are part of it. False, `line` untouched, at the end of the content or where memory ran out.
-  bool getLine(std::string& line);
+  [[nodiscard]] bool getLine(std::string& line);
 
   // --- Positions: all answer the new one ---
 
@@ -176,9 +176,9 @@ class VirtualFile {
   /// Write the whole content, from the start of the target or where it stands. 0 for success and
   /// for empty content, which writes nothing; -1 where confirm() fails; else an error: the result
   /// code of the fork, 1 for a stream that took nothing (FILE) or not everything (ostream).
-  int dump(short forkRef, bool fromStart);
-  int dump(std::FILE* stream, bool rewindFirst);
-  int dump(std::ostream& out, bool fromStart);
+  [[nodiscard]] int dump(short forkRef, bool fromStart);
+  [[nodiscard]] int dump(std::FILE* stream, bool rewindFirst);
+  [[nodiscard]] int dump(std::ostream& out, bool fromStart);
 
   /// Replace the content by that of a source from its start, or from where it stands if it cannot
   /// seek, and answer the number of bytes read,
@@ -208,10 +208,10 @@ class VirtualFile {
   unsigned long long getAppended64BitChecksum();
   /// 1 where the last 8 bytes are the raw sum of all before, partial word included, else 0. The sum
   /// goes to `*computed` (may be null). Moves the read position as getAppended64BitChecksum.
-  int confirmRawAppended64BitChecksum(unsigned long long* computed);
+  [[nodiscard]] int confirmRawAppended64BitChecksum(unsigned long long* computed);
   /// 1 where the last 8 bytes, as a big-endian number, are the swapped sum, else 0. So it refuses
   /// what append64BitChecksum(true) wrote, unless that sum reads the same both ways.
-  int confirmSwappedAppended64BitChecksum() const;
+  [[nodiscard]] int confirmSwappedAppended64BitChecksum() const;
 
  private:
   bool normalise();

@@ -5,7 +5,7 @@ namespace cairnset {
 
 /// The whole program: reads the options, loads the library, runs the commands in their fixed order
 /// (-h -s -y -z -p -d -r), and answers the exit status.
-int runCommandLine(int argc, char** argv);
+[[nodiscard]] int runCommandLine(int argc, char** argv);
 
 void printVersionAndCopyright();
 void printUsage();

@@ -5,7 +5,7 @@ namespace cairnset {
 
 /// Null where the name is acceptable, else the corrected name, which stays valid until the next
 /// call. Of a name longer than 255 bytes the first 255 count.
-const char* isIllegalFilename(const char* name);
+[[nodiscard]] const char* isIllegalFilename(const char* name);
 
 /// Prints a line for each preset of the session, saying whether Windows would take its name.
 /// Answers kIncompatibleNames where it would not take one, else kSuccess.

@@ -37,7 +37,7 @@ extern char path_string[kPathStringSize];
 /// Reads the library, after ending any session before: from path_string, or where that is empty
 /// from where the preferences say. Answers kSuccess or why not, told on standard error; the lists
 /// are null then.
-int instantiate();
+[[nodiscard]] int instantiate();
 /// Ends the session. Nothing is saved.
 void deinstantiate();
 /// Opens the library at path_string into the session's manager. The argument means nothing.

@@ -26,7 +26,7 @@ class PresetListTest : public testing::Test, protected TestFolder {
  protected:
   PresetListTest() {
     makeFolder("lib");
-    manager.setOlvanItemsFSRef(ref("lib"));
+    EXPECT_EQ(manager.setOlvanItemsFSRef(ref("lib")), 0);
   }
   void load() { manager.openAllPresetsOfType(kVelocityMapKind); }
 
@@ -142,7 +142,7 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
     if (operation == 4) list.swapPtrs(pick(9), pick(9));
     Preset* preset = list.presetAt(at);
     if (preset != nullptr && operation == 5) preset->rename(pascal(name));
-    if (preset != nullptr && operation == 6) preset->moveToFolder(folder, pick(2) == 0);
+    if (preset != nullptr && operation == 6) (void)preset->moveToFolder(folder, pick(2) == 0);
     if (preset != nullptr && operation == 7) preset->setIndex(static_cast<std::int32_t>(pick(4)));
     const FSRef file = preset != nullptr ? preset->fileRef() : folder;
     list.setUserFolder(folder);  // also where the next new preset goes
@@ -208,7 +208,7 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
       put(*this, PresetFile{name, true, 1, {"e"}});
     put(*this, PresetFile{"Sessions/s", true, 1, {"v", "p"}});
     PresetManager all(nullptr);
-    all.setOlvanItemsFSRef(ref("lib"));
+    EXPECT_EQ(all.setOlvanItemsFSRef(ref("lib")), 0);
     all.openAllPresets();
     std::string order, failing = fails;
     const auto watch = [&order, &failing](auto& call, char letter) {
