@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace cairnset {
@@ -25,37 +26,43 @@ namespace {
 constexpr std::size_t kUnit = std::max(sizeof(void*), sizeof(std::uint64_t));
 constexpr std::size_t kBlockSize = 1 << 16;
 
+constexpr std::size_t kSmall = 72;  // most names, and all links
+
 struct Blocks {
   std::vector<std::unique_ptr<unsigned char[]>> all;
-  std::size_t left = 0;  // at the start of the last
+  unsigned char* next = nullptr;  // in the last
+  std::size_t left = 0;
+};
+
+struct State {
+  Blocks small, large;
   std::size_t piecesOut = 0;
 };
 
 // Never destroyed: a list that is itself static may outlive whatever else is.
-Blocks& theBlocks() {
-  static auto& blocks = *new Blocks;
-  return blocks;
+State& state() {
+  static auto& state = *new State;
+  return state;
 }
 
 }  // namespace
 
 void* Arena::take(std::size_t size) {
-  Blocks& blocks = theBlocks();
+  Blocks& blocks = size <= kSmall ? state().small : state().large;
   const std::size_t rounded = (std::max<std::size_t>(size, 1) + kUnit - 1) / kUnit * kUnit;
   if (blocks.left < rounded) {
     blocks.left = std::max(rounded, kBlockSize);
-    blocks.all.emplace_back(new unsigned char[blocks.left]);
+    blocks.next = blocks.all.emplace_back(new unsigned char[blocks.left]).get();
   }
-  ++blocks.piecesOut;
+  ++state().piecesOut;
   blocks.left -= rounded;
-  return blocks.all.back().get() + blocks.left;
+  return std::exchange(blocks.next, blocks.next + rounded);
 }
 
 void Arena::give(void* piece) noexcept {
-  Blocks& blocks = theBlocks();
-  if (piece == nullptr || --blocks.piecesOut > 0) return;
-  blocks.all.clear();
-  blocks.left = 0;
+  if (piece == nullptr || --state().piecesOut > 0) return;
+  state().small = {};
+  state().large = {};
 }
 
 #endif

