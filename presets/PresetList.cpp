@@ -22,7 +22,8 @@ PresetList::PresetList(const PresetList& other)
       _indexes(*this) {}
 
 PresetList::~PresetList() {
-  destroyPresets();
+  for (const Preset* preset : presets())
+    delete preset;
 }
 
 // --- Folders -------------------------------------------------------------------------------------
@@ -81,25 +82,9 @@ void PresetList::removeAll() {
 }
 
 void PresetList::clearPresets() {
-  destroyPresets();
+  for (const Preset* preset : presets())
+    delete preset;
   removeAll();
-}
-
-void PresetList::destroyPresets() {
-  // The order of the list is not that of memory: what comes next is fetched while one is destroyed.
-  constexpr std::size_t kAhead = 8;
-  std::vector<Preset*> all;
-  all.reserve(static_cast<std::size_t>(count()));
-  for (Preset* preset : presets())
-    all.push_back(preset);
-  for (std::size_t i = 0; i < all.size(); ++i) {
-    if (i + kAhead < all.size()) {
-      const char* next = reinterpret_cast<const char*>(all[i + kAhead]);
-      __builtin_prefetch(next);
-      __builtin_prefetch(next + 64);
-    }
-    delete all[i];
-  }
 }
 
 void PresetList::destroyWithFile(Preset* preset) {

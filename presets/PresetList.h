@@ -160,7 +160,6 @@ class PresetList : public PtrManager, public PresetLimb {
     return (preset->*operation)(args...);
   }
   OSStatus saveEach(OSErr (Preset::*save)(), bool ramOnly);
-  void destroyPresets();
 
   template <typename Lies>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
