@@ -1,5 +1,4 @@
 // A preset file of any kind: the input is the file.
-#include <cstdint>
 
 #include "tests/presets/PresetTest.h"
 

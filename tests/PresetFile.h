@@ -61,13 +61,8 @@ struct PresetFile {
   }
 };
 
-/// Writes a file and makes the folders on the way to it.
-inline void put(const TestFolder& folder, const std::string& name, const std::string& bytes) {
-  std::filesystem::create_directories(std::filesystem::path(folder.path(name)).parent_path());
-  folder.write(name, bytes);
-}
 inline void put(const TestFolder& folder, const PresetFile& preset) {
-  put(folder, "lib/Presets/" + preset.path, preset.bytes());
+  folder.write("lib/Presets/" + preset.path, preset.bytes());
 }
 
 }  // namespace cairnset

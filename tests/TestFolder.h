@@ -1,19 +1,9 @@
 // A folder of its own for a test.
 #pragma once
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
+#include "host/Host.h"
 #include "host/files/FileManager.h"
+#include "tests/Testing.h"
 
 namespace cairnset {
 
@@ -21,19 +11,15 @@ namespace cairnset {
 /// said where. Names are paths below it; "" is the folder itself. Whatever cannot be done throws.
 class TestFolder {
  public:
-  explicit TestFolder(
-      const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+  explicit TestFolder(const fs::path& parent = fs::temp_directory_path()) {
     std::string pattern = (parent / "cairnset-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    _path = std::filesystem::canonical(pattern).string();
+    _path = fs::canonical(pattern).string();
   }
   ~TestFolder() {
-    if (testing::Test::HasFailure()) {
-      std::cerr << "kept: " << _path << '\n';
-      return;
-    }
     std::error_code ignored;
-    std::filesystem::remove_all(_path, ignored);
+    testing::Test::HasFailure() ? void(std::cerr << "kept: " << _path << '\n')
+                                : void(fs::remove_all(_path, ignored));
   }
   TestFolder(const TestFolder&) = delete;
   TestFolder& operator=(const TestFolder&) = delete;
@@ -50,14 +36,13 @@ class TestFolder {
   }
 
   /// Makes the folder, and those above it.
-  void makeFolder(const std::string& name) const {
-    std::filesystem::create_directories(path(name));
-  }
+  void makeFolder(const std::string& name) const { fs::create_directories(path(name)); }
 
+  /// Writes a file, and makes the folders above it.
   void write(const std::string& name, const std::string& bytes) const {
+    fs::create_directories(fs::path(path(name)).parent_path());
     std::ofstream file(path(name), std::ios::binary | std::ios::trunc);
-    file << bytes;
-    if (!file.flush()) throw std::runtime_error("could not write: " + name);
+    if (!(file << bytes).flush()) throw std::runtime_error("could not write: " + name);
   }
 
   std::string read(const std::string& name) const {
@@ -66,32 +51,47 @@ class TestFolder {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  bool exists(const std::string& name) const {
-    return std::filesystem::exists(std::filesystem::symlink_status(path(name)));
-  }
+  bool exists(const std::string& name) const { return fs::exists(fs::symlink_status(path(name))); }
 
-  /// The names in a folder, sorted.
-  std::vector<std::string> list(const std::string& name) const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(path(name)))
-      names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
+  /// All that is there, by name: "/" for a folder, "=" and the bytes of a file, "->" and where an
+  /// alias leads.
+  std::map<std::string, std::string> items(const std::string& below = "") const {
+    std::map<std::string, std::string> all;
+    for (const auto& entry : fs::recursive_directory_iterator(path(below))) {
+      const std::string name = entry.path().string().substr(_path.size() + 1);
+      all[name] = entry.is_symlink()     ? "->" + fs::read_symlink(entry).string()
+                  : entry.is_directory() ? "/"
+                                         : "=" + read(name);
+    }
+    return all;
   }
-
-  /// A file's bytes, an alias's target, a folder's whole content.
-  std::string look(const std::string& name) const {
-    namespace fs = std::filesystem;
-    if (fs::is_symlink(path(name))) return "->" + fs::read_symlink(path(name)).string();
-    if (!fs::is_directory(path(name))) return read(name);
-    std::string all = "[";
-    for (const std::string& item : list(name))
-      all += item + "=" + look((name.empty() ? "" : name + "/") + item) + " ";
-    return all + "]";
+  /// The same as one text.
+  std::string look(const std::string& below = "") const {
+    std::string text;
+    for (const auto& [name, item] : items(below))
+      text += name + item + ' ';
+    return text;
   }
 
  private:
   std::string _path;
+};
+
+/// A test with a folder and a host of its own, which leaves no descriptor open.
+class FolderTest : public testing::Test, protected TestFolder {
+ protected:
+  using TestFolder::TestFolder;
+  ~FolderTest() override { EXPECT_EQ(lowestFreeDescriptor(), _lowest) << "one was left open"; }
+  static int lowestFreeDescriptor() {
+    const int descriptor = ::dup(STDERR_FILENO);
+    ::close(descriptor);
+    return descriptor;
+  }
+
+ private:
+  const int _lowest = lowestFreeDescriptor();
+  Host _host;
+  const HostInUse _host_in_use{_host};
 };
 
 }  // namespace cairnset

@@ -1,12 +1,7 @@
-#include <cstdlib>
-#include <iostream>
-
-#include <gtest/gtest.h>
-
 #include "host/terminal/Alerts.h"
+#include "tests/Testing.h"
 
 namespace cairnset {
-namespace {
 
 TEST(AlertsTest, OnStandardError) {
   const std::string endless(2000, 'n');
@@ -37,5 +32,4 @@ TEST(AlertsTest, OnStandardOutput) {
                           "[   ]%n\né\n"));
 }
 
-}  // namespace
 }  // namespace cairnset

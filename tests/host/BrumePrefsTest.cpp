@@ -1,7 +1,3 @@
-#include <tuple>
-#include <unistd.h>
-#include <utility>
-
 #include "host/preferences/BrumePrefs.h"
 #include "host/preferences/TimeoutFile.h"
 #include "host/terminal/Chooser.h"
@@ -9,9 +5,6 @@
 #include "tests/TestFolder.h"
 
 namespace cairnset {
-namespace {
-
-using namespace std::string_literals;
 
 /// What the choosers read while this lives, from a pipe which may stay open behind it.
 struct Answers {
@@ -20,17 +13,13 @@ struct Answers {
     if (hasEnd) ::close(std::exchange(ends[1], -1));
     chooserStreams() = {ends[0], &std::cerr, hasEnd ? 5000 : 20};
   }
-  ~Answers() {
-    ::close(ends[0]), ::close(ends[1]);
-    chooserStreams() = before;
-  }
-  const ChooserStreams before = chooserStreams();
+  ~Answers() { ::close(ends[0]), ::close(ends[1]); }
   int ends[2];
 };
 
 // How the program meets its preferences is in tests/transcripts/preferences.txt. Here the library
 // is a real folder in place of the alias.
-class BrumePrefsTest : public testing::Test, protected TestFolder {
+class BrumePrefsTest : public FolderTest {
  protected:
   BrumePrefsTest() {
     makeFolder("Olvan Preferences/Olvan Items");
@@ -48,9 +37,9 @@ TEST_F(BrumePrefsTest, ChoosingAgainSparesAFullFolder) {
   const Answers answers(items + "\n" + library + "\n" + library + "\n", true);
   testing::internal::CaptureStderr();
   EXPECT_EQ(prefs.userSelectNewItemsPath() + prefs.userSelectNewItemsPath(), 0);
-  EXPECT_TRUE(std::filesystem::remove(items + "/kept"));
+  EXPECT_TRUE(fs::remove(items + "/kept"));
   EXPECT_EQ(prefs.userSelectNewItemsPath(), 0);
-  EXPECT_EQ(std::filesystem::read_symlink(items), library);
+  EXPECT_EQ(fs::read_symlink(items), library);
   const std::string asked = "Please locate the Olvan Items folder.\nFolder: \n";
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             asked + asked + "Olvan reports a file system error while creating Olvan Items.\n" +
@@ -118,5 +107,4 @@ TEST_F(BrumePrefsTest, KeymapsAreChosenByTheirName) {
   }
 }
 
-}  // namespace
 }  // namespace cairnset

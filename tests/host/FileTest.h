@@ -1,39 +1,12 @@
 // What the tests of the File Manager share.
 #pragma once
 
-#include <cerrno>
-#include <fcntl.h>
-#include <string>
-#include <string_view>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "host/files/FileManager.h"
-#include "tests/Intercept.h"
 #include "tests/TestFolder.h"
 
 namespace cairnset {
 
-/// A host and a folder of its own, and no descriptor left open.
-class FileTest : public testing::Test, protected TestFolder {
+class FileTest : public FolderTest {
  protected:
-  ~FileTest() override {
-    EXPECT_EQ(lowestFreeDescriptor(), _lowest) << "a descriptor was left open";
-  }
-  static int lowestFreeDescriptor() {
-    const int descriptor = ::dup(STDERR_FILENO);
-    ::close(descriptor);
-    return descriptor;
-  }
-  /// What a system call does that fails.
-  static int failWith(int error) {
-    errno = error;
-    return -1;
-  }
-
   static OSErr create(const FSRef& folder, std::u16string_view name, FSRef* out = nullptr) {
     return FSCreateFileUnicode(&folder, name.size(), name.data(), out, nullptr);
   }
@@ -47,13 +20,13 @@ class FileTest : public testing::Test, protected TestFolder {
     return FSOpenFork(&ref, 0, u"", permissions, fork);
   }
   void symlink(const std::string& target, const std::string& name) {
-    std::filesystem::create_symlink(target, path(name));
+    fs::create_symlink(target, path(name));
   }
 
   /// Whether the volume keeps names byte for byte and tells cases apart, as not every one does.
   bool keepsNames() {
-    const bool keeps = std::ofstream(path("A\xFF")) && list("")[0] == "A\xFF" && !exists("a\xFF");
-    std::filesystem::remove(path("A\xFF"));
+    const bool keeps = std::ofstream(path("A\xFF")) && look() == "A\xFF= " && !exists("a\xFF");
+    fs::remove(path("A\xFF"));
     return keeps;
   }
   /// What an iterator gives, which is left open: the volume names, folders with a "/", each with a
@@ -68,8 +41,7 @@ class FileTest : public testing::Test, protected TestFolder {
       std::size_t count = 0;
       result = FSGetCatalogInfoBulk(iterator, 3, &count, kFSCatInfoNodeFlags, infos, refs);
       for (std::size_t i = 0; i < count; ++i) {
-        names += host().nodes.name(refs[i].node);
-        names += infos[i].nodeFlags != 0 ? "/|" : "|";
+        names.append(host().nodes.name(refs[i].node)).append(infos[i].nodeFlags != 0 ? "/|" : "|");
         if (items != nullptr) items->push_back(refs[i]);
       }
     }
@@ -77,11 +49,6 @@ class FileTest : public testing::Test, protected TestFolder {
   }
 
   const SystemCalls real;
-
- private:
-  Host _host;
-  const HostInUse _host_in_use{_host};
-  const int _lowest = lowestFreeDescriptor();
 };
 
 }  // namespace cairnset

@@ -1,12 +1,6 @@
-#include <algorithm>
-#include <limits>
-#include <tuple>
-#include <utility>
-
 #include "tests/host/FileTest.h"
 
 namespace cairnset {
-namespace {
 
 class ForksTest : public FileTest {
  protected:
@@ -49,12 +43,12 @@ TEST_F(ForksTest, ReadsFromWhereItIsTold) {
 // At most 3 bytes a call, every other call interrupted, and sizes around the 1,024 bytes that are
 // read ahead.
 TEST_F(ForksTest, CompletesInterruptedAndShortTransfers) {
-  static int calls;
-  const auto some = [](auto call, int d, auto* bytes, std::size_t n, off_t at) -> ssize_t {
+  int calls = 0;
+  const auto some = [&](const auto& call, int d, auto* bytes, std::size_t n, off_t at) -> ssize_t {
     return ++calls % 2 == 0 ? failWith(EINTR) : call(d, bytes, std::min<std::size_t>(n, 3), at);
   };
-  host().calls.pread = [](auto... args) { return decltype(some)()(::pread, args...); };
-  host().calls.pwrite = [](auto... args) { return decltype(some)()(::pwrite, args...); };
+  intercept(host().calls.pread, some);
+  intercept(host().calls.pwrite, some);
   for (const std::size_t size : {0u, 1u, 1023u, 1024u, 1025u, 3000u}) {
     std::string content;
     while (content.size() < size)
@@ -74,7 +68,6 @@ TEST_F(ForksTest, CompletesInterruptedAndShortTransfers) {
 TEST_F(ForksTest, OpensWhatIsAtThePlaceNow) {
   const FSRef top = ref("");
   for (const char way : {'r', 'm', 'd', 'f'}) {
-    makeFolder("folder");
     write("folder/file", "123456789");
     const FSRef file = ref("folder/file"), folder = ref("folder");
     const std::int16_t reader = opened(file, fsRdPerm), writer = opened(file, fsRdWrPerm);
@@ -90,7 +83,6 @@ TEST_F(ForksTest, OpensWhatIsAtThePlaceNow) {
     std::int16_t now = 0;
     EXPECT_EQ(openFork(file, fsRdPerm, &now), way == 'f' ? dirNFErr : fnfErr) << way;
     EXPECT_EQ(openFork({0}, fsRdPerm, &now), errFSBadFSRef);
-    makeFolder("folder");
     write("folder/file", "new bytes");
     now = opened(file, fsRdPerm);
     EXPECT_EQ(readAll(now) + readAll(reader), "new bytesabc456789") << way;
@@ -127,5 +119,4 @@ TEST_F(ForksTest, RefusesWhatIsNoRegularFileAtOnce) {
   ::alarm(0);
 }
 
-}  // namespace
 }  // namespace cairnset

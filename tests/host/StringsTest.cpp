@@ -1,10 +1,4 @@
 // Names on the volume and held ones; PascalStrings, FileNameRules, PathStrings and Tokenizer.
-#include <cstring>
-#include <memory>
-#include <string>
-#include <tuple>
-
-#include <gtest/gtest.h>
 
 #include "host/ResultCodes.h"
 #include "host/SystemVersion.h"
@@ -15,15 +9,14 @@
 #include "host/text/PascalStrings.h"
 #include "host/text/PathStrings.h"
 #include "host/text/Tokenizer.h"
+#include "tests/Testing.h"
 
 namespace cairnset {
 
 // A Str255 with a guard behind it, so that a byte too many shows in any build.
 struct Pascal {
   explicit Pascal(const std::string& text) { C2PCopy(bytes, text.c_str()); }
-  std::string text() const {
-    return bytes[256] == 0 ? std::string(bytes + 1, bytes + 1 + bytes[0]) : "overrun";
-  }
+  auto text() const { return std::string(bytes + 1, bytes + (bytes[256] == 0 ? 1 + *bytes : 600)); }
   unsigned char bytes[600] = {};
 };
 
@@ -72,14 +65,14 @@ TEST(FileNameRulesTest, BothForms) {
       {'.', "Name..", "Name"},
       {'_', "\"*/<>?\\|\x1F\x01:;\x7F\xAF. ", "__________:;\x7F\xAF. "}};
   for (const auto& [rule, name, result] : cases) {
-    const auto apply = [which = rule](auto* text) {
-      if (which == '*') RemoveAllIllegalFilenameCharsInPlace(text);
-      if (which == '.') RemoveIllegalTrailingFilenameCharsInPlace(text);
-      if (which == '_') RemoveIllegalFilenameCharsInPlace(text);
-    };
     std::string c = name;
     Pascal pascal(name);
-    apply(c.data()), apply(pascal.bytes);
+    const auto apply = [which = rule](auto*... text) {
+      if (which == '*') (RemoveAllIllegalFilenameCharsInPlace(text), ...);
+      if (which == '.') (RemoveIllegalTrailingFilenameCharsInPlace(text), ...);
+      if (which == '_') (RemoveIllegalFilenameCharsInPlace(text), ...);
+    };
+    apply(c.data(), pascal.bytes);
     EXPECT_STREQ(c.c_str(), result.c_str()) << name;
     EXPECT_EQ(pascal.text(), result) << name;
   }
@@ -120,12 +113,9 @@ TEST(PathStringsTest, ChangedInPlace) {
   // u: made uniform; n: made native; o: the same on an older system. "Rooted" begins with the
   // default volume's name.
   const std::tuple<char, const char*, const char*> cases[] = {
-      {'u', "/a/b//", "/a/b"},
-      {'n', "Data:Presets", "/Volumes/Data/Presets"},
-      {'n', ":Presets:Programs", "Presets/Programs"},
-      {'n', "Rooted:a", "/Rooted/a"},
-      {'o', "/Data/Presets", "Data:Presets"},
-      {'o', "//a:b", ":a:b"}};
+      {'u', "/a/b//", "/a/b"},        {'n', "Data:Presets", "/Volumes/Data/Presets"},
+      {'n', "Rooted:a", "/Rooted/a"}, {'n', ":Presets:Programs", "Presets/Programs"},
+      {'o', "//a:b", ":a:b"},         {'o', "/Data/Presets", "Data:Presets"}};
   for (const auto& [change, path, result] : cases) {
     const auto buffer = std::make_unique<char[]>(std::strlen(path) + 9 + 1);
     std::strcpy(buffer.get(), path);
@@ -137,12 +127,9 @@ TEST(PathStringsTest, ChangedInPlace) {
 }
 
 TEST(SystemVersionTest, HasANameUpToFour) {
-  const std::pair<std::optional<long>, std::string> cases[] = {
-      {3, "Tiger"}, {4, "Tiger"}, {5, ""}, {std::nullopt, ""}};
-  for (const auto& [minor, name] : cases) {
+  for (const std::optional<long> minor : {std::optional(3l), {4}, {5}, {}}) {
     gestaltAnswers().minorVersion = minor;
-    const char* shown = getSystemVersionString();
-    EXPECT_EQ(shown != nullptr ? shown : "", name);
+    EXPECT_STREQ(getSystemVersionString(), minor.value_or(5) < 5 ? "Tiger" : nullptr);
   }
 }
 
@@ -168,13 +155,11 @@ TEST(TokenizerTest, Steps) {
   }
 }
 
-static std::string sortKey(std::string_view name) {
-  std::string key;
+static std::string sortKey(std::string_view name, std::string key = "") {
   return appendSortKey(name, key), key;
 }
 
-static std::string volumeName(std::u16string_view name) {
-  std::string out = "left over";
+static std::string volumeName(std::u16string_view name, std::string out = "left over") {
   return volumeNameFromUnicode(name, out) == bdNamErr ? "bdNamErr" + out : out;
 }
 
@@ -242,7 +227,7 @@ TEST(NameConversionsTest, BothWays) {
   const std::u16string wide(300, u'\u4E2D');
   ConvertCFStringRefToHFSUniStr(&wide, &name);
   EXPECT_EQ(std::u16string(name.unicode, name.length), wide.substr(0, 255));
-  char text[4] = "old";
+  char text[] = "old";
   ConvertHFSUniStrToCString(&name, text, 3);
   EXPECT_STREQ(text, "__");
 }

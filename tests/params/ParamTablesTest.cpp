@@ -1,22 +1,14 @@
-#include <algorithm>
 #include <cmath>
-#include <limits>
 #include <locale>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "params/Keysets.h"
 #include "params/ParamTables.h"
 #include "params/UnitTables.h"
+#include "tests/Testing.h"
 
 namespace cairnset {
-namespace {
 
-std::string shown(const ParamConverter& converter, float raw) {
+static std::string shown(const ParamConverter& converter, float raw) {
   char text[kParamDisplaySize];
   converter.rawToDisplay(raw, text);
   return text;
@@ -69,38 +61,46 @@ TEST(ParamConverter, TypedTextIsReadAlikeUnderEveryLocale) {
     char do_decimal_point() const override { return ','; }
   };
   const std::locale before = std::locale::global(std::locale(std::locale(), new Commas));
-  const std::pair<const ParamConverter*, std::vector<std::pair<const char*, long>>> groups[] = {
-      {&StaticPercentConverter, {{" 50 % ", 50}, {"+50%", 50}, {"49.4", 49}, {"-0.0", 0}}},
-      {&StaticPercentConverter, {{"-7", 0}, {"12345678901", 100}, {".5", 0}, {"1. x", 1}}},
-      {&StaticPercentConverter, {{"5 bananas", -1}, {"1,5", -1}, {"0x10", -1}}},
-      {&Static24dBGainConverter, {{"-6db", 36}, {"-5.8", 36}, {"0.25", 49}, {"100", 96}}},
-      {&Static24dBGainConverter, {{"-99 dB", 0}, {"1 kHz", -1}}},
-      {&StaticFreqTableParamConverter, {{"9.46 kHz", 107}, {"9463 hz", 107}, {"9463", 107}}},
-      {&StaticFreqTableParamConverter, {{"21.9", 2}, {"50 KHZ", 120}, {"50 dB", -1}}},
-      {&StaticOnOffParamConverter, {{"\toFF ", 0}, {"1", 1}, {"O", -1}}},
-      {&StaticBufferSizeParamConverter, {{"LARGE", 2}, {"0.5", 1}}}};
-  for (const auto& [converter, cases] : groups)
-    for (const auto& [text, index] : cases)
-      EXPECT_EQ(converter->stringToIndex(text), index) << text;
+  const auto indices = [](const ParamConverter& converter, std::vector<const char*> texts) {
+    std::string shown;
+    for (const char* text : texts)
+      shown += std::to_string(converter.stringToIndex(text)) + ' ';
+    return shown;
+  };
+  EXPECT_EQ(indices(StaticPercentConverter, {" 50 % ", "+50%", "49.4", "-0.0", "-7", "12345678901",
+                                             ".5", "1. x", "5 bananas", "1,5", "0x10"}),
+            "50 50 49 0 0 100 0 1 -1 -1 -1 ");
+  EXPECT_EQ(indices(Static24dBGainConverter, {"-6db", "-5.8", "0.25", "100", "-99 dB", "1 kHz"}),
+            "36 36 49 96 0 -1 ");
+  EXPECT_EQ(indices(StaticFreqTableParamConverter,
+                    {"9.46 kHz", "9463 hz", "9463", "21.9", "50 KHZ", "50 dB"}),
+            "107 107 107 2 120 -1 ");
+  EXPECT_EQ(indices(StaticOnOffParamConverter, {"\toFF ", "1", "O"}), "0 1 -1 ");
+  EXPECT_EQ(indices(StaticBufferSizeParamConverter, {"LARGE", "0.5"}), "2 1 ");
   const std::string digits(400, '9');
   for (const ParamConverter* converter : Param_Converters)
-    for (const char* text : {"", "abc", "1.2.3", "nan", "-", ".", "--1", "5-", "1e400", "%",
-                             digits.c_str(), "\xFF", static_cast<const char*>(nullptr)})
-      EXPECT_EQ(converter->stringToIndex(text), -1) << (text == nullptr ? "null" : text);
+    EXPECT_EQ(indices(*converter, {"", "abc", "1.2.3", "nan", "-", ".", "--1", "5-", "1e400", "%",
+                                   digits.c_str(), "\xFF", nullptr}),
+              "-1 -1 -1 -1 -1 -1 -1 -1 -1 -1 -1 -1 -1 ");
   std::locale::global(before);
 }
 
 TEST(ParamConverter, StepsRoundToEvenAndHaveNoLowerLimit) {
   const StepParamConverter tens(0, 10, 1, 0);
-  const std::pair<float, long> cases[] = {{-0.2F, -2}, {0.25F, 2}, {1e30F, 10}, {NAN, 0}};
-  for (const auto& [raw, index] : cases)
-    EXPECT_EQ(tens.rawToIndex(raw), index) << raw;
-  EXPECT_EQ(tens.rawToIndex(-1e30F), -2147483647 - 1);
-  EXPECT_EQ(Static24dBGainConverter.rawToIndex(-0.5F), -48);
+  const long at[] = {tens.rawToIndex(-0.2F),  tens.rawToIndex(0.25F),
+                     tens.rawToIndex(1e30F),  tens.rawToIndex(NAN),
+                     tens.rawToIndex(-1e30F), Static24dBGainConverter.rawToIndex(-0.5F)};
+  EXPECT_EQ(testing::PrintToString(at), "{ -2, 2, 10, 0, -2147483648, -48 }");
   EXPECT_EQ(intToFloatParam(20, 40) + intToFloatParam(5, 1), 20.0F / 39.0F);
   char text[kParamDisplaySize + 1] = {};
   StepParamConverter(1e30, 2e30, 1e29, 4).rawToDisplay(0.0F, text);
   EXPECT_EQ(std::string(text).size(), kParamDisplaySize - 1);
+  const StepParamConverter fractions(-20.0 / 280, 1, 1.0 / 280, 0);
+  EXPECT_EQ(fractions.quantizeIntrinsic(0.0F), 0.0F);
+  // Keysets; 'ord4', 'ord6' and 'sma1' as far as a float holds them.
+  for (const float id :
+       {-32767.0F, 579.0F, 0x6F726400p0F, 0x6F726480p0F, 0x736D6100p0F, 0xFFFF00p8F})
+    EXPECT_EQ(StaticRawParamConverter.quantizeIntrinsic(id), id);
 }
 
 // Tables take the higher entry and stay inside, words split at their single-precision bounds, and a
@@ -126,15 +126,6 @@ TEST(ParamConverter, WhatIsShownAndWhatTheEngineTakes) {
     EXPECT_EQ(shown(*converter, raw), text);
   }
   EXPECT_EQ(StaticAmpTableParamConverter.quantizeIntrinsic(-11.9F), -11.5F);
-}
-
-TEST(ParamConverter, ZeroAndIdentifiersAreExact) {
-  const StepParamConverter fractions(-20.0 / 280, 1, 1.0 / 280, 0);
-  EXPECT_EQ(fractions.quantizeIntrinsic(0.0F), 0.0F);
-  // Keysets; 'ord4', 'ord6' and 'sma1' as far as a float holds them.
-  for (const float id :
-       {-32767.0F, 579.0F, 0x6F726400p0F, 0x6F726480p0F, 0x736D6100p0F, 0xFFFF00p8F})
-    EXPECT_EQ(StaticRawParamConverter.quantizeIntrinsic(id), id);
 }
 
 TEST(ParamTables, DefaultsAreStepsOfTheirConverters) {
@@ -190,24 +181,20 @@ TEST(UnitTables, StatedEntriesHoldExactly) {
   EXPECT_FLOAT_EQ(getMidiFreq(127), 25087.708F);
 }
 
-TEST(UnitTables, NoteNames) {
+TEST(UnitTables, NoteNamesAndLowpassLookUps) {
   for (int note = 0; note < 127; ++note)
     EXPECT_EQ(getMIDIKey(MIDIKeys[static_cast<std::size_t>(note)]), note);
   EXPECT_TRUE(getMIDIKey("C#-1") == 1 && getMIDIKey("C4") == 60 && getMIDIKey("F#9") == 126);
   for (const char* name : {"G9", "H2", "a4", "A4 ", ""})
     EXPECT_EQ(getMIDIKey(name), 0) << name;
-}
-
-TEST(UnitTables, LowpassLookUps) {
-  const float infinity = std::numeric_limits<float>::infinity();
-  const std::pair<float, std::size_t> cases[] = {{0.0004F, 0}, {-infinity, 0}, {std::nanf(""), 0},
-                                                 {0.001F, 2},  {0.4996F, 999}, {infinity, 999}};
-  for (const auto& [ratio, entry] : cases)
-    EXPECT_EQ(getFreqCoef_1plp(ratio), lp1p_coef[entry]) << ratio;
+  for (const float ratio : {0.0004F, -INFINITY, NAN, 0.001F, 0.4996F, INFINITY})
+    EXPECT_EQ(getFreqCoef_1plp(ratio), lp1p_coef[ratio == 0.001F ? 2
+                                                 : ratio > 0.4F  ? 999
+                                                                 : 0])
+        << ratio;
   for (std::size_t i = 1; i < lp1p_coef.size(); ++i)
     ASSERT_EQ(getFreqRatio_1plp(lp1p_coef[i]), static_cast<double>(i) / 2000.0);
   EXPECT_EQ(getFreqRatio_1plp(0.0F), 0.4995);
 }
 
-}  // namespace
 }  // namespace cairnset

@@ -1,18 +1,11 @@
 #include <bit>
-#include <cerrno>
-#include <climits>
-#include <cstring>
 
-#include "host/Host.h"
 #include "presets/PresetComparison.h"
 #include "tests/presets/PresetTest.h"
 
 namespace cairnset {
-namespace {
 
-using namespace std::string_literals;
-
-std::string reals(std::initializer_list<float> values) {
+static std::string reals(std::initializer_list<float> values) {
   std::string bytes;
   for (const float value : values)
     bytes += bigEndian(std::bit_cast<std::uint32_t>(value));
@@ -33,7 +26,7 @@ const std::pair<std::string, std::string> kDefaults[] = {
                        padded("No Synth Keyset", 32)},
     {"Sessions/s", kDefaultName + kDefaultName + "\0\0\0\x18\0\1"s + kZeros + reals({0, 440})}};
 
-class PresetFileTest : public testing::Test, protected TestFolder {
+class PresetFileTest : public FolderTest {
  protected:
   std::unique_ptr<Preset> written(const char* name, const char* code = "VMap") {
     auto preset = presetOf(code, ref(""), name, true);
@@ -62,13 +55,12 @@ TEST_F(PresetFileTest, EveryTruncationAndEveryChangedHeaderByteIsToldApart) {
     bytes.replace(12, 72, 72, 'n');  // a name without an end, and what is reserved
     EXPECT_EQ(checkPresetFile(*this, bytes), 0);
     EXPECT_EQ(checkPresetFile(*this, bytes + "x"), Preset::kWrongSize);
-    for (std::size_t length = 0; length < bytes.size(); ++length)
-      ASSERT_EQ(checkPresetFile(*this, bytes.substr(0, length)),
-                kWrong[std::min<std::size_t>(length / 4, 2)]);
-    for (std::size_t i = 0; i < 12; ++i) {
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      const OSErr wrong = kWrong[std::min<std::size_t>(i / 4, 2)];
+      ASSERT_EQ(checkPresetFile(*this, bytes.substr(0, i)), wrong) << path << ' ' << i;
       std::string changed = bytes;
       changed[i] = static_cast<char>(changed[i] ^ 0x20);
-      ASSERT_EQ(checkPresetFile(*this, changed), kWrong[i / 4]) << path << ' ' << i;
+      EXPECT_TRUE(i >= 12 || checkPresetFile(*this, changed) == wrong) << path << ' ' << i;
     }
   }
 }
@@ -86,9 +78,9 @@ TEST_F(PresetFileTest, TailsAndLongNames) {
   }
   for (const std::uint32_t size : {629145600u, 629145601u}) {  // 600 MiB, and a byte more
     write(name, read(name).substr(0, 103).replace(8, 4, bigEndian(size)));
-    std::filesystem::resize_file(path(name), size);
+    fs::resize_file(path(name), size);
     EXPECT_EQ(preset->readIn(), size == 629145600 ? 0 : Preset::kWrongSize);
-    std::filesystem::resize_file(path(name), 103);
+    fs::resize_file(path(name), 103);
   }
   EXPECT_STREQ(preset->getTreeItemName(), name.c_str()) << "never that in the file";
 }
@@ -96,7 +88,6 @@ TEST_F(PresetFileTest, TailsAndLongNames) {
 TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   const auto preset = written("one"), other = written("p");
   const std::string bytes = read("p");
-  makeFolder("into");
   for (const char* there : {"taken", "into/one", "into/two", "into/p"})
     write(there, "old");
   EXPECT_EQ(preset->rename(pascal("taken")), dupFNErr);
@@ -108,17 +99,15 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   EXPECT_EQ(preset->moveToFolder(ref("taken"), false), dirNFErr);
   EXPECT_EQ(preset->moveToFolder(ref("into"), false), dupFNErr);
   EXPECT_EQ(preset->moveToFolder(ref("into"), true), dupFNErr);
-  EXPECT_EQ(list("into"), (std::vector<std::string>{"p", "two"})) << "the host name is still one";
-  EXPECT_EQ(read("into/two"), "old");
-  std::filesystem::remove(path("into/two"));
+  EXPECT_EQ(look("into"), "into/p=old into/two=old ") << "the host name is still one";
+  fs::remove(path("into/two"));
   write("into/one", "old");
   EXPECT_EQ(preset->moveToFolder(ref("into"), true), 1);
-  EXPECT_EQ(list("into"), (std::vector<std::string>{"p", "two"}))
-      << "nor does it have to be in the way";
+  EXPECT_FALSE(exists("into/one")) << "nor does it have to be in the way";
   makeFolder("on");
-  std::filesystem::create_hard_link(path("into/two"), path("on/one"));
+  fs::create_hard_link(path("into/two"), path("on/one"));
   EXPECT_EQ(preset->moveToFolder(ref("on"), true), 1);
-  EXPECT_EQ(list("on"), (std::vector<std::string>{"one", "two"})) << "it may be its only name";
+  EXPECT_TRUE(exists("on/one") && exists("on/two")) << "it may be its only name";
   for (int round = 0; round < 2; ++round)
     EXPECT_EQ(other->moveToFolder(ref("into"), true), 1) << "never deletes itself";
   makeFolder("on/p");
@@ -126,7 +115,7 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
     EXPECT_EQ(other->moveToFolder(ref(folder), true), 1) << "an empty folder makes room too";
   EXPECT_EQ(other->getParentFolderID(), ref("into").node);
   EXPECT_EQ(read("into/p"), bytes);
-  std::filesystem::remove(path("into/p"));
+  fs::remove(path("into/p"));
   EXPECT_EQ(other->writeOut(), 0) << "not open: told by the status alone";
   EXPECT_EQ(other->status(), fnfErr);
   for (int round = 0; round < 2; ++round)
@@ -138,7 +127,7 @@ TEST_F(PresetFileTest, SeesTheDiskAsItIsWhileOthersHaveItOpen) {
   const auto holder = written("p");
   const auto preset = presetOf("VMap", ref("p"));
   EXPECT_EQ(holder->openForWriting(), 0);
-  std::filesystem::remove(path("p"));
+  fs::remove(path("p"));
   EXPECT_EQ(preset->writeOutIfDeletedFromDisk(), 0);
   EXPECT_TRUE(exists("p"));
   write("p", PresetFile{"Velocity Maps/p", true, 77}.bytes());
@@ -195,11 +184,8 @@ TEST_F(PresetFileTest, WhatAHeldPresetTakesAndGives) {
   EXPECT_TRUE(preset->equalParams(*twin)) << "no more than it is given";
   preset->setData(padded("12345678", 4096).c_str(), LONG_MAX);
   EXPECT_EQ(std::memcmp(preset->getData(), "12345678", 8), 0);
-  const SystemCalls real = host().calls;
-  host().calls.close = [](int descriptor) { return ::close(descriptor), errno = ENOSPC, -1; };
+  host().calls.close = [](int descriptor) { return ::close(descriptor), failWith(ENOSPC); };
   EXPECT_EQ(preset->writeOut(), dskFulErr) << "some volumes tell of a lost write only here";
-  host().calls = real;
 }
 
-}  // namespace
 }  // namespace cairnset

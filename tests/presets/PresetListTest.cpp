@@ -1,28 +1,17 @@
-#include <algorithm>
 #include <numeric>
-#include <random>
 
-#include <gtest/gtest.h>
-
-#include "host/files/FileManager.h"
 #include "host/files/FileSystemHelpers.h"
 #include "presets/BrowserSorting.h"
 #include "presets/ExchangeOrder.h"
-#include "presets/PresetManager.h"
 #include "presets/Renames.h"
-#include "tests/Intercept.h"
 #include "tests/presets/PresetTest.h"
 
 namespace cairnset {
-namespace {
 
 const std::string kRoot = "lib/Presets/Velocity Maps";
 
 // A library with one list that is loaded, that of the velocity maps.
-class PresetListTest : public testing::Test, protected TestFolder {
-  Host _host;
-  const HostInUse _host_in_use{_host};
-
+class PresetListTest : public FolderTest {
  protected:
   PresetListTest() {
     makeFolder("lib");
@@ -32,10 +21,9 @@ class PresetListTest : public testing::Test, protected TestFolder {
 
   std::string shown() {
     std::string text;
-    for (const Preset* preset : list.presets()) {
+    for (const Preset* preset : list.presets())
       text += std::string(preset->getTreeItemName()) + (preset->isROM() ? " ROM " : " RAM ") +
               std::to_string(preset->index()) + "; ";
-    }
     return text;
   }
 
@@ -63,7 +51,7 @@ TEST_F(PresetListTest, OrdersROMFirstNumbersRAMAnewAndLoadsOnlyWhatIsNew) {
   const std::string bytes = read(kRoot + "/Default");
   list.clearPresets();
   host().calls.readdir = [](DIR*) -> struct dirent* {
-    return errno = EIO, nullptr;
+    return failWith(EIO), nullptr;
   };
   load();
   EXPECT_EQ(list.count(), 0);
@@ -83,16 +71,21 @@ TEST_F(PresetListTest, LooksUpToANullEntryOrBehindIt) {
   EXPECT_EQ(list.findPreset("late"), late);
 }
 
-TEST_F(PresetListTest, AFolderThatCameBackHasItsPresetsAgain) {
+TEST_F(PresetListTest, HangsAPresetUnderTheLimbOfItsFolderAlsoOfOneThatCameBack) {
   PresetLimb* limb = new PresetLimb;
-  const FSRef folder = (makeFolder(kRoot + "/f"), ref(kRoot + "/f"));
-  std::filesystem::remove(path(kRoot + "/f"));
+  makeFolder(kRoot + "/f");
+  const FSRef folder = ref(kRoot + "/f");
+  fs::remove(path(kRoot + "/f"));
   limb->setSpec(folder);
   list.addLimb(limb);
   put(*this, PresetFile{"Velocity Maps/f/p"});
   load();
   EXPECT_EQ(limb->getTreeItemID(), folder.node);
   EXPECT_EQ(limb->leaves().count(), 1);
+  put(*this, PresetFile{"Velocity Maps/f/b"}), put(*this, PresetFile{"Velocity Maps/g/c"});
+  limb->setSpec(ref(kRoot + "/g"));
+  EXPECT_EQ(list.openPreset(ref(kRoot + "/f/b"))->parent(), nullptr);
+  EXPECT_EQ(list.openPreset(ref(kRoot + "/g/c"))->parent(), limb);
 }
 
 TEST_F(PresetListTest, MakesDuplicatesAndDeletesPresets) {
@@ -126,9 +119,7 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
     makeFolder(kRoot + folder);
   load();
   std::mt19937 random(3);
-  const auto pick = [&random](long n) {
-    return static_cast<long>(random() % static_cast<unsigned long>(n));
-  };
+  const auto pick = [&random](long n) { return static_cast<long>(random() >> 1) % n; };
   const std::string names[] = {"a", "A", "b", "Default", "\x8E", "\x83", "e", "long name"};
   const char* folders[] = {"", "/f", "/f/g", "/h"};
   for (int step = 0; step < 2500; ++step) {
@@ -146,29 +137,20 @@ TEST_F(PresetListTest, LookUpsAreThoseOfPlainWalks) {
     if (preset != nullptr && operation == 7) preset->setIndex(static_cast<std::int32_t>(pick(4)));
     const FSRef file = preset != nullptr ? preset->fileRef() : folder;
     list.setUserFolder(folder);  // also where the next new preset goes
-    const auto first = [this](auto matches) {
-      const auto all = list.presets();
-      const auto found = std::find_if(all.begin(), all.end(), matches);
-      return found != all.end() ? *found : nullptr;
-    };
-    const auto isNamed = [&](auto* p) { return fncmp(name.c_str(), p->getTreeItemName()) == 0; };
-    const auto isOfFile = [&](auto* p) { return isSameFile(&p->fileRef(), &file); };
-    const auto isHere = [&](auto* p) {
+    Preset *named = nullptr, *ofFile = nullptr, *here = nullptr;
+    for (Preset* p : list.presets()) {
       Str255 own;
       p->getName(own);
-      return isSameFolder(&p->fileRef(), &folder) && equalPString(own, pascal(name), false);
-    };
-    ASSERT_EQ(list.findPreset(name.c_str()), first(isNamed)) << "step " << step;
-    ASSERT_EQ(list.findPresetUsingFileSpec(file), first(isOfFile)) << "step " << step;
-    ASSERT_EQ(list.findPresetInUserFolder(pascal(name), false), first(isHere)) << "step " << step;
+      if (named == nullptr && fncmp(name.c_str(), p->getTreeItemName()) == 0) named = p;
+      if (ofFile == nullptr && isSameFile(&p->fileRef(), &file)) ofFile = p;
+      if (here == nullptr && isSameFolder(&p->fileRef(), &folder) &&
+          equalPString(own, pascal(name), false))
+        here = p;
+    }
+    ASSERT_EQ(list.findPreset(name.c_str()), named) << "step " << step;
+    ASSERT_EQ(list.findPresetUsingFileSpec(file), ofFile) << "step " << step;
+    ASSERT_EQ(list.findPresetInUserFolder(pascal(name), false), here) << "step " << step;
   }
-}
-
-long calls;
-
-template <typename... Calls>
-void count(Calls&... counted) {
-  (intercept(counted, [](const auto& real, auto... args) { return ++calls, real(args...); }), ...);
 }
 
 // Noise-free, and so the gate against a step that has become quadratic or asks the disk twice.
@@ -177,6 +159,11 @@ TEST_F(PresetListTest, ALoadCostsFourCallsAPreset) {
   host().readers = std::nullopt;
   load();
   SystemCalls& s = host().calls;
+  long calls = 0;
+  const auto count = [&](auto&... calledFor) {
+    const auto one = [&](const auto& call, auto... args) { return ++calls, call(args...); };
+    (intercept(calledFor, one), ...);
+  };
   count(s.open, s.close, s.fstat, s.pread, s.pwrite, s.lstat, s.mkdir, s.renameNoReplace, s.unlink,
         s.readlink, s.realpath, s.fdopendir, s.closedir);
   for (const int round : {0, 1}) {
@@ -201,12 +188,14 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
       {"LLFFWWF", "LLFFWWFFRRULLFFWWFFRURUR s 0 e -48 p 0 -36 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"},
       {"LLFFWWFFRRUL", "LLFFWWFFRRULLFWFRURWR s 0 e -48 p 0 0 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"}};
   for (const auto& [fails, report] : cases) {
-    std::filesystem::remove_all(path("lib/Presets"));
-    for (const char* name : {"Velocity Maps/v", "Effects/e", "Effects/User/e"})
-      put(*this, PresetFile{name});
-    for (const char* name : {"Programs/p", "Programs/q"})
-      put(*this, PresetFile{name, true, 1, {"e"}});
-    put(*this, PresetFile{"Sessions/s", true, 1, {"v", "p"}});
+    fs::remove_all(path("lib/Presets"));
+    for (const auto& [name, one, other] : {std::tuple("Velocity Maps/v", "", ""),
+                                           {"Effects/e", "", ""},
+                                           {"Effects/User/e", "", ""},
+                                           {"Programs/p", "e", ""},
+                                           {"Programs/q", "e", ""},
+                                           {"Sessions/s", "v", "p"}})
+      put(*this, PresetFile{name, true, 1, {one, other}});
     PresetManager all(nullptr);
     EXPECT_EQ(all.setOlvanItemsFSRef(ref("lib")), 0);
     all.openAllPresets();
@@ -214,29 +203,28 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
     const auto watch = [&order, &failing](auto& call, char letter) {
       intercept(call, [&order, &failing, letter](const auto& system, auto... args) {
         order += letter;
-        if (order == failing) return errno = EIO, decltype(system(args...)){-1};
-        return system(args...);
+        return order == failing ? failWith(EIO) : system(args...);
       });
     };
     SystemCalls& s = host().calls;
-    const SystemCalls real = s;
     watch(s.link, 'L');
     watch(s.flush, 'F');
     watch(s.pwrite, 'W');
     watch(s.renameNoReplace, 'R');
     watch(s.unlink, 'U');
     std::string shown;
-    PresetList& e = all.effects();
-    for (const Renamed& renamed : renamePresets(all, {{all.sessions().findPreset("s"), "t"},
-                                                      {e.presetAt(2), "Default"},
-                                                      {all.velocityMaps().findPreset("v"), "w"},
-                                                      {all.programs().findPreset("p"), "o"},
-                                                      {e.presetAt(1), "f"}})) {
+    PresetList &v = all.velocityMaps(), &e = all.effects(), &p = all.programs();
+    const std::vector<NewName> names{{all.sessions().findPreset("s"), "t"},
+                                     {e.presetAt(2), "Default"},
+                                     {v.findPreset("v"), "w"},
+                                     {p.findPreset("p"), "o"},
+                                     {e.presetAt(1), "f"}};
+    for (const Renamed& renamed : renamePresets(all, names)) {
       shown += ' ' + renamed.oldName + ' ' + std::to_string(renamed.result);
       for (const auto& [preset, name, written, flushed] : renamed.referrers)
         shown += ' ' + name + ' ' + std::to_string(written) + ' ' + std::to_string(flushed);
     }
-    s = real;
+    s = SystemCalls();
     EXPECT_EQ(order + shown, report);
   }
 }
@@ -244,7 +232,7 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   manager.openAllPresets();
   const std::string bytes = read("lib/Presets/Effects/Default");
-  std::filesystem::remove(path("lib/Presets/Effects/Default"));
+  fs::remove(path("lib/Presets/Effects/Default"));
   manager.synchronizePresetList(0x12345678);
   manager.synchronizePresetList(kProgramKind);
   EXPECT_FALSE(exists("lib/Presets/Effects/Default"));
@@ -272,25 +260,21 @@ TEST_F(PresetListTest, PositionsAndSaving) {
   EXPECT_EQ(list.findPresetIndex(manager.effects().presetAt(0)), 0) << "nor is a stranger -1";
   list.setCurrentPreset(nullptr);
   EXPECT_EQ(list.currentPreset(), byDefault);
-  const auto savedBy = [this](auto save) {
-    std::string saved;
-    for (const bool after : {false, true}) {
-      for (const std::string file : {"Velocity Maps/ram", "Velocity Maps/Default",
-                                     "Effects/Default", "Programs/Default", "Sessions/Default"})
-        after ? void(saved += read("lib/Presets/" + file).empty() ? '-' : '+')
-              : write("lib/Presets/" + file, "");
-      if (!after) save();
-    }
-    return saved;
-  };
-  EXPECT_EQ(savedBy([this] { list.saveAllRAMPresets(); }), "+----");
-  EXPECT_EQ(savedBy([this] { manager.saveAllPresets(); }), "+++++");
+  for (const std::string saved : {"1----", "12345"}) {
+    const std::string files[] = {"Velocity Maps/ram", "Velocity Maps/Default", "Effects/Default",
+                                 "Programs/Default", "Sessions/Default"};
+    for (const std::string& file : files)
+      write("lib/Presets/" + file, "");
+    saved == "12345" ? manager.saveAllPresets() : list.saveAllRAMPresets();
+    for (std::size_t i = 0; i < 5; ++i)
+      EXPECT_EQ(read("lib/Presets/" + files[i]).empty(), saved[i] == '-') << saved << i;
+  }
   byDefault->setROM(false);
   EXPECT_FALSE(list.isDefault(0)) << "it has to be ROM";
   manager.sessions().setUserFolder(FSRef());
   manager.sessions().deletePreset(0);
   EXPECT_EQ(manager.sessions().count(), 1) << "unconfirmed";
-  std::filesystem::remove_all(path("lib/Presets/Effects"));
+  fs::remove_all(path("lib/Presets/Effects"));
   PresetManager copy(manager);
   FSRef folder, user;
   copy.velocityMaps().getUserFSSpec(folder), list.getUserFSSpec(user);
@@ -300,37 +284,25 @@ TEST_F(PresetListTest, PositionsAndSaving) {
   EXPECT_EQ(folder, FSRef());
 }
 
-TEST_F(PresetListTest, HangsAPresetUnderTheLimbOfItsFolder) {
-  put(*this, PresetFile{"Velocity Maps/f/a"});
-  load();
-  auto* const limb = static_cast<PresetLimb*>(list.findPreset("a")->parent());
-  for (const std::string name : {"f/b", "g/c"})
-    put(*this, PresetFile{"Velocity Maps/" + name});
-  limb->setSpec(ref(kRoot + "/g"));
-  EXPECT_EQ(list.openPreset(ref(kRoot + "/f/b"))->parent(), nullptr);
-  EXPECT_EQ(list.openPreset(ref(kRoot + "/g/c"))->parent(), limb);
-}
-
 TEST(BrowserSorting, EffectsGoByTheirIndexWithinTheThousand) {
   std::string found, before;
-  for (std::int32_t index = -1999; index < 2000; ++index) {
-    const std::string folder = effectsFolderFor(index);
-    if (folder != std::exchange(before, folder)) found += std::to_string(index) + folder + ", ";
-  }
-  const std::string hundreds = "60Factory, 100Choruses, 130Factory, 180Special FX, 200Factory, ";
-  EXPECT_EQ(found, "-1999Factory, 1Halls, 20Small Rooms, 30EQ Timbres, " + hundreds +
-                       "1001Halls, 1020Small Rooms, 1030EQ Timbres, 1060Factory, 1100Choruses, "
-                       "1130Factory, 1180Special FX, 1200Factory, ");
+  for (std::int32_t index = -1999; index < 1200; ++index)
+    if (const std::string folder = effectsFolderFor(index); folder != before)
+      found += std::to_string(index) + (before = folder) + ", ";
+  EXPECT_EQ(
+      found,
+      "-1999Factory, 1Halls, 20Small Rooms, 30EQ Timbres, 60Factory, 100Choruses, 130Factory, "
+      "180Special FX, 200Factory, 1001Halls, 1020Small Rooms, 1030EQ Timbres, 1060Factory, "
+      "1100Choruses, 1130Factory, 1180Special FX, ");
 }
 
 TEST(BrowserSorting, ProgramsGoByTheInstrumentOfTheirKeyset) {
   std::string found;
-  for (const std::int32_t keyset :
-       {0, -32767, -4, 51, 96, 201, 331, 412, 479, 516, 579, 5, -1, INT32_MIN})
+  for (const std::int32_t keyset : {-32767, -4, 96, 201, 331, 412, 479, 516, 579, 5, INT32_MIN})
     found += programFolderFor(keyset) + std::string(", ");
   EXPECT_EQ(found,
-            "Synth, Synth, Concerto, Concerto, Nordic D, Salon 7ft, Alpine 10ft, Urban Upright, "
-            "Antique Upright, Saloon Upright, Pin Piano, Factory, Factory, Factory, ");
+            "Synth, Concerto, Nordic D, Salon 7ft, Alpine 10ft, Urban Upright, Antique Upright, "
+            "Saloon Upright, Pin Piano, Factory, Factory, ");
 }
 
 TEST(ExchangeOrder, MovesEqualKeysAsTheExchangesDo) {
@@ -352,5 +324,4 @@ TEST(ExchangeOrder, MovesEqualKeysAsTheExchangesDo) {
   }
 }
 
-}  // namespace
 }  // namespace cairnset

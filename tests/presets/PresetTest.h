@@ -1,15 +1,9 @@
 // What the tests of presets share, and what holds of a preset file whatever its bytes are.
 #pragma once
 
-#include <memory>
-
 #include "host/text/PascalStrings.h"
-#include "presets/EffectsPreset.h"
+#include "presets/PresetManager.h"
 #include "presets/PresetReferences.h"
-#include "presets/ProgramPreset.h"
-#include "presets/SessionPreset.h"
-#include "presets/VelocityMapPreset.h"
-#include "tests/Check.h"
 #include "tests/PresetFile.h"
 
 namespace cairnset {

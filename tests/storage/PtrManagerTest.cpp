@@ -1,14 +1,7 @@
 // PtrManager, and the Arena that gives its links their memory.
-#include <algorithm>
-#include <cstdint>
-#include <cstring>
-#include <random>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "storage/Arena.h"
 #include "storage/PtrManager.h"
+#include "tests/Testing.h"
 
 namespace cairnset {
 
@@ -18,11 +11,7 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
   std::vector<void*> model;
   std::size_t steps = 0, cursor = SIZE_MAX;  // the entry on which the cursor stands, if any
   for (int step = 0; step < 20000; ++step) {
-    if (step % 300 == 0) {
-      list.removeAll();
-      model.clear();
-      cursor = SIZE_MAX;
-    }
+    if (step % 300 == 0) list.removeAll(), model.clear(), cursor = SIZE_MAX;
     const auto before = model;
     const unsigned long changes = list.changes(), operation = random() % 100;
     const std::size_t n = model.size(), i = random() % (2 * n + 1), j = random() % (2 * n + 1);
@@ -43,8 +32,7 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
       list.swapPtrs(static_cast<long>(i), static_cast<long>(j));
       if (n > 0) std::swap(model[i % n], model[j % n]);
     } else if (operation < 75 || n == 0) {
-      list.iterReset();
-      steps = 0, cursor = n - 1;
+      list.iterReset(), steps = 0, cursor = n - 1;
     } else {
       const bool isOver = ++steps > n;  // the step past the end counts too
       if (!isOver) cursor = (cursor + 1) % n;

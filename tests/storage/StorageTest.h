@@ -1,16 +1,10 @@
 // What the tests of this layer share, and the fuzz target of its VirtualFile.
 #pragma once
 
-#include <algorithm>
-#include <sstream>
-#include <string>
-
 #include "storage/VirtualFile.h"
 #include "tests/TestFolder.h"
 
 namespace cairnset {
-
-using namespace std::string_literals;
 
 /// A memory file with content.
 struct Filled : VirtualFile {
@@ -44,67 +38,47 @@ class VirtualFileModel {
   bool step() {
     const std::size_t n = _pick(_pick(10) == 0 ? 300 : 20);
     return operate(_pick(10), n, static_cast<long>(n)) && _f.good() &&
-           std::string(_f.buffer(), _f.size()) == _memory.substr(0, _size) &&
-           _f.rptr() == _f.buffer() + _read && _f.wptr() == _f.buffer() + _write &&
-           _f.eof() == (_read == _size);
+           contentOf(_f) == _memory.substr(0, _size) && _f.rptr() == _f.buffer() + _read &&
+           _f.wptr() == _f.buffer() + _write && _f.eof() == (_read == _size);
   }
 
  private:
   bool operate(std::size_t operation, std::size_t n, long length) {
-    std::string bytes(n, '\0');
+    std::string bytes(n, '\0'), got(n, 'x'), zeros(n, '\0');
     const auto first = _pick(16);
     for (std::size_t i = 0; i < n; ++i)
       bytes[i] = " \n\r\t\0-.0129abc\xFF\xC3"[(first + i * i) % 16];
-    const std::string rest = _memory.substr(_read, _size - _read);
-    switch (operation) {
-      case 0:
-        write(bytes);
-        return _f.write(bytes.data(), length) == 1;
-      case 1:
-        store(_size, bytes);
-        return _f.append(bytes.data(), length) == 1;
-      case 2:
-        write((_memory + std::string(n, '\0')).substr(_read, n), n);
-        return _f.write(_f, length) == 1;
-      case 3:
-        write(std::string(n, '\0'));
-        return _f.writeZeroes(length) == 1;
-      case 4:
-        bytes.resize(std::char_traits<char>::length(bytes.c_str()));
-        bytes.resize(n + 1);
-        write(bytes);
-        return _f.writeStringAndPad(bytes.c_str(), length + 1) == 1;
-      case 5: {  // a short read clears the start of what it brings
-        std::string got(n, 'x'), want = got;
-        const std::size_t held = std::min(n, rest.size());
-        want.replace(0, held, rest, 0, held).replace(0, n - held, n - held, '\0');
-        _read += held;
-        return _f.read(got.data(), length) == 1 && got == want;
-      }
-      case 6:
-        resize(n);
-        return _f.resize_buffer(n) == 1;
-      case 7:
-      case 8: {
-        const auto whence = static_cast<from_pos>(_pick(3));
-        std::size_t& at = operation == 7 ? _read : _write;
-        const auto base = static_cast<long>(whence == 0 ? 0 : whence == 1 ? at : _size);
-        const auto target = static_cast<std::size_t>(std::max(0l, base + length - 10));
-        if (operation == 8) resize(std::max(_size, target));
-        at = std::min(target, _size);
-        const long now =
-            operation == 7 ? _f.seekg(length - 10, whence) : _f.seekp(length - 10, whence);
-        return now == static_cast<long>(at);
-      }
-      default: {
-        std::stringstream stream;
-        const bool done =
-            _f.dump(stream, false) == 0 && _f.load(stream) == static_cast<long>(_size);
-        _memory.resize(_size);
-        _read = 0, _write = _size;
-        return done;
-      }
+    if (operation == 0) return write(bytes), _f.write(bytes.data(), length) == 1;
+    if (operation == 1) return store(_size, bytes), _f.append(bytes.data(), length) == 1;
+    if (operation == 2) return write((_memory + zeros).substr(_read, n), n), _f.write(_f, length);
+    if (operation == 3) return write(zeros), _f.writeZeroes(length) == 1;
+    if (operation == 4) {
+      bytes.resize(std::strlen(bytes.c_str()));
+      bytes.resize(n + 1);
+      return write(bytes), _f.writeStringAndPad(bytes.c_str(), length + 1) == 1;
     }
+    if (operation == 5) {  // a short read clears the start of what it brings
+      const std::size_t held = std::min(n, _size - _read);
+      std::string want = _memory.substr(_read, held) + std::string(n - held, 'x');
+      want.replace(0, n - held, n - held, '\0');
+      return _read += held, _f.read(got.data(), length) == 1 && got == want;
+    }
+    if (operation == 6) return resize(n), _f.resize_buffer(n) == 1;
+    if (operation == 7 || operation == 8) {
+      const auto whence = static_cast<from_pos>(_pick(3));
+      std::size_t& at = operation == 7 ? _read : _write;
+      const auto base = static_cast<long>(whence == 0 ? 0 : whence == 1 ? at : _size);
+      const auto target = static_cast<std::size_t>(std::max(0l, base + length - 10));
+      if (operation == 8) resize(std::max(_size, target));
+      at = std::min(target, _size);
+      length -= 10;
+      return static_cast<std::size_t>(operation == 7 ? _f.seekg(length, whence)
+                                                     : _f.seekp(length, whence)) == at;
+    }
+    std::stringstream stream;
+    _memory.resize(_size);
+    _read = 0, _write = _size;
+    return _f.dump(stream, false) == 0 && _f.load(stream) == static_cast<long>(_size);
   }
 
   void resize(std::size_t n) {

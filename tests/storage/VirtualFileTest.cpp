@@ -1,10 +1,5 @@
 #include <cfloat>
-#include <climits>
 #include <new>
-#include <random>
-#include <sstream>
-#include <tuple>
-#include <vector>
 
 #include "storage/ByteOrder.h"
 #include "storage/Checksums.h"
@@ -17,7 +12,6 @@ void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
 }
 
 namespace cairnset {
-namespace {
 
 TEST(VirtualFile, RandomOperationsMatchAString) {
   std::mt19937 random(20);
@@ -105,10 +99,10 @@ TEST(VirtualFile, DumpsAndLoadsWholeFiles) {
     expectRoundTrip(std::stringstream(), content);
     expectRoundTrip(ForkFile("").fork, content);
   }
-  char bytes[] = "abc";
   struct Pipe : std::streambuf {  // which cannot seek
-    explicit Pipe(char* b) { setg(b, b, b + 3); }
-  } buffer(bytes);
+    Pipe() { setg(bytes, bytes, bytes + 3); }
+    char bytes[4] = "abc";
+  } buffer;
   std::istream pipe(&buffer);
   EXPECT_EQ(Filled("").load(pipe), 3);
   EXPECT_EQ(Filled("abc").dump(short{0}, true), rfNumErr);
@@ -159,12 +153,7 @@ TEST(Checksums, AppendsPaddingAndSum) {
   EXPECT_EQ(swapped.confirmSwappedAppended64BitChecksum(), 1);
 }
 
-std::vector<float> seen;
-
-long report(float fraction, long cancelAt) {
-  seen.push_back(fraction);
-  return static_cast<long>(seen.size()) == cancelAt ? 5 : 0;
-}
+static std::vector<float> seen;
 
 TEST(Checksums, ReportsProgressAfterEachBlock) {
   const std::tuple<std::size_t, long, std::vector<float>> cases[] = {
@@ -178,10 +167,12 @@ TEST(Checksums, ReportsProgressAfterEachBlock) {
     for (std::size_t at = 0; at < size; at += 131072, ++trailer[0])
       content[at] = 1;
     const ForkFile file(content + trailer);
+    const auto report = [](float fraction, long at) {
+      return seen.push_back(fraction), static_cast<long>(seen.size()) == at ? 5l : 0l;
+    };
     EXPECT_EQ(confirmChecksum(file.fork, report, cancelAt), cancelAt == 0 ? 1 : -1) << size;
     EXPECT_EQ(std::exchange(seen, {}), progress);
   }
 }
 
-}  // namespace
 }  // namespace cairnset

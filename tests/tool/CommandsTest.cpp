@@ -1,10 +1,6 @@
 // The commands on a session in this process: the menu, and those without an option.
-#include <cstring>
-#include <sstream>
 
-#include "host/Host.h"
 #include "presets/PresetManager.h"
-#include "tests/Intercept.h"
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
@@ -20,7 +16,7 @@ struct Redirection {
   ~Redirection() { stream.rdbuf(before); }
 };
 
-class CommandsTest : public testing::Test, protected TestFolder {
+class CommandsTest : public FolderTest {
  protected:
   CommandsTest() {
     for (const PresetFile& preset : library)
@@ -37,9 +33,10 @@ class CommandsTest : public testing::Test, protected TestFolder {
       {"Velocity Maps/Default", true}, {"Velocity Maps/v"},        {"Effects/?"},
       {"Effects/Default", true},       {"Programs/Default", true}, {"Programs/p", false, 0, {"?"}},
       {"Programs/q", false, 1, {"?"}}, {"Sessions/Default", true}};
-  std::ostringstream out;
+  std::ostringstream out, err;
   std::istringstream in;
-  const Redirection redirections[2] = {{std::cout, std::cout.rdbuf(out.rdbuf())},
+  const Redirection redirections[3] = {{std::cout, std::cout.rdbuf(out.rdbuf())},
+                                       {std::cerr, std::cerr.rdbuf(err.rdbuf())},
                                        {std::cin, std::cin.rdbuf(in.rdbuf())}};
 };
 
@@ -50,6 +47,13 @@ TEST_F(CommandsTest, MenuRunsNumbersAndEndsAtAllElse) {
       "\t0) Quit\n\n-> ";
   // What is typed, and how each command's output begins.
   const std::pair<const char*, std::vector<const char*>> cases[] = {
+      {"", {}},
+      {"8", {}},
+      {"0\n8\n", {}},
+      {"-1\n8\n", {}},
+      {"12\n8\n", {}},
+      {"x\n8\n", {}},
+      {"99999999999\n8\n", {}},
       {"7\n8 x", {"unrecognized command: 7\n\n", "unrecognized command: 8\n\n"}},
       {"9\n", {"unrecognized command: 9\n\n"}},
       {"1\n", {"Folder: Velocity Maps\n\t  5 [VMap] ROM  \"Default\"\n"}},
@@ -59,17 +63,10 @@ TEST_F(CommandsTest, MenuRunsNumbersAndEndsAtAllElse) {
       {"6\n6\n",
        {"renaming effect \"?\" to \"_\"\n", "Fixing all preset file names has finished.\n\n"}},
       {"4\n", {"Sorting presets has finished.\n\n"}}};
-  const auto shownFor = [this](const char* typed) {
-    out.str("");
-    in.str(typed);
-    std::cin.clear();
-    EXPECT_EQ(doInteractive(), 0);
-    return out.str();
-  };
-  for (const char* end : {"", "8", "0\n8\n", "-1\n8\n", "12\n8\n", "x\n8\n", "99999999999\n8\n"})
-    EXPECT_EQ(shownFor(end), menu) << end;
   for (const auto& [typed, begins] : cases) {
-    std::string rest = shownFor(typed);
+    out.str(""), in.str(typed), std::cin.clear();
+    EXPECT_EQ(doInteractive(), 0);
+    std::string rest = out.str();
     for (const char* begin : begins) {
       EXPECT_TRUE(rest.starts_with(menu + begin)) << rest;
       rest.erase(0, std::min(rest.find(menu, 1), rest.size()));
@@ -80,9 +77,9 @@ TEST_F(CommandsTest, MenuRunsNumbersAndEndsAtAllElse) {
 }
 
 TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
-  static int writes;
-  static const SystemCalls real = host().calls;
-  host().calls.pwrite = [](auto... args) { return ++writes, real.pwrite(args...); };
+  int writes;
+  intercept(host().calls.pwrite,
+            [&](const auto& real, auto... args) { return ++writes, real(args...); });
   setROM(nullptr, true);
   for (const auto& [rom, expected] : {std::pair(true, 5), {true, 0}, {false, 8}, {false, 0}}) {
     out.str("");
@@ -96,26 +93,14 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
       EXPECT_EQ(read("lib/Presets/" + preset.path), preset.bytes()) << preset.path;
     }
   }
-  host().calls = real;
 }
 
-// Before an old name goes, the disk has the new one and all that refers to it.
-TEST_F(CommandsTest, RepairsInTheOrderThatNoLossOfPowerHarms) {
-  std::string order;
-  const SystemCalls real = host().calls;
-  SystemCalls& calls = host().calls;
-  const auto note = [&order](auto& call, const char* name) {
-    intercept(call, [&order, name](const auto& under, auto... args) {
-      return order += name, under(args...);
-    });
-  };
-  note(calls.link, "link ");
-  note(calls.flush, "flush ");
-  note(calls.pwrite, "write ");
-  note(calls.unlink, "unlink ");
-  EXPECT_EQ(fixFilenames(), kSuccess);
-  calls = real;
-  EXPECT_EQ(order, "link flush write write flush flush unlink ");
+TEST_F(CommandsTest, ReferencesThatMayNotLastAreReported) {
+  intercept(host().calls.flush, [](auto...) { return failWith(EIO); });
+  EXPECT_EQ(fixFilenames(), kReferencesNotWritten);
+  EXPECT_EQ(err.str(),
+            "### error -36 occurred while writing  12 [Prog]      \"p\"\n"
+            "### error -36 occurred while writing  13 [Prog]      \"q\"\n");
 }
 
 }  // namespace

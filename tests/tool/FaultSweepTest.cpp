@@ -1,19 +1,8 @@
 // Every file operation of every changing command fails once, in each of its ways. Whatever comes of
 // it, a preset file is as it was or as it was meant to become, and none is gone. And before every
 // operation someone swaps a folder for a link: nothing that it leads to is opened or changed.
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
-#include <functional>
-#include <set>
-#include <sstream>
-#include <tuple>
-#include <utility>
 
-#include "host/Host.h"
-#include "presets/PresetList.h"
 #include "presets/PresetManager.h"
-#include "tests/Intercept.h"
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
@@ -21,8 +10,6 @@
 
 namespace cairnset {
 namespace {
-
-namespace fs = std::filesystem;
 
 // Ways to fail beside errno values: only a part is moved, no more after it, nothing at all; and an
 // error although all is done, as over a network.
@@ -62,11 +49,8 @@ void guard(std::function<Result(Args...)>& call, const std::vector<int>& ways) {
     }
     if (error > kDone) real(args...);
     errno = error % kDone;
-    if constexpr (std::is_pointer_v<Result>) {
-      return nullptr;
-    } else {
-      return -1;
-    }
+    if constexpr (std::is_pointer_v<Result>) return nullptr;
+    if constexpr (!std::is_pointer_v<Result>) return -1;
   });
 }
 
@@ -134,8 +118,7 @@ const Command kCommands[] = {{"load", [] { return 0; }, false, true},
                               }}};
 
 std::string repaired(std::string text) {
-  std::replace(text.begin(), text.end(), '?', '_');
-  return text;
+  return std::replace(text.begin(), text.end(), '?', '_'), text;
 }
 
 // Whether the bytes are the preset's as it was or with its names repaired, each field for itself;
@@ -158,11 +141,10 @@ std::string identity(const std::string& path) {
   return repaired(path.substr(0, path.find('/')) + path.substr(path.rfind('/')));
 }
 
-class FaultSweepTest : public testing::Test, protected TestFolder {
+class FaultSweepTest : public FolderTest {
  protected:
   // In memory where the system has such a folder: the library is made anew thousands of times.
-  FaultSweepTest() : TestFolder(fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()) {}
-  ~FaultSweepTest() override { host().calls = _real; }
+  FaultSweepTest() : FolderTest(fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()) {}
 
   void makeLibrary() const {
     fs::remove_all(path("lib"));
@@ -172,10 +154,9 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
 
   void expectNoHarm(const Command& command) const {
     std::set<const PresetFile*> found;
-    for (const auto& entry : fs::recursive_directory_iterator(path("lib/Presets"))) {
-      if (!entry.is_regular_file()) continue;
-      const std::string name = fs::relative(entry.path(), path("lib/Presets"));
-      const std::string bytes = read("lib/Presets/" + name);
+    for (const auto& [file, item] : items("lib/Presets")) {
+      if (item == "/") continue;
+      const std::string name = file.substr(12), bytes = item.substr(1);
       const auto* preset = std::find_if(
           std::begin(kLibrary), std::end(kLibrary),
           [&](const auto& p) { return identity(p.path) == identity(name) && isIntact(bytes, p); });
@@ -220,7 +201,10 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
     if (!failsLoad) operations = 0;
     const int status = isLoaded ? command.run() : 0;
     operations = failsAt;  // what follows is no part of it
-    putBack();
+    if (exists("aside")) {
+      fs::remove(path(kSwapped[way]));
+      fs::rename(path("aside"), path(kSwapped[way]));
+    }
     std::cout.rdbuf(before.first);
     std::cerr.rdbuf(before.second);
     if (isLoaded && command.reports) expectTold(err.str());
@@ -229,21 +213,14 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
     deinstantiate();
   }
 
-  // Undoes the swap, if there was one.
-  void putBack() const {
-    if (!exists("aside")) return;
-    fs::remove(path(kSwapped[way]));
-    fs::rename(path("aside"), path(kSwapped[way]));
-  }
-
   void sweep() {
     std::strcpy(path_string, path("lib").c_str());
-    const auto refuse = [](int, const char*, int, const char*) { return errno = ENOTSUP, -1; };
-    const long open = descriptors();
+    const auto refuse = [](auto...) { return failWith(ENOTSUP); };
+    const int lowest = lowestFreeDescriptor();
     injected = 0;
     for (const Command& command : kCommands) {
       for (int volume = 1; volume <= command.volumes; ++volume) {
-        host().calls = _real;
+        host().calls = SystemCalls();
         if (volume > 1) host().calls.renameNoReplace = refuse;
         if (volume > 2) host().calls.link = refuse;
         guardAll(volume <= 2);
@@ -257,26 +234,16 @@ class FaultSweepTest : public testing::Test, protected TestFolder {
             isLastWay = true;
             run(command, command.failsLoad && volume == 1);
             expectNoHarm(command);
-            EXPECT_EQ(descriptors(), open);
+            EXPECT_EQ(lowestFreeDescriptor(), lowest);
           }
         }
       }
     }
   }
-
-  static long descriptors() {
-    long open = 0;
-    for (int descriptor = 0; descriptor < 256; ++descriptor)
-      open += ::fcntl(descriptor, F_GETFD) != -1;
-    return open;
-  }
-
-  const SystemCalls _real = host().calls;
 };
 
 TEST_F(FaultSweepTest, NoFaultHarmsAPreset) {
   sweep();
-  std::cout << injected << " faults injected\n";
 }
 
 TEST_F(FaultSweepTest, NoSwappedFolderLeadsOutOfTheLibrary) {
@@ -284,8 +251,7 @@ TEST_F(FaultSweepTest, NoSwappedFolderLeadsOutOfTheLibrary) {
   fs::copy(path("lib"), path("other"), fs::copy_options::recursive);
   for (const auto& entry : fs::recursive_directory_iterator(path("other"))) {
     struct stat info;
-    ASSERT_EQ(::lstat(entry.path().c_str(), &info), 0);
-    forbidden.insert(info.st_ino);
+    forbidden.insert(::lstat(entry.path().c_str(), &info) == 0 ? info.st_ino : 0);
   }
   const std::string before = look("other");
   swap = [this] {
