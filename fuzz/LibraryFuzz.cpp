@@ -186,9 +186,8 @@ void checkCommand(char command) {
     for (std::size_t i = 0; file.isWhole() && now != after.end() && i < file.kind->references;
          ++i) {
       const std::string name = file.reference(i), newName = now->second.reference(i);
-      const auto isKind = [&](const File& f) {
-        return f.isPreset() && f.kind == &formatOf(file.kind->refersTo[i]);
-      };
+      const KindFormat& kind = formatOf(file.kind->refersTo[i]);
+      const auto isKind = [&](const File& f) { return f.isPreset() && f.kind == &kind; };
       const auto isNamed = [&](const File& f) { return isKind(f) && f.held() == name; };
       const auto isExcused = [&](const File& f) {  // or could not be renamed
         return (isKind(f) && fncmp(f.held().c_str(), newName.c_str()) == 0) ||
