@@ -2,6 +2,9 @@
 // it, a preset file is as it was or as it was meant to become, and none is gone. And before every
 // operation someone swaps a folder for a link: nothing that it leads to is opened or changed.
 
+#include <atomic>
+#include <mutex>
+
 #include "presets/PresetManager.h"
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
@@ -25,25 +28,30 @@ bool isLastWay, failsNext;
 constexpr const char* kSwapped[] = {"lib/Presets", "lib/Presets/Programs"};
 std::function<void()> swap;
 std::set<ino_t> forbidden;
-bool isForbiddenOpened;
+std::atomic<bool> isForbiddenOpened;
+std::mutex deciding;  // files may be read ahead by several threads
 
 template <typename Result, typename... Args>
 void guard(std::function<Result(Args...)>& call, const std::vector<int>& ways) {
   intercept(call, [ways](const auto& real, Args... args) -> Result {
     int error = 0;
-    if (std::exchange(failsNext, false)) {
-      error = ways.front();
-    } else if (++operations == failsAt) {
-      ++injected;
-      isLastWay = way + 1 == (swap ? std::size(kSwapped) : ways.size());
-      swap ? swap() : void(error = ways[way]);
+    {
+      const std::lock_guard lock(deciding);
+      if (std::exchange(failsNext, false)) {
+        error = ways.front();
+      } else if (++operations == failsAt) {
+        ++injected;
+        // With several threads it may be another call than the last time.
+        isLastWay = way + 1 >= (swap ? std::size(kSwapped) : ways.size());
+        swap ? swap() : void(error = ways[std::min(way, ways.size() - 1)]);
+      }
+      failsNext = error == kShortThenError;
     }
     if (error == 0) return real(args...);
     // Where ssize_t is an int, only the offset tells the reads and writes from the other calls.
     using Last = std::tuple_element_t<sizeof...(Args) - 1, std::tuple<Args...>>;
     if constexpr (std::is_same_v<Last, off_t>) {
       const auto [descriptor, bytes, size, offset] = std::tuple(args...);
-      failsNext = error == kShortThenError;
       if (error == kNothing) return 0;
       if (error < 0) return real(descriptor, bytes, std::min(size - 1, kPart), offset);
     }
@@ -78,7 +86,7 @@ void guardAll(bool hasLinks) {
     const int descriptor = open(args...);
     struct stat info;
     if (descriptor >= 0 && ::fstat(descriptor, &info) == 0)
-      isForbiddenOpened |= forbidden.contains(info.st_ino);
+      if (forbidden.contains(info.st_ino)) isForbiddenOpened = true;
     return descriptor;
   });
 }
