@@ -21,7 +21,7 @@ const char* effectsFolderFor(std::int32_t index) {
     std::int32_t first, last;
     const char* folder;
   };
-  // The gaps are meant: what lies in one is not forgotten, it belongs in "Factory".
+  // Indexes between these ranges belong in "Factory", on purpose.
   static constexpr Range kRanges[] = {
       {1, 19, "Halls"},       {20, 29, "Small Rooms"},  {30, 59, "EQ Timbres"},
       {100, 129, "Choruses"}, {180, 199, "Special FX"},
@@ -38,7 +38,7 @@ const char* programFolderFor(std::int32_t keyset) {
       "Synth",         "Concerto",        "Nordic D",       "Salon 7ft", "Alpine 10ft",
       "Urban Upright", "Antique Upright", "Saloon Upright", "Pin Piano",
   };
-  // A keyset that nobody knows has instrument 0 too, but is not a synth.
+  // An unknown keyset also has instrument 0, but is not a synth.
   if (findKeysetNameWithID(keyset) == nullptr) return kFactory;
   const unsigned long instrument = findInstrumentIDWithKeysetID(keyset);
   return instrument < sizeof kFolders / sizeof *kFolders ? kFolders[instrument] : kFactory;
@@ -58,8 +58,8 @@ OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Prese
       status = preset.moveToFolder(user, false);
       continue;
     }
-    // As if the folder were looked up for each preset: only a move that worked proves that it is
-    // there. What bears its name may be a file, which this very sort moves away.
+    // Equivalent to a look-up for each preset. Only a successful move proves that the folder
+    // exists: its name may belong to a file that this sort moves away.
     FSRef& folder = found[romFolder(preset)];
     const bool wasFound = folder != FSRef();
     if (wasFound) status = preset.moveToFolder(folder, true);

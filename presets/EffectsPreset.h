@@ -7,7 +7,7 @@
 namespace cairnset {
 
 /// Payload in the file, 67 bytes: declared length 63 (4), then the fields below in order without
-/// the spare byte. High shelf stands before low shelf, and feedback before rate.
+/// the spare byte. High shelf comes before low shelf, and feedback before rate.
 struct EffectsFields {
   static constexpr std::uint32_t kKind = kEffectsKind;
   static constexpr const char* kTypeName = "[Effx]";
@@ -42,8 +42,7 @@ struct EffectsFields {
          f.ambienceSize, f.ambiencePreDelay, f.ambienceDamping);
   }
 
-  /// The defaults of the parameter table, frequencies and dampings at their steps, which are the
-  /// next higher ones.
+  /// The defaults of the parameter table; frequencies and dampings at their next higher step.
   void setDefaults();
 };
 static_assert(sizeof(EffectsFields) == 64);

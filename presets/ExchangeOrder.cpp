@@ -8,17 +8,17 @@ namespace cairnset {
 
 namespace {
 
-// How it comes out. Take the elements of one key v, and call smaller what has a smaller key. Pass
-// by pass the sort brings the least element that is left to the front; there is one pass for each
-// smaller element before the turn of v comes. In a pass, the first v is carried behind all elements
-// up to the first smaller one; that one in turn is carried behind what follows it, and so on. So
-//   - in each pass one smaller element that stood before a given v (if any did) comes to stand
-//     behind it. A v with b smaller elements before it has none before it from pass b on, and
-//     is then one of the leading v's, behind those that were there already;
-//   - in each pass the first of the leading v's becomes their last.
-// When the turn of v comes, all v's lead, and they are taken in the order in which they stand.
+// Why this gives the same order. Consider the elements with one key v; "smaller" means with a
+// smaller key, and a v leads if no smaller element is before it. Each pass brings the least
+// remaining element to the front, so the v's come after as many passes as there are smaller
+// elements. In a pass, the first leading v moves to the place of the first smaller element, which
+// moves to the place of the first one smaller than itself, and so on. So
+//   - each pass removes one smaller element, if there is any, from before a given v. A v with b
+//     smaller elements before it leads from pass b on, and joins as the last of the leading v's;
+//   - each pass makes the first of the leading v's their last.
+// In the end all v's lead, and their order is the result.
 
-// For each element how many of those before it are smaller. `rank` counts from 0.
+// For each element, how many before it are smaller. `rank` counts from 0.
 std::vector<std::size_t> smallerBefore(const std::vector<std::size_t>& rank) {
   std::vector<std::size_t> tree(rank.size() + 1, 0);  // Fenwick: how often each rank came so far
   std::vector<std::size_t> result(rank.size());
@@ -33,12 +33,12 @@ std::vector<std::size_t> smallerBefore(const std::vector<std::size_t>& rank) {
   return result;
 }
 
-// The order of the equal elements `group` (ascending) after `passes` passes, joining the leading
-// ones in the pass that `joins` tells of each.
+// Puts the equal elements `group` (ascending) into their order after `passes` passes. Each joins
+// the leading ones in the pass that `joins` has for it.
 void rotateGroup(std::vector<std::size_t>::iterator group, std::size_t size, std::size_t passes,
                  const std::vector<std::size_t>& joins) {
   std::list<std::size_t> leading;
-  auto first = leading.end();  // the list is a ring that begins here
+  auto first = leading.end();  // the ring's first element
   std::size_t pass = 0;
   const auto rotateUntil = [&](std::size_t end) {
     if (leading.size() > 1 && end > pass) {
@@ -50,7 +50,7 @@ void rotateGroup(std::vector<std::size_t>::iterator group, std::size_t size, std
   };
   for (std::size_t i = 0; i < size; ++i) {
     rotateUntil(std::min(joins[group[static_cast<std::ptrdiff_t>(i)]], passes));
-    // Behind the last is before the first, wherever the ring begins.
+    // Inserting before the first of a ring appends to it.
     const auto joined = leading.insert(first, group[static_cast<std::ptrdiff_t>(i)]);
     if (leading.size() == 1) first = joined;
   }

@@ -1,4 +1,4 @@
-// The order in which a preset list has always stood.
+// The sort order of preset lists, equal keys included.
 #pragma once
 
 #include <cstddef>
@@ -7,13 +7,13 @@
 
 namespace cairnset {
 
-/// What an exchange sort makes of `keys`: for each position i from the front and each later
-/// position j, the two are exchanged where the key at j is less than the key at i. Answers for
-/// each place of the result which of the inputs ends there.
+/// The result of an exchange sort of `keys`: for each position i from the front and each later
+/// position j, the two are exchanged if the key at j is less than the key at i. Returns, for each
+/// position of the result, the index of its input.
 ///
-/// Distinct keys end in ascending order, as from any sort. Equal keys do not keep their order, and
-/// users know the order that came of it; so the outcome is computed instead of the exchanges made:
-/// in n log n steps, and where keys repeat in at most n times the square root of n.
+/// The sort is not stable, and users know the order that it gives equal keys. So that order is
+/// computed without making the exchanges: in n log n steps, or at most n times the square root of n
+/// if keys repeat.
 [[nodiscard]] std::vector<std::size_t> exchangeOrder(const std::vector<std::int64_t>& keys);
 
 }  // namespace cairnset

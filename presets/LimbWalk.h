@@ -8,12 +8,11 @@
 
 namespace cairnset {
 
-/// A pre-order walk: the limb itself, then each child limb with all its own before the next. Its
-/// memory is on the heap, for trees that are too deep for recursion. The tree must not change
-/// meanwhile.
+/// A pre-order walk: the limb itself, then each child limb with its whole subtree. Its stack is on
+/// the heap, for trees too deep for recursion. The tree must not change during the walk.
 class LimbWalk {
  public:
-  /// Whoever may look at a limb may change what hangs below it, so the limbs come without const.
+  /// A const limb gives access to non-const descendants, so next() returns limbs without const.
   explicit LimbWalk(const TreeLimb& top) : _top(const_cast<TreeLimb*>(&top)) {}
 
   /// The next limb, or null at the end.
@@ -25,10 +24,10 @@ class LimbWalk {
     return nullptr;
   }
 
-  /// Leaves out all that is below the limb that next() returned.
+  /// Skips everything below the limb that next() returned last.
   void skipChildren() { _levels.back().next = _levels.back().end; }
 
-  /// How far the limb that next() answered lies below the top.
+  /// The depth of the limb that next() returned last; 0 for the top.
   int depth() const { return static_cast<int>(_levels.size()) - 1; }
 
  private:
@@ -44,7 +43,7 @@ class LimbWalk {
   }
 
   TreeLimb* _top;
-  // The child limbs yet to come, of the limb that was returned last and of all above it.
+  // The child limbs still to visit, of the limb returned last and of each of its ancestors.
   std::vector<Level> _levels;
 };
 

@@ -208,8 +208,8 @@ OSErr Preset::readIn() {
   return _status;
 }
 
-// Of a large file only the start is there: that is all that can be read from it, and its size all
-// that else counts.
+// Of a large file only the start is given. The fields are all in it; beyond that only the size
+// counts.
 OSErr Preset::readFrom(const FileStart& start) {
   _status = noErr;
   VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
@@ -225,7 +225,7 @@ OSErr Preset::writeOut() {
   fillVirtualFile(file);
   _status = static_cast<OSErr>(file.dump(_fork_ref, true));
   _edited = false;
-  const OSErr closed = close();  // where some volumes first tell that a write was lost
+  const OSErr closed = close();  // where some volumes first report a lost write
   if (_status == noErr) _status = closed;
   if (_status == noErr) _file_index = _index;
   return _status;
@@ -245,7 +245,7 @@ OSErr Preset::writeOutIfDeletedFromDisk() {
   if (made != noErr) return made;
   changeFile(file);
   const OSErr written = writeOut();
-  if (_status != noErr) deleteIfEmpty();  // or it would not be missing any more the next time
+  if (_status != noErr) deleteIfEmpty();  // or the next call would not find it missing
   return written;
 }
 
@@ -283,17 +283,17 @@ OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
   const bool keepsName = view(name) == view(ownName);
   FSRef moved;
   OSErr result = dupFNErr;
-  // Nearly always the place is free, and the move by itself finds out.
+  // Try the move first: the name is nearly always free.
   if (!replace || keepsName) result = FSMoveObject(&_file_ref, &folder, &moved);
   if (replace && result == dupFNErr) {
     FSRef there;
     result = FSMakeFSRefUnicode(&folder, name.length, name.unicode, kTextEncodingUnknown, &there);
-    // Where the place is the very one that this file takes, both are done at one stroke.
+    // If the place is exactly the one that this file takes, one call replaces and moves.
     const bool isTakenOver = result == noErr && keepsName && !isFolder(&there);
     if (result == fnfErr) {
       result = noErr;
     } else if (result == noErr && !isTakenOver && areTwoItems(there, _file_ref)) {
-      // Never this preset itself, which answers to both names where case does not count.
+      // Never this preset itself, which has both names on a volume that ignores case.
       result = FSDeleteObject(&there);
     }
     if (result == noErr) {
@@ -347,7 +347,7 @@ long Preset::extractImage(VirtualFile& file, std::int64_t size) {
   if (kind != static_cast<std::uint32_t>(getPresetType())) return _status = kWrongKind;
   constexpr std::int64_t kMostSize = VirtualFile::kMaxContent;  // such a file is not loaded whole
   if (size != statedSize || size > kMostSize) return _status = kWrongSize;
-  // Nothing is known of what a file may hold in the reserved bytes, so none of it is carried on.
+  // The reserved bytes have no known meaning, so they are not kept.
   file.seekg(kNameField + kReserved, from_current);
   readField(file, _rom);
   readField(file, _index);
@@ -367,7 +367,7 @@ const char* Preset::flattenedData() const {
 
 long Preset::setFlattenedPreset(const char* data, long size) {
   const auto image = std::make_shared<VirtualFile>(kBlockSize);
-  image->write(data, size);  // may be from the image that goes
+  image->write(data, size);  // data may lie in the old image
   _flat_file = image;
   _edited = true;
   return extractVirtualFile(*_flat_file);

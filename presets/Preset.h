@@ -38,30 +38,29 @@ class Preset : public TreeLeaf {
  public:
   static constexpr std::uint32_t _file_type = 0x4F6C5073;  // 'OlPs'
   static constexpr const char* _default_preset_name = "Default";
-  /// The index that the next new preset takes, whatever its kind.
+  /// The index of the next new preset, of any kind.
   static std::uint32_t _index_count;
 
-  /// What status() says of a file that is no preset of this kind; negative values are host codes.
+  /// Values of status() for a file that is no preset of this kind; negative values are host codes.
   enum : OSErr { kWrongFileType = 1, kWrongKind = 2, kWrongSize = 3 };
 
   /// A blank record without a file.
   Preset() = default;
-  /// With `create`: makes the file `name` in the folder `ref`, with a new index. A file of that
-  /// name that is there already is taken over as it is, and is no failure; but one that cannot be
-  /// looked into is never written, as nobody knows what would be lost. Without: the preset of the
-  /// existing file `ref`; `name` is not looked at and nothing is read yet. status() tells how
-  /// it went.
+  /// With `create`: makes the file `name` in the folder `ref`, with a new index. An existing file
+  /// of that name is used as it is, without an error; but if it cannot be read it is never written,
+  /// since that could lose data. Without: the preset of the existing file `ref`; `name` is ignored
+  /// and nothing is read yet. status() is the result.
   Preset(const FSRef& ref, const char* name, long kind, bool create);
-  /// The preset of an existing file, with a new index where it is `fresh`.
+  /// The preset of an existing file, with a new index if `fresh`.
   Preset(const FSRef& file, long kind, bool fresh);
-  /// Makes a file for a copy of `source` under the Pascal string `newName`, in `folder` or, where
-  /// that is null, beside the source. The copy is RAM and shares its source's index; that is meant.
+  /// Makes a file for a copy of `source` named by the Pascal string `newName`, in `folder` or, if
+  /// that is null, in the source's folder. The copy is RAM and has its source's index, on purpose.
   Preset(const Preset& source, const unsigned char* newName, long kind, const FSRef* folder);
-  /// Member by member: both have one name and flattened form, until one of them gets another. The
-  /// file must be closed, and be deleted on destruction by neither.
+  /// Memberwise: both share one name and flattened form until one of them changes its own. The file
+  /// must be closed, and neither may delete it on destruction.
   Preset(const Preset&) = default;
   Preset& operator=(const Preset&) = delete;
-  /// Closes the file, and deletes it from the disk where that was asked for.
+  /// Closes the file, and deletes it from the disk after deleteOnDestroy().
   ~Preset() override;
 
   // --- What a kind adds ---
@@ -69,11 +68,11 @@ class Preset : public TreeLeaf {
   const char* getTreeItemTypeName() const override { return "Preset"; }
   /// The tree index in three columns, kind, ROM mark and name, without a line end.
   void printTreeItemInfo(std::ostream& os, unsigned long flags) const override;
-  /// Appends the same to a text that is to be written on the stream; with `name`, under that one.
+  /// Appends the same to `text`, in the form for `os`; with `name` in place of the preset's if not
+  /// null.
   void appendTreeItemInfo(std::string& text, const std::ostream& os,
                           const char* name = nullptr) const;
-  /// The payload fields in memory, in the machine's byte order, spare bytes included; null where
-  /// there are none.
+  /// The payload fields in memory, in the machine's byte order, spare bytes included; null if none.
   virtual const void* getData() const { return nullptr; }
   virtual long getDataSize() const { return 0; }
   /// Overwrites the first `size` bytes of the payload fields, or all of them if they are fewer.
@@ -81,38 +80,38 @@ class Preset : public TreeLeaf {
   virtual long getPresetType() const = 0;
   virtual const char* getDefaultPresetName() const { return _default_preset_name; }
   virtual void fillVirtualFileData(VirtualFile&) const {}
-  /// Answers the payload's declared length as read. It is not checked.
+  /// Returns the payload's declared length as read. It is not checked.
   virtual long extractVirtualFileData(VirtualFile&) { return 0; }
 
   // --- The record ---
 
-  /// The result of the last file operation, or how the file failed to be a preset of this kind.
+  /// The result of the last file operation, or why the file is no preset of this kind.
   OSErr status() const { return _status; }
   const FSRef& fileRef() const { return _file_ref; }
   bool isROM() const { return _rom != 0; }
-  /// The flag as the file has it: 0 for RAM, any other value for ROM.
+  /// The flag as stored: 0 for RAM, any other value for ROM.
   std::uint8_t romByte() const { return _rom; }
   void setROM(bool rom) { _rom = rom; }
   std::int32_t index() const { return _index; }
   void setIndex(std::int32_t index) { _index = index; }
-  /// The index as it was last read or written; the list gives RAM presets others in memory alone.
+  /// The index as last read or written; the list renumbers RAM presets in memory only.
   std::int32_t fileIndex() const { return _file_index; }
   bool edited() const { return _edited; }
   void setEdited(bool edited) { _edited = edited; }
-  /// Has the destructor delete the file.
+  /// Makes the destructor delete the file.
   void deleteOnDestroy() { _delete_on_destroy = true; }
   /// Whether this is the kind's default preset: ROM, and named exactly "Default".
   bool isDefault() const;
 
-  /// The file's name as a Pascal string; empty where there is no file.
+  /// The file's name as a Pascal string; empty if there is no file.
   void getName(unsigned char* out) const;
-  /// The name for a list: the file's, with a bullet (Mac Roman 0xA5) and a blank before it for ROM.
+  /// The file's name as shown in a list; for ROM after a bullet (Mac Roman 0xA5) and a space.
   void getListName(unsigned char* out) const;
   /// The node number of the folder that holds the file, from the reference alone.
   unsigned long getParentFolderID() const { return _parent_ref.node; }
   /// Whether the two files have one name, byte for byte.
   bool equalNames(const Preset& other) const;
-  /// Whether the payload fields agree in all bytes, spare ones too; presets of two kinds never do.
+  /// Whether all payload bytes are equal, spare ones too; false for presets of two kinds.
   bool equalParams(const Preset& other) const;
 
   // --- The file ---
@@ -120,39 +119,37 @@ class Preset : public TreeLeaf {
   OSErr openForReading();
   OSErr openForWriting();
   OSErr close();
-  /// Reads the record from the file and answers status(); 0 where the file could not be opened,
-  /// which only status() tells. What fails a check leaves the record as it was.
+  /// Reads the record from the file and returns status(), but 0 if the file could not be opened:
+  /// only status() reports that. A failed check leaves the record unchanged.
   OSErr readIn();
-  /// The same from the start of the file, which was read already.
+  /// The same from the start of the file, already read.
   OSErr readFrom(const FileStart& start);
-  /// Writes the file from its start and answers status(); 0 where it could not be opened, as
+  /// Writes the file from its start and returns status(), but 0 if it could not be opened, as
   /// readIn. A longer file keeps its tail, and then fails the size check when it is read again.
   OSErr writeOut();
-  /// Makes and writes the file anew where it is gone; 0 where it is there.
+  /// Makes and writes the file again if it is gone; 0 if it exists.
   OSErr writeOutIfDeletedFromDisk();
-  /// Gives the file a second name, to which rename() then only has to take the first one away. An
-  /// error where the name is taken or the volume has no hard links.
+  /// Gives the file a second name, so that rename() to it only has to remove the first. An error if
+  /// the name is taken or the volume has no hard links.
   [[nodiscard]] OSErr addName(const unsigned char* newName) const;
-  /// Renames the file; the name in memory follows, the one inside the file only at the next
-  /// writeOut.
+  /// Renames the file and the preset; the name inside the file changes at the next writeOut.
   OSErr rename(const unsigned char* newName);
-  /// Moves the file. With `replace`, a file there that bears this preset's host name is replaced,
-  /// unless it is this preset's own, under another spelling or as a hard link.
-  /// On success the answer is not 0 but 1, for a file that is valid where it is now: callers have
-  /// always had it so.
+  /// Moves the file. With `replace`, a file there with this preset's host name is replaced, unless
+  /// it is this preset's own, under another spelling or as a hard link. Returns 1, not 0, on
+  /// success, on purpose: it always has.
   [[nodiscard]] OSErr moveToFolder(const FSRef& folder, bool replace);
 
-  /// The kind of the preset whose file begins with these bytes: all that makes a file a preset,
-  /// whatever its name. Nothing where no preset's does.
+  /// The kind of the preset whose file begins with these bytes, or nothing if it is no preset's.
+  /// The file's name does not matter.
   [[nodiscard]] static std::optional<std::uint32_t> kindOf(std::string_view start);
 
   // --- The file's image ---
 
   void fillVirtualFile(VirtualFile& file) const;
-  /// Checks and reads an image; on a failed check only status() changes, and the answer means
-  /// nothing. Otherwise answers what extractVirtualFileData does, and leaves status() alone.
+  /// Checks and reads an image. On a failed check only status() changes and the result is
+  /// meaningless. Otherwise returns the result of extractVirtualFileData, with status() unchanged.
   long extractVirtualFile(VirtualFile& file);
-  /// Makes the image anew and answers its size. The bytes are flattenedData(), the preset's own.
+  /// Rebuilds the image and returns its size. Its bytes are flattenedData(), owned by the preset.
   long getFlattenedPreset(char* unused);
   const char* flattenedData() const;
   /// Reads the record from an image, and marks it edited.
@@ -176,7 +173,7 @@ class Preset : public TreeLeaf {
   bool _edited = false;
   FSRef _file_ref;
   /// A place whose last part is the preset's host name: the file's exact name when this preset was
-  /// made. A rename does not change it; that is meant.
+  /// made. A rename does not change it, on purpose.
   FSRef _cf_name;
   FSRef _parent_ref;  // the folder that the file is, or was, in
   std::int32_t _index = 0;

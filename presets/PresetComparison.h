@@ -9,14 +9,14 @@
 
 namespace cairnset {
 
-/// 0 where both values fall on the same step of the parameter, however far apart they are; else 1.
+/// 0 if both values fall on the same step of the parameter, however far apart they are; else 1.
 inline int compareIntrinsic(float a, float b, ParamTag tag) {
   const auto* converter = Param_Converters[tag];
   return converter->quantizeIntrinsic(a) != converter->quantizeIntrinsic(b) ? 1 : 0;
 }
 
 /// Compares two references to presets, by at most `n` characters, as strncmp does. An empty one
-/// stands for the preset "Default".
+/// means the preset "Default".
 inline int comparePresetNames(const char* a, const char* b, long n) {
   if (a[0] == '\0') a = Preset::_default_preset_name;
   if (b[0] == '\0') b = Preset::_default_preset_name;

@@ -14,8 +14,8 @@
 
 namespace cairnset {
 
-/// The names in presets (of other presets, of keysets) have fixed width and are filled with zeros;
-/// a name that fills its field has no terminator. The answer is the field itself.
+/// A view of the name in a field of fixed width, padded with zeros. A name that fills its field has
+/// no terminator.
 template <std::size_t kWidth>
 std::string_view nameInField(const char (&field)[kWidth]) {
   const void* end = std::memchr(field, '\0', kWidth);
@@ -23,7 +23,7 @@ std::string_view nameInField(const char (&field)[kWidth]) {
                                 : kWidth};
 }
 
-/// Puts a name into its field, zeros behind it. What does not fit is cut off.
+/// Stores a name in its field, padded with zeros. A name that does not fit is truncated.
 template <std::size_t kWidth>
 void setNameInField(char (&field)[kWidth], std::string_view name) {
   const std::size_t length = std::min(name.size(), kWidth);
@@ -43,9 +43,8 @@ void writeField(VirtualFile& file, const T& value) {
   }
 }
 
-/// Reads past the end as VirtualFile::read does, which can leave some of the bytes that were there
-/// before. The old value is put into file order first, so that these are the same bytes on
-/// every machine.
+/// A read past the end behaves as VirtualFile::read, which can keep some of the old bytes. The old
+/// value is converted to file order first, so that these are the same bytes on every machine.
 template <typename T>
 void readField(VirtualFile& file, T& value) {
   if constexpr (std::is_array_v<T> || sizeof(T) == 1) {

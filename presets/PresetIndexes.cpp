@@ -17,7 +17,7 @@ void PresetIndexes::bringUpToDate() {
   _revision = _list.revision();
 }
 
-// The slot that the name is in, or the empty one where it would be put.
+// The slot that holds the name, or the empty one where it would go.
 PresetIndexes::NameSlot& PresetIndexes::slotOf(const char* name, std::uint32_t hash) {
   std::size_t slot = hash & (_by_name.size() - 1);
   while (_by_name[slot].preset != nullptr &&
@@ -27,7 +27,7 @@ PresetIndexes::NameSlot& PresetIndexes::slotOf(const char* name, std::uint32_t h
   return _by_name[slot];
 }
 
-// What stands first in the list is put in first, and stays.
+// The first preset of a name in list order stays.
 void PresetIndexes::putByName(Preset* preset) {
   if (preset == nullptr) return;
   const char* own = preset->getTreeItemName();
@@ -80,7 +80,7 @@ TreeLimb* PresetIndexes::limbWithID(unsigned long id) {
 }
 
 void PresetIndexes::add(Preset* preset) {
-  // A table that is nearly full is made anew when it is next asked.
+  // A table that is nearly full is rebuilt on next use.
   const bool isRoom = static_cast<std::size_t>(_list.count()) * 5 < _by_name.size() * 4;
   isRoom ? putByName(preset) : _by_name.clear();
   if (_by_file && !_files_end_at_null) putByFile(preset);
@@ -88,7 +88,7 @@ void PresetIndexes::add(Preset* preset) {
 }
 
 void PresetIndexes::add(TreeLimb* limb) {
-  // Of two limbs with one ID the place in the tree decides.
+  // Which of two limbs with one ID comes first depends on their places in the tree: rebuild.
   if (_by_id && !_by_id->try_emplace(limb->getTreeItemID(), limb).second) _by_id.reset();
   _revision = _list.revision();
 }

@@ -1,4 +1,4 @@
-// The four kinds of preset, by the code that stands in their files.
+// The four kinds of preset.
 #pragma once
 
 #include <cstdint>

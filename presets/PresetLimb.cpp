@@ -19,8 +19,8 @@ void PresetLimb::setSpec(const FSRef& folder) {
   char held[256];
   char name[256];
   getPlaceName(folder, held, sizeof held);
-  // The name is the end of a path, so a "/" within the name (":" on the volume) or a "\" cuts off
-  // what stands before it. Meant so: reports have always shown such folders this way.
+  // The name is taken as a path, so a "/" in it (":" on the volume) or a "\" cuts off what precedes
+  // it. On purpose: reports have always shown such folders this way.
   extractFilename(held, name);
   if (const char* own = getTreeItemName(); own == nullptr || std::strcmp(own, name) != 0) {
     setTreeItemName(name);

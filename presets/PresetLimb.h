@@ -1,4 +1,4 @@
-// A limb that stands for one folder of the library.
+// A limb that represents one folder of the library.
 #pragma once
 
 #include <cstdint>
@@ -15,12 +15,11 @@ class PresetLimb : public TreeLimb {
   unsigned long getTreeItemID() const override { return _folder_id; }
   void printTreeItemInfo(std::ostream& os, unsigned long flags) const override;
 
-  /// Makes this the limb of `folder`. Its name becomes the last part of the folder's path, however
-  /// long the path is.
+  /// Makes this the limb of `folder`, named as the last part of the folder's path, of any length.
   void setSpec(const FSRef& folder);
   const FSRef& folder() const { return _folder; }
   bool isSameFolder(const FSRef& other) const;
-  /// The first of this limb's own child limbs that stands for `folder`; null where none does.
+  /// The first direct child limb for `folder`, or null.
   PresetLimb* findLimb(const FSRef& folder) const;
 
  private:

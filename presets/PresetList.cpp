@@ -110,7 +110,7 @@ Preset* PresetList::findByFileName(const unsigned char* name, bool caseSensitive
     getPlaceName(preset->fileRef(), text, sizeof text);
     C2PCopy(held, text);
     if (!equalPString(held, name, caseSensitive)) continue;
-    // A file that is gone has no name. Only a match is worth asking the disk for it.
+    // The file may be gone and so have no name. Check the disk only for a match.
     preset->getName(held);
     if (equalPString(held, name, caseSensitive) && lies(*preset)) return preset;
   }
@@ -175,8 +175,7 @@ void PresetList::addTo(PresetLoading& loading) {
 void PresetList::openPresets(PresetLoading& loading) {
   if (!_confirmed) return;
   setSpec(_root_folder);
-  // Of a folder that could not be listed nobody knows whether a "Default" lies in it, and making
-  // one would write over it.
+  // A folder that could not be listed may contain a "Default", which making one would overwrite.
   if (loading.build().listed == noErr) makeSureOfDefault(*this);
   reorderPresets();
 }
@@ -198,14 +197,14 @@ void PresetList::reorderPresets() {
                                      : preset->index() + (preset->isROM() ? 0 : kBehindAllROM));
   }
   std::vector<void*> after;
-  std::vector<std::int32_t> places(before.size());  // among the RAM presets, for those
+  std::vector<std::int32_t> places(before.size());  // of RAM presets among themselves
   std::int32_t next = 0;
   for (const std::size_t i : exchangeOrder(keys)) {
     after.push_back(before[i]);
     if (keys[i] > kBehindAllROM / 2) places[i] = next++;
   }
   if (after != before) setEntries(after);
-  // In the order in which they lie in memory, mostly, and not in the new one.
+  // In the old order, which is mostly that of their addresses: faster than in the new one.
   for (std::size_t i = 0; i < before.size(); ++i) {
     auto* preset = static_cast<Preset*>(before[i]);
     if (preset != nullptr && !preset->isROM()) preset->setIndex(places[i]);

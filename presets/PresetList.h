@@ -1,4 +1,4 @@
-// All presets of one kind: an ordered list of them, and the tree of the folders that they lie in.
+// All presets of one kind: an ordered list of them, and the tree of their folders.
 #pragma once
 
 #include <type_traits>
@@ -16,13 +16,13 @@ class PresetLoading;
 class PresetManager;
 struct FileStart;
 
-/// The list is also the root limb of its tree. It owns its presets, which are destroyed with it;
-/// nothing is saved then. Positions count from 0 in list order. Statuses are host result codes, 0
-/// for success. A list opens, makes and duplicates presets only once it is confirmed, that is,
-/// knows its manager and two folders that exist.
+/// The list is also the root limb of its tree. It owns its presets and destroys them unsaved.
+/// Positions count from 0 in list order. Statuses are host result codes, 0 for success. A list
+/// opens, makes and duplicates presets only once confirmed: it has a manager and two existing
+/// folders.
 ///
-/// Look-ups give what a walk from position 0 upward would find first; by name, file and folder they
-/// use indexes (presets/PresetIndexes.h).
+/// Look-ups return what a walk from position 0 would find first; those by name, file and folder use
+/// indexes (presets/PresetIndexes.h).
 class PresetList : public PtrManager, public PresetLimb {
  public:
   explicit PresetList(PresetManager* manager) : _manager(manager), _indexes(*this) {}
@@ -33,43 +33,40 @@ class PresetList : public PtrManager, public PresetLimb {
 
   // --- Folders ---
 
-  /// Each answers confirm().
+  /// Each returns confirm().
   bool setManager(PresetManager* manager) { return _manager = manager, confirm(); }
   bool setRootFolder(const FSRef& folder) { return _root_folder = folder, confirm(); }
   bool setUserFolder(const FSRef& folder) { return _user_folder = folder, confirm(); }
   void getRootFSSpec(FSRef& out) const { out = _root_folder; }
   void getUserFSSpec(FSRef& out) const { out = _user_folder; }
-  /// Looks whether the list may work now, and remembers it.
+  /// Checks whether the list can work now; confirmed() returns the last result.
   bool confirm();
   bool confirmed() const { return _confirmed; }
-  /// The folder `name` in `parent`, made with `create` where there is none. On failure `out` is
-  /// no place at all.
+  /// The folder `name` in `parent`; with `create`, made if missing. On failure `out` is no place.
   static OSStatus findFolder(const FSRef& parent, const char* name, bool create, FSRef& out);
 
   // --- Entries ---
 
-  /// Appends a Preset*, and hangs it in the tree under the limb of the folder that holds its file,
-  /// if there is one.
+  /// Appends a Preset*, and adds it to the limb of its file's folder, if the tree has one.
   PtrLink* addPtr(void* preset) override;
-  /// Takes the preset out of list and tree; it is not destroyed.
+  /// Removes the preset from list and tree; it is not destroyed.
   void removePtr(void* preset) override;
-  /// Takes all out, and empties the tree; no preset is destroyed.
+  /// Empties list and tree; no preset is destroyed.
   void removeAll() override;
   /// Destroys all presets and empties list and tree.
   void clearPresets();
   PtrEntries<Preset> presets() const { return entriesAs<Preset>(); }
-  /// Adds a limb for a folder that has none to a limb of this tree, which owns it.
+  /// Adds a limb for a folder that has none; `parent`, in this tree, owns it.
   PresetLimb* addFolderLimb(PresetLimb& parent, const FSRef& folder);
-  /// Grows with every change of this list, and of any preset's or limb's name, file, ID or place in
-  /// a tree: what was derived from these holds as long as this is what it was then.
+  /// A revision counter: it grows with every change of this list, and of any preset's or limb's
+  /// name, file, ID or place in a tree. What was derived from these is valid while it is unchanged.
   unsigned long revision() const;
 
   // --- Look-ups: the first match in list order, or null ---
   //
-  // Those by file or folder end at a null entry as if the list ended there, on purpose; the others
-  // pass over it.
+  // Those by file or folder end at a null entry, on purpose; the others skip it.
 
-  /// By name: case does not count, marks do (fncmp).
+  /// By name: case is ignored, diacritics are not (fncmp).
   Preset* findPreset(const char* name) const;
   /// By file name, a Pascal string, compared as equalPString does.
   Preset* findPreset(const unsigned char* name, bool caseSensitive) const;
@@ -77,15 +74,15 @@ class PresetList : public PtrManager, public PresetLimb {
                                  bool caseSensitive) const;
   Preset* findPresetInUserFolder(const unsigned char* name, bool caseSensitive) const;
   Preset* findPresetUsingFileSpec(const FSRef& file) const;
-  /// The preset's position; 0 also where it is not in the list.
+  /// The preset's position; 0 also if it is not in the list.
   long findPresetIndex(const Preset* preset) const;
 
-  // --- By position: 0, false or null, and nothing done, where no preset stands there ---
+  // --- By position: without a preset there, does nothing and returns 0, false or null ---
 
   Preset* presetAt(long index) const { return static_cast<Preset*>(getPtrCheckRange(index)); }
   const char* getCName(long index) const { return at(index, &Preset::getTreeItemName); }
   void getPresetName(long index, unsigned char* out) const { at(index, &Preset::getName, out); }
-  /// Empty where no preset stands there.
+  /// Empty without a preset there.
   void getPresetListName(long index, unsigned char* out) const {
     out[0] = 0;
     at(index, &Preset::getListName, out);
@@ -105,7 +102,7 @@ class PresetList : public PtrManager, public PresetLimb {
   OSStatus savePreset(long index) { return at(index, &Preset::writeOut); }
 
   Preset* currentPreset() const { return _current_preset; }
-  /// Null stands for the preset named "Default", if there is one.
+  /// Null selects the preset named "Default", if there is one.
   void setCurrentPreset(Preset* preset);
   void debugList() const {}
 
@@ -113,34 +110,33 @@ class PresetList : public PtrManager, public PresetLimb {
 
   OSStatus saveAllPresets() { return saveEach(&Preset::writeOut, false); }
   OSStatus saveAllRAMPresets() { return saveEach(&Preset::writeOut, true); }
-  /// Makes the files of those presets anew that are gone from the disk.
+  /// Writes only the presets whose files are gone from the disk.
   OSStatus saveMissingPresets() { return saveEach(&Preset::writeOutIfDeletedFromDisk, false); }
 
   // --- What each kind does in its own way ---
 
-  /// Makes and writes a preset. `name` is cleaned in place; a file of that name is taken over. The
-  /// second argument means nothing.
+  /// Makes and writes a preset. `name` is cleaned in place; an existing file of that name is used.
   virtual OSStatus newPreset(unsigned char* name, bool unused, bool inUserFolder) = 0;
-  /// The preset of a file, read if it is not in the list yet; null where it could not be made. With
-  /// `start`, which is what the file begins with, the file is not opened again.
+  /// The preset of a file, read if it is not in the list yet; null if it could not be made. With
+  /// `start`, the bytes that the file begins with, the file is not opened again.
   virtual Preset* openPreset(const FSRef& file, const FileStart* start = nullptr) = 0;
   /// Copies a preset into the user folder. `newName` is cleaned in place.
   virtual OSStatus duplicatePreset(long index, unsigned char* newName) = 0;
-  /// Takes the preset out, destroys it and deletes its file.
+  /// Removes the preset, destroys it and deletes its file.
   virtual void deletePreset(long index) = 0;
   virtual long getPresetType() const = 0;
 
   // --- Loading (presets/PresetLoading.h) ---
 
-  /// Reads all presets of the kind below the root folder, sees to the "Default" preset, and orders
-  /// the list. Presets that are there already stay as they are.
+  /// Reads all presets of the kind below the root folder, ensures the "Default" preset, and orders
+  /// the list. Presets already in the list are not read again.
   void openPresets();
-  /// The same in two steps, for several lists that are loaded together: add each, then open each.
+  /// The same in two steps, to load several lists together: add each, then open each.
   void addTo(PresetLoading& loading);
   void openPresets(PresetLoading& loading);
   /// Reads one folder and all below it into `limb`.
   OSStatus openPresetsRecursively(const FSRef& folder, PresetLimb* limb);
-  /// ROM presets first, each group by ascending index, equal ones as an exchange sort leaves
+  /// ROM presets first, each group by ascending index, equal indexes as an exchange sort leaves
   /// them; RAM presets are then numbered from 0. Writes nothing.
   void reorderPresets();
 
@@ -151,7 +147,7 @@ class PresetList : public PtrManager, public PresetLimb {
   void destroyWithFile(Preset* preset);
 
  private:
-  // What the preset's operation returns.
+  // The operation's result, or zero without a preset there.
   template <typename Operation, typename... Args>
   std::invoke_result_t<Operation, Preset&, Args...> at(long index, Operation operation,
                                                        Args... args) const {
@@ -174,8 +170,8 @@ class PresetList : public PtrManager, public PresetLimb {
   mutable PresetIndexes _indexes;
 };
 
-/// Calls `each(Preset&)` for every preset in the list's tree, restarting its leaf walk; for a null
-/// list, never.
+/// Calls `each(Preset&)` for every preset in the list's tree, if the list is not null. Restarts its
+/// leaf walk.
 template <typename Each>
 void forEachPreset(PresetList* list, Each each) {
   if (list == nullptr) return;

@@ -18,8 +18,7 @@ template <typename Kind>
 class PresetListOfKind : public PresetList {
  public:
   explicit PresetListOfKind(PresetManager* manager) : PresetList(manager) {}
-  /// The copy has no presets: they would be made from those of its own list, which is empty then.
-  /// On purpose.
+  /// The copy has no presets: its own list is empty. On purpose.
   PresetListOfKind(const PresetListOfKind&) = default;
 
   long getPresetType() const override { return Kind::kKind; }
@@ -32,7 +31,7 @@ class PresetListOfKind : public PresetList {
       delete preset;
       return nullptr;
     }
-    // A file that cannot be read still is a preset, with nothing in it.
+    // A file that cannot be read is still a preset, a blank one.
     start != nullptr ? preset->readFrom(*start) : preset->readIn();
     addPtr(static_cast<Preset*>(preset));
     return preset;
@@ -57,8 +56,8 @@ class PresetListOfKind : public PresetList {
     if (Preset* preset = presetAt(index); preset != nullptr) destroyWithFile(preset);
   }
 
-  /// Moves the files that lie loose in the root folder into its sub-folders, see
-  /// presets/BrowserSorting.h. Answers the status of the last look-up or move.
+  /// Moves the files directly in the root folder into its sub-folders (presets/BrowserSorting.h).
+  /// Returns the status of the last look-up or move.
   virtual OSStatus sortForBrowser() = 0;
 
  private:
@@ -86,7 +85,7 @@ class VelocityMapPresetList : public PresetListOfKind<VelocityMapPreset> {
  public:
   using PresetListOfKind::PresetListOfKind;
 
-  /// Unlike the other kinds, closes the file of a preset that is in the list already.
+  /// Unlike the other kinds, closes the file of a preset that is already in the list.
   Preset* openPreset(const FSRef& file, const FileStart* start = nullptr) override {
     Preset* open = confirmed() ? findPresetUsingFileSpec(file) : nullptr;
     if (open != nullptr) open->close();

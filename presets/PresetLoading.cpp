@@ -21,13 +21,12 @@ Preset* openIfOfThisKind(PresetList& list, const FSRef& file, const FileStart& s
                                                                   : nullptr;
 }
 
-// Makes limbs and presets, one after the other.
 class Building {
  public:
   Building(PresetList& list, PresetLimb& top) : _list(list) { enter(top); }
 
   void addFolder(const FolderWalk::Item& folder) {
-    // Of the folders that were entered, those that the walk has left since.
+    // Drop the folders that the walk has left.
     _open.erase(_open.begin() + static_cast<std::ptrdiff_t>(folder.depth) + 1, _open.end());
     const OpenLimb& parent = _open.back();
     const auto known = parent.known.find(folder.ref.node);
@@ -40,8 +39,7 @@ class Building {
  private:
   struct OpenLimb {
     PresetLimb* limb;
-    std::unordered_map<std::uint32_t, PresetLimb*>
-        known;  // its limbs of an earlier load, by folder
+    std::unordered_map<std::uint32_t, PresetLimb*> known;  // limbs of an earlier load, by node
   };
 
   void enter(PresetLimb& limb) {
@@ -53,11 +51,11 @@ class Building {
   }
 
   PresetList& _list;
-  std::vector<OpenLimb> _open;  // from the top to the folder that was added last
+  std::vector<OpenLimb> _open;  // from the top to the folder added last
 };
 
-// The preset in the root folder's file "Default" that a load has passed over, because it could not
-// be opened or read for a moment; to make a new one would write over it.
+// The preset in the root folder's file "Default", if the load skipped it because it could not be
+// opened or read at that moment: making a new one would overwrite it.
 Preset* openPassedDefault(PresetList& list) {
   FSRef root, file;
   list.getRootFSSpec(root);
@@ -70,7 +68,7 @@ Preset* openPassedDefault(PresetList& list) {
 
 Preset* findDefault(const PresetList& list) {
   constexpr std::string_view kDefault = Preset::_default_preset_name;
-  // One walk: to index all names for a single question would cost more.
+  // One walk is cheaper than an index of all names.
   for (Preset* preset : list.presets()) {
     const char* own = preset != nullptr ? preset->getTreeItemName() : nullptr;
     const std::string_view name = own != nullptr ? own : "";
@@ -85,7 +83,7 @@ void PresetLoading::add(PresetList& list, const FSRef& folder, PresetLimb& limb)
   _folders.push_back({&list, folder, &limb});
 }
 
-// Finds one thing more; false where there is nothing left.
+// Finds one more item; false at the end.
 bool PresetLoading::walkOn() {
   for (;;) {
     if (!_walk) {
@@ -138,8 +136,8 @@ void makeSureOfDefault(PresetList& list) {
     Str255 name;
     C2PCopy(name, Preset::_default_preset_name);
     list.newPreset(name, true, false);
-    // Where it could not be made this is another preset, which is made ROM and 0 all the same, on
-    // purpose.
+    // If it could not be made this is another preset, which becomes ROM with index 0 all the same,
+    // on purpose.
     found = list.presetAt(list.count() - 1);
     if (found == nullptr) return;
   } else if (found->isROM() && found->index() == 0) {

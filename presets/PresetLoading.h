@@ -14,22 +14,21 @@ namespace cairnset {
 class PresetLimb;
 class PresetList;
 
-/// Loads folders one after the other. While presets are built from what was walked and read, the
-/// reading goes on ahead, also into the folders that come next; so the lists are not done yet then.
+/// Loads folders one after the other. While presets are built, files are read ahead, also from the
+/// folders added later, whose lists are still incomplete.
 class PresetLoading {
  public:
   struct Result {
-    OSErr listed;     // how the listing of the folder itself went
+    OSErr listed;     // the result of listing the folder itself
     OSStatus status;  // of the last file that was closed, or folder that was listed
   };
 
-  /// Says what is to be loaded after all that was added before: the presets of the list's kind that
-  /// lie in the folder or below it. The folder must exist by now.
+  /// Queues the presets of the list's kind in the folder and below it. The folder must exist.
   void add(PresetList& list, const FSRef& folder, PresetLimb& limb);
 
-  /// Builds what was added first: a limb for each folder below, and all presets, in load order.
-  /// What the list knows already stays, but known limbs are set anew. Files that cannot be opened
-  /// for writing or read, and those of no or another kind, are passed over.
+  /// Builds the next folder in the queue: a limb for each folder below, and all presets, in load
+  /// order. Known presets stay; known limbs are updated. Files that cannot be opened for writing or
+  /// read, and those of no or another kind, are skipped.
   [[nodiscard]] Result build();
 
  private:
@@ -40,7 +39,7 @@ class PresetLoading {
   };
 
   struct Found {
-    bool isTop;  // a folder of _folders, and not something in it
+    bool isTop;  // a folder of _folders, not an item in it
     FolderWalk::Item item;
   };
 
@@ -48,15 +47,15 @@ class PresetLoading {
   void walkAhead();
 
   std::vector<Folder> _folders;
-  std::size_t _walked = 0;          // how many of them the walk has begun with
-  std::size_t _built = 0;           // and how many were built
-  std::optional<FolderWalk> _walk;  // of the last one that it has begun with
+  std::size_t _walked = 0;          // how many of them the walk has started
+  std::size_t _built = 0;           // how many of them were built
+  std::optional<FolderWalk> _walk;  // of the last one started
   FileReading _reading;
-  std::deque<Found> _ahead;  // what the walk found and is not built yet
+  std::deque<Found> _ahead;  // found by the walk, not built yet
 };
 
-/// Makes the first preset named "Default", case ignored, the kind's ROM preset of index 0, and
-/// writes it where it was not; makes one in the root folder where there is none.
+/// Makes the first preset named "Default", case ignored, ROM with index 0, and writes it if it was
+/// not. If there is none, makes one in the root folder.
 void makeSureOfDefault(PresetList& list);
 
 }  // namespace cairnset

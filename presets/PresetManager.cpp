@@ -84,8 +84,8 @@ std::vector<PresetList*> PresetManager::listsOf(long kind) {
 }
 
 void PresetManager::findFolders(PresetList& list) {
-  // A folder that could be neither found nor made is no place at all, and leaves the list
-  // unconfirmed: it must never work on another kind's folder instead.
+  // A folder that could be neither found nor made is no place and leaves the list unconfirmed, so
+  // that it never works on another kind's folder.
   FSRef root, user;
   PresetList::findFolder(_presets_folder, folderOf(list), true, root);
   list.setRootFolder(root);

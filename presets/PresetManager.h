@@ -1,6 +1,6 @@
 // The whole preset library.
 //
-// On disk, below the items folder, each made where it is missing:
+// On disk, below the items folder, each folder made if missing:
 //
 //   Presets/
 //     Velocity Maps/  with User/
@@ -8,8 +8,8 @@
 //     Programs/       with User/
 //     Sessions/       which is its own user folder
 //
-// Further folders below these become part of the tree as they are found. Each kind has a ROM preset
-// "Default" in its root folder, made where there is none.
+// Other folders below these become part of the tree. Each kind has a ROM preset "Default" in its
+// root folder, made if missing.
 #pragma once
 
 #include <cstdint>
@@ -23,8 +23,8 @@ namespace cairnset {
 class BrumePrefs;
 class BrumeSynth;
 
-/// The manager is the four lists, and owns all presets through them. Statuses are host result
-/// codes. Nothing is saved when it is destroyed.
+/// The four lists, which own all presets. Statuses are host result codes. Destruction saves
+/// nothing.
 class PresetManager : public VelocityMapPresetList,
                       public EffectsPresetList,
                       public ProgramPresetList,
@@ -32,8 +32,8 @@ class PresetManager : public VelocityMapPresetList,
  public:
   /// Four empty, unconfirmed lists. The engine is not owned, and this system has none: null.
   explicit PresetManager(BrumeSynth* synth);
-  /// Each list is copied, without presets, and belongs to the copy; the "Presets" folder is not
-  /// known to it.
+  /// Copies each list without its presets, and makes the copy its manager. The copy has no
+  /// "Presets" folder.
   PresetManager(const PresetManager& other);
   ~PresetManager() override;
 
@@ -45,19 +45,19 @@ class PresetManager : public VelocityMapPresetList,
   KeymapManager* getKeymapManager() const { return nullptr; }
   const FSRef& presetsFolder() const { return _presets_folder; }
 
-  /// Takes the library's folder, finding or making "Presets" in it. An error of the look-up that is
-  /// not a missing folder is let pass, and shows when nothing can be opened; that is meant.
+  /// Sets the library's folder, and finds or makes "Presets" in it. A look-up error other than a
+  /// missing folder is ignored, on purpose: it shows when nothing can be opened.
   [[nodiscard]] OSStatus setOlvanItemsFSRef(const FSRef& items);
-  /// Opens the library that the preferences know; nothing where they are null or know none.
+  /// Opens the library that the preferences name; does nothing if they are null or name none.
   void openAllPresets(BrumePrefs* prefs);
   void openAllPresets() { openAllPresetsOfType(kAllKinds); }
-  /// Finds or makes the kind's folders and loads it; all kinds, each after those that it refers to,
-  /// for kAllKinds. Loading again adds the files that are new.
+  /// Finds or makes the kind's folders and loads it; for kAllKinds all kinds, each after those that
+  /// it refers to. Loading again adds new files.
   void openAllPresetsOfType(long kind);
-  /// Opens the presets of a kind, or of all, that lie in "Presets" itself.
+  /// Opens the presets of a kind, or of all, in "Presets" itself.
   OSStatus openTopLevelPresets(long kind);
 
-  /// Load what is new on disk, and write what is gone from it.
+  /// Load files that are new on disk, and write those that are gone from it.
   OSStatus synchronizeVelocityMapList() { return synchronize(velocityMaps()); }
   OSStatus synchronizeEffectsList() { return synchronize(effects()); }
   OSStatus synchronizeProgramList() { return synchronize(programs()); }
@@ -65,18 +65,18 @@ class PresetManager : public VelocityMapPresetList,
   /// The same by kind code; kAllKinds for all four in this order, nothing for any other code.
   void synchronizePresetList(long kind);
 
-  /// Writes every preset; answers the result for the sessions.
+  /// Writes every preset; returns the result for the sessions.
   OSStatus saveAllPresets();
-  /// Sorts all kinds but sessions; answers the result for the programs.
+  /// Sorts all kinds but sessions; returns the result for the programs.
   OSStatus sortAllForBrowser();
-  /// Looks every reference up, for a debugger to watch.
+  /// Looks up every reference, for use under a debugger.
   void debugCheckDependencies();
 
-  /// How many managers there are.
+  /// The number of managers that exist.
   static std::int32_t _count;
 
  private:
-  // Those of a kind, or of all for kAllKinds, in the order in which they are loaded.
+  // The lists of a kind, or all for kAllKinds, in loading order.
   std::vector<PresetList*> listsOf(long kind);
   void findFolders(PresetList& list);
   OSStatus synchronize(PresetList& list);

@@ -1,4 +1,4 @@
-// What the four kinds have in common: a payload of fixed fields behind the header.
+// What the four kinds have in common: a payload of fixed fields after the header.
 #pragma once
 
 #include "presets/Preset.h"
@@ -6,9 +6,9 @@
 
 namespace cairnset {
 
-/// A preset whose payload is `Fields`: a plain struct, its size and layout those that getData()
-/// promises, which says its kind code, its mark in reports, the length that it declares in the
-/// file, which fields are stored there in which order, and what a new preset holds.
+/// A preset whose payload is `Fields`, a plain struct with the size and layout of getData(). The
+/// struct defines the kind code, the mark in reports, the length declared in the file, the stored
+/// fields in their order, and the defaults of a new preset.
 template <typename Fields>
 class PresetOfKind : public Preset {
  public:

@@ -1,4 +1,4 @@
-// Who refers to whom: the three references between presets, each a name in a field of 64 bytes.
+// The three references between presets, each a name in a field of 64 bytes.
 #pragma once
 
 #include <string_view>
@@ -8,7 +8,7 @@
 
 namespace cairnset {
 
-/// One of the references. A preset of kind `from` names one of kind `to`.
+/// A preset of kind `from` names one of kind `to`.
 struct PresetReference {
   static constexpr std::size_t kWidth = 64;
 
@@ -17,9 +17,9 @@ struct PresetReference {
   /// The field, in a preset of kind `from`.
   char (&(*field)(Preset& preset))[kWidth];
 
-  /// The name as stored, at most 64 bytes; it lasts until the reference is changed.
+  /// The name as stored, at most 64 bytes; valid until the reference is changed.
   std::string_view name(const Preset& preset) const;
-  /// Stores a name, zeros behind it; of a longer one the first 64 bytes. In memory only.
+  /// Stores a name, padded with zeros or truncated to 64 bytes. In memory only.
   void setName(Preset& preset, const char* name) const;
 };
 
@@ -27,7 +27,7 @@ extern const PresetReference kProgramEffectsReference;
 extern const PresetReference kSessionProgramReference;
 extern const PresetReference kSessionVelocityMapReference;
 
-/// The reference by which others name this preset; null for a kind that nobody names.
+/// The reference by which others name this preset; null for a kind that no other names.
 [[nodiscard]] const PresetReference* referenceTo(const Preset& preset);
 
 }  // namespace cairnset

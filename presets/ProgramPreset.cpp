@@ -28,7 +28,7 @@ void ProgramFields::setDefaults() {
 ProgramPreset::ProgramPreset(KeymapManager* /*keymaps*/, const ProgramPreset& source,
                              const unsigned char* newName, const FSRef* folder)
     : PresetOfKind(source, newName, folder) {
-  // Names are copied up to their terminators: what a file held behind one stays behind.
+  // Copy names only up to their terminators: bytes that a file held after them are dropped.
   setNameInField(fields.effectsName, nameInField(source.fields.effectsName));
   setNameInField(fields.pianoKeysetName, nameInField(source.fields.pianoKeysetName));
   setNameInField(fields.synthKeysetName, nameInField(source.fields.synthKeysetName));

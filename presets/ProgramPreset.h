@@ -6,12 +6,12 @@
 
 namespace cairnset {
 
-/// The instrument's keymaps. This system has none and hands out null; programs keep none.
+/// The instrument's keymaps. This system has none: pointers to it are null and are not kept.
 class KeymapManager;
 
 /// Payload in the file, 176 bytes: declared length 108 (4), then all fields below in order. 108
-/// covers them only up to the two keyset names, though these are written too; instruments in the
-/// field expect it so.
+/// does not cover the two keyset names, though they are written too: instruments in the field
+/// expect it so.
 struct ProgramFields {
   static constexpr std::uint32_t kKind = kProgramKind;
   static constexpr const char* kTypeName = "[Prog]";

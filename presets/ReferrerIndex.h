@@ -12,8 +12,8 @@
 
 namespace cairnset {
 
-/// The presets of one list by what they name in one of their references, exactly. Valid as long as
-/// these references and the list's tree stay as they are.
+/// The presets of one list by the exact name in one of their references. Valid while these
+/// references and the list's tree are unchanged.
 class ReferrerIndex {
  public:
   /// `list` holds presets of the reference's `from` kind, and may be null.
@@ -25,7 +25,8 @@ class ReferrerIndex {
     std::sort(_keys.begin(), _keys.end());
   }
 
-  /// Calls `each(Preset&)` for those that name `name`, in the order of the list's leaf walk.
+  /// Calls `each(Preset&)` for each preset that refers to `name`, in the order of the list's leaf
+  /// walk.
   template <typename Each>
   void forEachReferrerOf(std::string_view name, Each each) const {
     const std::uint64_t first = firstKey(name);

@@ -16,12 +16,12 @@ namespace cairnset {
 
 namespace {
 
-// Flushing a volume also takes other programs' writes along, which can be many. From this number on
-// it is the cheaper way all the same.
+// Flushing a volume also flushes other programs' writes, which can be many. From this number of
+// items it is cheaper all the same.
 constexpr std::size_t kManyItems = 32;
 
-// Each write puts a RAM preset at its own place in the order of the indices. One that moves down in
-// it must not pass any that is yet to be written, nor must one that moves up.
+// Each write sets a RAM preset's index to its place. A preset that moves up or down the index order
+// by this must not pass one that is still to be written.
 bool writesBefore(const Relinked* a, const Relinked* b) {
   const auto movesUp = [](const Preset& preset) { return preset.fileIndex() < preset.index(); };
   if (movesUp(*a->preset) != movesUp(*b->preset)) return movesUp(*b->preset);
@@ -41,7 +41,7 @@ void flushFolders(const std::vector<Renamed*>& presets) {
     return;
   for (const unsigned long folder : folders) {
     const FSRef ref{static_cast<std::uint32_t>(folder)};
-    // Where this fails the names are safe against all but a loss of power, and there is no better.
+    // If this fails the names are safe against all but a loss of power; nothing more can be done.
     (void)FSFlushObject(&ref);
   }
 }
@@ -72,7 +72,7 @@ std::vector<Relinked*> rewriteReferrers(const std::vector<Renamed*>& presets) {
   return rewrites;
 }
 
-// Renames presets whose referrers are of one kind, which none of them is of.
+// Renames presets whose referrers are all of one kind, a kind that none of the presets has.
 void renameTogether(const std::vector<Renamed*>& presets) {
   const auto pascal = [](const Renamed& renamed) {
     Str255 name;
@@ -87,7 +87,7 @@ void renameTogether(const std::vector<Renamed*>& presets) {
     OSErr result = paramErr;
     if (referenceTo(*renamed->preset) != nullptr)
       result = renamed->preset->addName(pascal(*renamed).data());
-    // A name that is taken, or is none, fails the rename too, whenever that is tried.
+    // A taken or invalid name makes the rename fail too, whenever it is tried.
     const bool needsNoRename = result == noErr || result == dupFNErr || result == bdNamErr;
     (needsNoRename ? linked : alone).push_back(renamed);
   }
@@ -118,8 +118,8 @@ std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<New
       renamed.referrers.push_back({&referrer, referrer.getTreeItemName()});
     });
   }
-  // The references that a kind holds are rewritten before it is itself renamed. Sessions, which
-  // name two kinds, are rewritten in one go; nobody names them.
+  // Rewrite the references held by a kind before renaming that kind. Sessions, which name two
+  // kinds, are rewritten together; no preset names them.
   for (const PresetKind referrers : {kProgramKind, kSessionKind, kAllKinds}) {
     std::vector<Renamed*> together;
     for (Renamed& renamed : presets) {

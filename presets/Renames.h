@@ -1,7 +1,7 @@
-// Renaming presets together with all that name them, so that a stop at any moment, by SIGKILL or
-// by a loss of power, harms nothing and the same call after it completes the work.
+// Renaming presets and updating all references to them. A stop at any moment, by SIGKILL or loss of
+// power, does no harm, and repeating the call completes the work.
 //
-// The order of the steps does it:
+// The order of the steps ensures this:
 //
 //   1. Each file gets its new name beside the old one, as a hard link, and the folders are flushed
 //      to the disk.
@@ -9,17 +9,16 @@
 //      flushed.
 //   3. The old names are removed.
 //
-// Whatever a stop leaves behind, old and new names both lead to the file until nothing needs the
-// old one. The next call finds the preset under its old name still, and the new name to be the
-// file's own.
+// Old and new name both lead to the file until nothing needs the old one. After a stop, the next
+// call still finds the preset under its old name, and sees that the new name is the same file.
 //
-// So that it also ends in the same bytes, it must see the referrers in the same order: a RAM preset
-// is written with its place among all RAM presets, which for the rest must stay what it was
-// whichever of them have been written. That is why all referrers of one kind are written in one
-// go, and in which order (writesBefore). With two RAM presets of one index there is not always
-// such an order; then their places can differ, and nothing else.
+// A repeated call must also end in the same bytes. A RAM preset is written with its place among all
+// RAM presets as its index, so each partial set of writes must leave the places of the rest
+// unchanged. So all referrers of one kind are written together, in the order of writesBefore. If
+// two RAM presets have one index, such an order may not exist; then their places can differ, and
+// nothing else.
 //
-// Where a file can have no second name the plain rename serves, one preset after the other. A stop
+// If a file cannot have a second name it is simply renamed, one preset after the other. A stop
 // between such a rename and the last rewrite leaves references to a name that is gone.
 #pragma once
 
@@ -33,39 +32,38 @@ namespace cairnset {
 class Preset;
 class PresetManager;
 
-/// What a preset is to be called.
 struct NewName {
   Preset* preset;
   std::string name;
 };
 
-/// A preset that named a renamed one, and was made to name it anew.
+/// A preset whose reference to a renamed one was updated.
 struct Relinked {
   Preset* preset;
-  std::string name;       // its own before the call, which may rename it too
+  std::string name;       // its own, before the call, which may rename it too
   OSErr written = noErr;  // the result of the rewrite
-  OSErr flushed = noErr;  // of the flush to the disk, where there was one
+  OSErr flushed = noErr;  // of the flush to the disk, if any
 };
 
-/// What came of one new name.
+/// The result of one rename.
 struct Renamed {
   Preset* preset;
   std::string oldName;
   std::string newName;
   std::vector<Relinked> referrers;  // in the order of their list's leaf walk
-  OSErr result = noErr;             // of the rename; the referrers were relinked all the same
+  OSErr result = noErr;             // of the rename; the referrers are relinked even if it failed
 };
 
 /// Renames these presets of the library, of any kinds and each once, and rewrites all presets that
-/// name them exactly. Returns what happened, in the order of `names`. No failure ends it early or
-/// undoes anything. That what names a preset is relinked although the rename failed is on purpose:
-/// it has always been so, and then shows as a missing reference.
+/// name them exactly. Returns the results in the order of `names`. No failure ends it early or
+/// undoes anything. Referrers are relinked even if the rename failed, on purpose: it has always
+/// been so, and shows as a missing reference.
 ///
-/// Every reference is set once: of presets of one kind that share a name, the first in `names` has
+/// Every reference is updated once: if presets of one kind share a name, the first in `names` gets
 /// the referrers. A rename to a name that another preset gives up in the same call may fail.
 ///
-/// A signal can end the process between two steps, as SIGKILL can. A caller that wants none to do
-/// so holds signals back (host/terminal/Process.h).
+/// Any signal can end the process between two steps, unless the caller holds signals back
+/// (host/terminal/Process.h).
 [[nodiscard]] std::vector<Renamed> renamePresets(PresetManager& library,
                                                  const std::vector<NewName>& names);
 

@@ -1,4 +1,4 @@
-// The base of everything that stands in a preset tree.
+// The base of everything in a preset tree.
 #pragma once
 
 #include <cstddef>
@@ -14,11 +14,11 @@ class TreeLimb;
 
 enum TreeItemType : std::uint32_t { kTreeLimb = 1, kTreeLeaf = 2 };
 
-/// A named node of a tree: a limb (folder) or a leaf (file). It owns its name and nothing else; the
-/// parent is set by the limb that it is added to.
+/// A named node of a tree: a limb (folder) or a leaf (file). It owns only its name; the limb that
+/// it is added to sets the parent.
 class TreeItem {
  public:
-  /// Takes the next index; no name, no parent, ID 0.
+  /// Has the next index, no name, no parent, ID 0.
   explicit TreeItem(TreeItemType type) : _type(type), _index(++_current_index) {}
   virtual ~TreeItem() = default;
   TreeItem& operator=(const TreeItem&) = delete;
@@ -26,7 +26,7 @@ class TreeItem {
   static void* operator new(std::size_t size) { return Arena::take(size); }
   static void operator delete(void* item) { Arena::give(item); }
 
-  /// The name, Mac Roman for files and folders; null where there is none.
+  /// The name, Mac Roman for files and folders, or null.
   virtual const char* getTreeItemName() const { return _name.text(); }
   virtual unsigned long getTreeItemIndex() const { return _index; }
   virtual void setTreeItemID(unsigned long id) {
@@ -35,11 +35,11 @@ class TreeItem {
   }
   virtual unsigned long getTreeItemID() const { return _id; }
   virtual const char* getTreeItemTypeName() const { return "TreeItem"; }
-  /// Describes the item on one line, without ending it. The flags mean nothing so far.
+  /// Prints the item on one line, without a line end. The flags are unused.
   virtual void printTreeItemInfo(std::ostream& os, unsigned long flags) const;
   virtual void setTreeItemIndex(unsigned long index) { _index = static_cast<std::uint32_t>(index); }
 
-  /// Keeps a copy of `name`, of any length; null leaves the item without a name.
+  /// Stores a copy of `name`, of any length; null removes the name.
   void setTreeItemName(const char* name) {
     takeTreeItemName(name);
     noteChange();
@@ -56,17 +56,17 @@ class TreeItem {
   static std::uint32_t _current_index;
 
  protected:
-  /// The copy has the index of its source and shares its name, until one of them gets another.
+  /// The copy has its source's index, and shares its name until one of them is renamed.
   TreeItem(const TreeItem&) = default;
 
-  /// setTreeItemName for constructors: what is not in any tree or list yet changes nothing there.
+  /// setTreeItemName for constructors: an item that is in no tree or list yet changes no revision.
   void takeTreeItemName(const char* name) { _name = SharedName(name); }
   static void noteChange() { ++_changes; }
 
  private:
   friend class TreeLimb;
 
-  // The characters and how many items share them, in one piece.
+  // The characters and the number of items that share them, in one piece of memory.
   class SharedName {
    public:
     SharedName() = default;
@@ -83,7 +83,7 @@ class TreeItem {
     }
 
    private:
-    std::uint32_t* _owners = nullptr;  // the characters are behind it
+    std::uint32_t* _owners = nullptr;  // the characters follow it
   };
 
   static unsigned long _changes;

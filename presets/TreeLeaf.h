@@ -8,7 +8,7 @@ namespace cairnset {
 class TreeLeaf : public TreeItem {
  public:
   TreeLeaf() : TreeItem(kTreeLeaf) {}
-  /// For the member-wise copy of a preset.
+  /// For the memberwise copy of a preset.
   TreeLeaf(const TreeLeaf&) = default;
 
   const char* getTreeItemTypeName() const override { return "File"; }

@@ -13,7 +13,7 @@ namespace cairnset {
 
 unsigned long TreeLimb::_tree_changes = 0;
 
-// Where the leaf cursor was when no tree had changed since.
+// The leaf cursor's position; valid while no tree has changed.
 struct TreeLimb::LeafWalk {
   explicit LeafWalk(const TreeLimb& top) : limbs(top) {}
 
@@ -157,7 +157,7 @@ TreeLeaf* TreeLimb::findLeaf(const Matches& matches) {
 namespace {
 
 // Whether a limb's class may override listRecursively. Calling it for these two, which do not,
-// would need a stack as deep as the tree.
+// would recurse to the depth of the tree.
 bool mayListItself(const TreeLimb& limb) {
   return typeid(limb) != typeid(TreeLimb) && typeid(limb) != typeid(PresetLimb);
 }

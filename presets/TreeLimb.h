@@ -13,9 +13,9 @@ namespace cairnset {
 
 class TreeLeaf;
 
-/// A node with two ordered lists of children. It owns its limbs, which go with it; its leaves
-/// belong to somebody else. Everything that walks the tree does so without recursion, so that a
-/// tree may be as deep as folders can be nested.
+/// A node with two ordered lists of children. It owns its limbs and deletes them with itself; it
+/// does not own its leaves. No walk of the tree recurses, so that a tree may be as deep as folders
+/// can be nested.
 class TreeLimb : public TreeItem {
  public:
   TreeLimb();
@@ -23,35 +23,35 @@ class TreeLimb : public TreeItem {
   TreeLimb(const TreeLimb&) = delete;
 
   const char* getTreeItemTypeName() const override { return "TreeLimb"; }
-  /// Lists this limb and all below it, a line each, indented by `depth` and more tabs: the limb,
-  /// its leaves, then each child limb in the same way, or as the limb's own class has it.
+  /// Lists this limb and all below it, a line each, indented by `depth` tabs and one more a level:
+  /// the limb, its leaves, then each child limb in the same way, or as its class overrides it.
   virtual void listRecursively(std::ostream& os, unsigned long flags, int depth) const;
 
   // --- Children ---
 
   void addLimb(TreeLimb* limb);
   void addLeaf(TreeLeaf* leaf);
-  /// Adds a limb or a leaf by its type; null is nothing.
+  /// Adds a limb or a leaf by its type; ignores null.
   void addItem(TreeItem* item);
-  /// Takes the item out of this limb's own children, if it is there. It is not deleted, and its
-  /// parent() stays what it was.
+  /// Removes the item from this limb's direct children, if it is one. It is not deleted, and its
+  /// parent() is unchanged.
   void removeItem(TreeItem* item);
   static void removeItemFromParent(TreeItem* item);
-  /// The direct child at a position, leaves first and then limbs; null past the end.
+  /// The direct child at a position, leaves before limbs; null past the end.
   TreeItem* getItem(long i) const;
   const PtrManager& limbs() const { return _limbs; }
   const PtrManager& leaves() const { return _leaves; }
-  /// Lets go of the leaves here and below, and deletes all limbs below.
+  /// Deletes all limbs below, and removes all leaves without deleting them.
   void deleteItemsRecursively();
 
-  /// What is below this limb, at any depth.
+  /// The items below this limb, at any depth.
   long countItemsRecursively() const { return countLeafsRecursively() + countLimbsRecursively(); }
   long countLimbsRecursively() const { return countBelow(&TreeLimb::_limbs); }
   long countLeafsRecursively() const { return countBelow(&TreeLimb::_leaves); }
 
   // --- Searches: the first match, or null. An item without a name matches no name. ---
 
-  /// This limb, then its child limbs in order, each with all its own before the next.
+  /// Pre-order: this limb, then each child limb with its whole subtree.
   TreeLimb* findLimbWithIndexRecursively(unsigned long index) { return findLimb(hasIndex(index)); }
   TreeLimb* findLimbWithIDRecursively(unsigned long id) { return findLimb(hasID(id)); }
   TreeLimb* findLimbWithNameRecursively(const char* name) { return findLimb(hasName(name)); }
@@ -67,18 +67,17 @@ class TreeLimb : public TreeItem {
 
   // --- The leaf walk ---
 
-  /// The place in the walk: the number of leaves that have been passed. Set it to 0 to start one.
+  /// The position in the walk: the number of leaves passed. Set it to 0 to start one.
   void setLeafCursor(std::uint32_t cursor) { _leaf_cursor = cursor; }
   std::uint32_t leafCursor() const { return _leaf_cursor; }
   /// The next of all leaves below, each folder's own before those of its sub-folders; null at the
-  /// end. Only the number of leaves passed counts: a leaf that is added or removed during the walk
-  /// shifts what comes after it. The place is remembered, so that a step costs no walk from the top
-  /// as long as no tree has changed.
+  /// end. The cursor is only a count: adding or removing a leaf during the walk shifts what comes
+  /// after it. While no tree changes, a step does not walk from the top again.
   TreeLeaf* recursiveLeafIterNext();
 
   void debugRecursively(int /*depth*/) const {}
 
-  /// Grows with every limb or leaf that is added to or taken from any tree.
+  /// Grows with every limb or leaf added to or removed from any tree.
   static unsigned long treeChanges() { return _tree_changes; }
 
  private:
@@ -98,7 +97,7 @@ class TreeLimb : public TreeItem {
   PtrManager _limbs;   // of TreeLimb*, owned
   PtrManager _leaves;  // of TreeLeaf*
   std::uint32_t _leaf_cursor = 0;
-  std::unique_ptr<LeafWalk> _leaf_walk;  // where the cursor stands; may be out of date
+  std::unique_ptr<LeafWalk> _leaf_walk;  // the cursor's position; may be out of date
 };
 
 }  // namespace cairnset

@@ -30,7 +30,7 @@ constexpr std::size_t kSmall = 72;  // most names, and all links
 
 struct Blocks {
   std::vector<std::unique_ptr<unsigned char[]>> all;
-  unsigned char* next = nullptr;  // in the last
+  unsigned char* next = nullptr;  // in the last block
   std::size_t left = 0;
 };
 
@@ -39,7 +39,7 @@ struct State {
   std::size_t piecesOut = 0;
 };
 
-// Never destroyed: a list that is itself static may outlive whatever else is.
+// Never destroyed: a static list may be destroyed later.
 State& state() {
   static auto& state = *new State;
   return state;

@@ -42,8 +42,8 @@ std::uint64_t sumOfWords(const void* content, std::size_t size, bool swapped) {
     const std::uint64_t word = bigEndianWord(bytes + at);
     sum += swapped ? byteReversed(word) : word;
   }
-  // The partial word is big-endian in the swapped form too, which is no mistake: trailers have
-  // always been computed like this.
+  // The partial word is big-endian in the swapped form too, on purpose: trailers have always been
+  // computed like this.
   unsigned char partial[kWord] = {};
   std::copy(bytes + whole, bytes + size, partial);
   return sum + bigEndianWord(partial);
@@ -88,8 +88,8 @@ int VirtualFile::confirmRawAppended64BitChecksum(unsigned long long* computed) {
   return hasTrailer && sum == trailer;
 }
 
-// The trailer is not reversed, so that this is no mirror of append64BitChecksum(true). Both are
-// kept as they are.
+// The trailer is not reversed, so this does not accept what append64BitChecksum(true) writes. On
+// purpose.
 int VirtualFile::confirmSwappedAppended64BitChecksum() const {
   return _size >= kWord && calculateSwapped64BitChecksum() == bigEndianWord(_end - kWord);
 }
@@ -97,7 +97,7 @@ int VirtualFile::confirmSwappedAppended64BitChecksum() const {
 int confirmChecksum(short forkRef, ChecksumProgress progress, long refCon) {
   const std::unique_ptr<unsigned char[]> buffer(new (std::nothrow) unsigned char[kBlock]);
   if (buffer == nullptr) return 0;
-  // The next bytes of the fork, with zeros for what it does not give.
+  // Reads the next bytes of the fork, with zeros for those that cannot be read.
   const auto read = [forkRef, &buffer](std::size_t count) {
     std::fill_n(buffer.get(), kBlock, static_cast<unsigned char>(0));
     FSReadFork(forkRef, fsAtMark, 0, count, buffer.get(), nullptr);
@@ -120,8 +120,8 @@ int confirmChecksum(short forkRef, ChecksumProgress progress, long refCon) {
     if (cancelled(static_cast<float>(i) / (static_cast<float>(blocks) + 1.0f))) return -1;
   }
 
-  // From where the reads really came to. The bounds hold for a fork of fewer than 8 bytes, and for
-  // one that changes its length meanwhile.
+  // From where the reads really ended. The bounds are for a fork of fewer than 8 bytes, and for one
+  // whose length changes during the check.
   std::int64_t position = 0;
   FSGetForkPosition(forkRef, &position);
   read(static_cast<std::size_t>(

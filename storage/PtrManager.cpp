@@ -53,7 +53,7 @@ bool PtrManager::setEntries(const std::vector<void*>& ptrs) {
 
 void* PtrManager::iterNext() {
   if (++_iter_index > _num_ptrs) return nullptr;
-  // No link yet where the list was empty when the cursor was set.
+  // No link yet if the list was empty at iterReset.
   if (_iter_link == nullptr) _iter_link = _last_link;
   _iter_link = _iter_link->next;
   return _iter_link->ptr;

@@ -1,4 +1,4 @@
-// The list behind every container: untyped pointers in the order in which they were added.
+// The list behind every container: untyped pointers in the order of their addition.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +19,8 @@ struct PtrLink {
   static void operator delete(void* link) { Arena::give(link); }
 };
 
-/// The entries of a list from first to last, each as a T*. It is only read, it does not touch the
-/// list's own cursor, and it lasts until entries are added or removed.
+/// The entries of a list from first to last, each as a T*. Read-only; independent of the list's
+/// cursor; valid until entries are added or removed.
 template <typename T>
 class PtrEntries {
  public:
@@ -63,25 +63,26 @@ class PtrEntries {
   std::int32_t _count;
 };
 
-/// A circular singly linked list of pointers, or of 32-bit values in their place. It owns its links
-/// and nothing that they point to. Positions count from 0; the same pointer may stand in it often.
+/// A circular singly linked list of pointers, or of 32-bit values in their place. It owns its
+/// links, not what the entries point to. Positions count from 0; a pointer may occur more than
+/// once.
 class PtrManager {
  public:
   PtrManager() = default;
   PtrManager(const PtrManager&) = delete;
   PtrManager& operator=(const PtrManager&) = delete;
-  /// Frees the links directly: the removeAll of a derived class is gone by then.
+  /// Frees the links directly: a derived class's removeAll cannot be called any more.
   virtual ~PtrManager() { freeLinks(); }
 
-  /// Puts `p` behind the last entry; the link belongs to the list.
+  /// Appends `p` and returns its link, which the list owns.
   virtual PtrLink* addPtr(void* p);
   /// Removes the first entry that equals `p`, if there is one.
   virtual void removePtr(void* p);
   virtual void removeAll() { freeLinks(); }
 
-  /// The entry at a position, null in an empty list. A position past the end goes round the circle,
-  /// a negative one is the first. The place that was reached last is remembered, so that calls at
-  /// rising positions cost a step each and not a walk each, until entries are added or removed.
+  /// The entry at a position, null in an empty list. A position past the end wraps around, a
+  /// negative one is the first. The last position is cached, so that calls at rising positions cost
+  /// a step each and not a walk each, until entries are added or removed.
   void* getPtr(long i) const { return _num_ptrs == 0 ? nullptr : linkAt(i)->ptr; }
   /// As getPtr, but null for a position outside the list.
   void* getPtrCheckRange(long i) const {
@@ -92,16 +93,16 @@ class PtrManager {
   std::int32_t getPtr32(long i) const { return valueOf(getPtr(i)); }
   long count() const { return _num_ptrs; }
 
-  /// Exchanges the entries at two positions, taken as in getPtr. The links stay where they are.
+  /// Exchanges the entries at two positions, interpreted as in getPtr. The links stay in place.
   void swapPtrs(long i, long j);
-  /// Stores the pointers into the links in order, for a reordering in one go. False, and nothing is
-  /// changed, unless there are exactly count() of them.
+  /// Stores the pointers into the links in order, to reorder all at once. False, and nothing
+  /// changes, unless there are exactly count() of them.
   bool setEntries(const std::vector<void*>& ptrs);
 
-  /// The one cursor of the list. After iterReset, iterNext answers the entries first to last, then
-  /// null: it ends when it has taken as many steps as the list has entries at that moment,
-  /// so that a walk during which entries come or go can end early or late. When the cursor's own
-  /// entry is removed, the cursor falls back to the one before it.
+  /// The list's one cursor. After iterReset, iterNext returns the entries first to last, then null.
+  /// It ends after as many steps as the list then has entries: if entries are added or removed
+  /// meanwhile, it can end early or late. If the cursor's own entry is removed, the cursor falls
+  /// back to the one before it.
   void iterReset() {
     _iter_link = _last_link;
     _iter_index = 0;
@@ -118,8 +119,8 @@ class PtrManager {
     return {_last_link == nullptr ? nullptr : _last_link->next, _num_ptrs};
   }
 
-  /// Grows with every change of what stands where. What was derived from the list still holds as
-  /// long as this is what it was then.
+  /// A revision counter: what was derived from the list's entries and their order is valid while it
+  /// is unchanged.
   unsigned long changes() const { return _changes; }
 
  private:

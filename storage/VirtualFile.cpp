@@ -23,7 +23,7 @@ char* allocateZeroed(std::uint32_t size) {
   return new (std::nothrow) char[size]();
 }
 
-// For lengths of 0, with which the pointers may be null.
+// memmove that allows null pointers with a length of 0.
 void moveBytes(void* to, const void* from, std::size_t n) {
   if (n > 0) std::memmove(to, from, n);
 }
@@ -37,8 +37,8 @@ void reverseBytes(void* bytes, long n) {
   std::reverse(first, first + n);
 }
 
-// At least 1; and with at most 31 bits a capacity, which is at most a block more than the limit of
-// the content, always fits 32 bits.
+// At least 1, and at most 31 bits: a capacity, at most a block over the content limit, fits 32
+// bits.
 std::int32_t usableBlockSize(long size) {
   return static_cast<std::int32_t>(
       std::clamp<std::int64_t>(size, 1, std::numeric_limits<std::int32_t>::max()));
@@ -52,7 +52,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Whether strtod could take the character, in any of its forms: 1e-9, 0x1p3, inf, nan(x_1).
+// Whether strtod may accept the character, in any of its forms: 1e-9, 0x1p3, inf, nan(x_1).
 bool isNumberCharacter(char c) {
   return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
          std::string_view("+-._()").find(c) != std::string_view::npos;
@@ -61,13 +61,13 @@ bool isNumberCharacter(char c) {
 struct Decimal {
   bool negative;
   std::int64_t magnitude;  // at most kTooLarge
-  const char* stop;        // behind the digits; the start where there were none
+  const char* stop;        // after the digits; the start if there are none
 };
 
 constexpr std::int64_t kTooLarge = std::int64_t{1} << 32;
 
-// The library's strtol will not do: the text need not end in a zero byte, and long has 64 bits on
-// some machines while the results are those of 32 on all.
+// Not strtol: the text need not end in a zero byte, and the results are those of 32 bits even on
+// machines with a long of 64.
 Decimal parseDecimal(const char* text, const char* end) {
   const char* p = std::find_if_not(text, end, isWhiteSpace);
   const bool negative = p != end && *p == '-';
@@ -122,7 +122,7 @@ int VirtualFile::resize_buffer(unsigned long n) {
   return 1;
 }
 
-// The caller's memory, used in place, is not ours to free: the content starts again all the same.
+// Memory of the caller's, used in place, is not freed.
 int VirtualFile::clear() {
   release();
   startEmpty();
@@ -153,12 +153,12 @@ std::uint32_t VirtualFile::capacityFor(unsigned long n) const {
   return block * (static_cast<std::uint32_t>(n) / block + 1);
 }
 
-// To a larger capacity. Where memory runs out the capacity stays that of the buffer we have: noting
-// the larger one would let the next write run over its end.
+// To a larger capacity. If memory runs out, _capacity must stay that of the old buffer, or the next
+// write would overrun it.
 bool VirtualFile::reallocate(std::uint32_t capacity) {
   char* const block = allocateZeroed(capacity);
   if (block == nullptr) return false;
-  // All of the old memory: what was cut off by a shrinking stays readable after a growth.
+  // All of the old memory: bytes cut off by shrinking reappear after growing.
   moveBytes(block, _buffer, _capacity);
   _wptr = block + tellp();
   _rptr = block + tellg();
@@ -174,12 +174,12 @@ bool VirtualFile::reallocate(std::uint32_t capacity) {
 
 bool VirtualFile::makeRoomToWrite(long n) {
   if (n < 0 || _buffer == nullptr) return false;
-  // Cannot wrap, also with 32 bits: a position is at most 600 MiB and n at most 2 GiB.
+  // Cannot wrap, even with 32 bits: a position is at most 600 MiB and n at most 2 GiB.
   const unsigned long end = static_cast<unsigned long>(tellp()) + static_cast<unsigned long>(n);
   return end < _size || resize_buffer(end) == 1;
 }
 
-// Where in our memory a source lies, which a growth would move from under it; -1 for elsewhere.
+// The offset of a source in our own memory, which growing would move; -1 if it is elsewhere.
 long VirtualFile::offsetInBuffer(const void* p) const {
   const auto* const at = static_cast<const char*>(p);
   const std::less<> before;
@@ -196,7 +196,7 @@ int VirtualFile::write(const void* src, long n) {
 }
 
 int VirtualFile::write(VirtualFile& src, long n) {
-  // src may be this file, so it is looked at only when the growth is done.
+  // src may be this file, so use it only after growing.
   if (src._buffer == nullptr || !makeRoomToWrite(n)) return 0;
   const auto count = static_cast<std::size_t>(n);
   const auto held = std::min(count, src._capacity - static_cast<std::size_t>(src.tellg()));
@@ -254,8 +254,8 @@ int VirtualFile::readPastEnd(void* dst, long n) {
   const auto wanted = static_cast<std::size_t>(n);
   const auto copied = std::min(wanted, static_cast<std::size_t>(_end - _rptr));
   moveBytes(dst, _rptr, copied);
-  // From the start of dst on purpose, over what was just copied: files that end early have always
-  // been read like this.
+  // From the start of dst, over what was just copied, on purpose: truncated files have always been
+  // read like this.
   zeroBytes(dst, wanted - copied);
   _rptr += copied;
   return normalise();
@@ -279,7 +279,7 @@ std::int32_t VirtualFile::parseSigned() {
                                                    : std::min(number.magnitude, kMost));
 }
 
-// As strtoul has it: too large is the largest, with either sign; else a minus negates modulo 2^32.
+// As strtoul: too large gives the maximum, with either sign; else a minus negates modulo 2^32.
 std::uint32_t VirtualFile::parseUnsigned() {
   const Decimal number = parseDecimal(_rptr, _end);
   _rptr += number.stop - _rptr;
@@ -288,7 +288,7 @@ std::uint32_t VirtualFile::parseUnsigned() {
 }
 
 double VirtualFile::parseReal() {
-  // strtod needs a zero byte behind the number, for which the buffer may have no room.
+  // strtod needs a zero byte after the number, for which the buffer may have no room.
   const char* const number = std::find_if_not(_rptr, _end, isWhiteSpace);
   const char* const stop =
       std::find_if_not(number, static_cast<const char*>(_end), isNumberCharacter);
@@ -312,8 +312,7 @@ int VirtualFile::put(double v) {
   return write(text, std::snprintf(text, sizeof text, "%.*f", static_cast<int>(_precision), v));
 }
 
-// The digits after the point are left out on purpose: texts with floats have always looked like
-// this.
+// Drops the digits after the point, on purpose: texts with floats have always looked like this.
 int VirtualFile::put(float v) {
   char text[64];  // a sign, 39 digits, the point, six digits
   std::snprintf(text, sizeof text, "%f", static_cast<double>(v));
@@ -356,7 +355,7 @@ bool VirtualFile::getLine(std::string& line) {
 
 // --- Positions ---
 
-// Where a seek goes, from 0 up. No content comes near 2 GiB, so that cutting offsets to 32 bits
+// The target of a seek, 0 or more. Content is far below 2 GiB, so clamping offsets to 32 bits
 // changes no result.
 long VirtualFile::absolute(long off, from_pos whence, long current) const {
   constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
@@ -409,7 +408,7 @@ int VirtualFile::dump(std::ostream& out, bool fromStart) {
   return !out.write(_buffer, static_cast<std::streamsize>(_size));
 }
 
-// readChunk(scratch) fills up to kChunk bytes and answers how many.
+// readChunk(scratch) fills up to kChunk bytes and returns how many.
 template <typename ReadChunk>
 long VirtualFile::loadChunks(ReadChunk readChunk, unsigned long maxBytes) {
   char scratch[kChunk];
@@ -418,8 +417,8 @@ long VirtualFile::loadChunks(ReadChunk readChunk, unsigned long maxBytes) {
   do {
     actual = readChunk(scratch);
     total += actual;
-    // Doubles ahead of the writes: growing by one chunk at a time would copy a file of 100 MB
-    // 100,000 times. A preset comes in one chunk and never gets here.
+    // Double ahead of the writes: growing by one chunk at a time would copy a file of 100 MB
+    // 100,000 times. A preset is one chunk and never gets here.
     const unsigned long needed = _size + actual;
     if (total > kChunk && needed > _capacity && needed <= kMaxContent) {
       reallocate(capacityFor(std::min(2 * needed, kMaxContent)));
@@ -440,7 +439,7 @@ long VirtualFile::load(short forkRef, unsigned long maxBytes) {
   if (!normalise()) return -1;
   clear();
   if (FSSetForkPosition(forkRef, fsFromStart, 0) != noErr) return 0;
-  // Each request is for as much as the read before it brought.
+  // Each request is for as many bytes as the previous read returned.
   return loadChunks(
       [forkRef, request = kChunk](char* scratch) mutable {
         std::size_t actual = 0;
@@ -455,7 +454,7 @@ long VirtualFile::load(std::istream& in) {
   clear();
   in.clear();
   in.seekg(0);
-  in.clear();  // of a failure to seek: a pipe is read from where it stands
+  in.clear();  // after a failed seek: a pipe is read from its position
   return loadChunks(
       [&in](char* scratch) {
         in.read(scratch, kChunk);

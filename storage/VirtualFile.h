@@ -1,4 +1,4 @@
-// A file in memory: the stream through which preset files are loaded, parsed, rebuilt and written.
+// A file in memory, through which preset files are loaded, parsed, rebuilt and written.
 #pragma once
 
 #include <cstdint>
@@ -19,22 +19,20 @@ void swapEight(void* bytes);
 
 /// One growable run of bytes with a read and a write position that move independently.
 ///
-/// Bytes are kept as they are given; only the operations with a `swap` argument reverse any
-/// (storage/ByteOrder.h has the flag for preset files). Where nothing else is said an operation
-/// answers 1 for success and 0 for failure, and changes nothing where it fails. Nothing throws. A
-/// negative number of bytes is a failure, and so is everything on a file whose memory could not be
-/// had, until a clear() gets some. Content is limited to kMaxContent. Positions are offsets from
-/// the start and never lie past the end of the content.
+/// Only the operations with a `swap` argument reverse bytes (storage/ByteOrder.h has the flag for
+/// preset files). Unless stated otherwise an operation returns 1 for success and 0 for failure, and
+/// changes nothing on failure. Nothing throws. A negative number of bytes is a failure, and so is
+/// everything on a file whose memory could not be allocated, until clear() succeeds. Content is
+/// limited to kMaxContent. Positions are offsets from the start, never past the end of the content.
 class VirtualFile {
  public:
   static constexpr unsigned long kMaxContent = 600ul * 1024 * 1024;
 
-  /// An empty file. Memory comes in multiples of `blockSize` bytes, which is at least 1.
+  /// An empty file. Memory is allocated in multiples of `blockSize` bytes, at least 1.
   explicit VirtualFile(long blockSize);
-  /// A file with content, to be read from its start and written at its end. In place, `data` is the
-  /// buffer until the file outgrows it; it stays the caller's to free and must live as long.
-  /// Otherwise the bytes are copied. Content over the limit is treated as memory that could
-  /// not be had.
+  /// A file with content: reads begin at its start, writes at its end. In place, `data` is the
+  /// buffer until the file outgrows it; the caller frees it, and keeps it alive meanwhile.
+  /// Otherwise the bytes are copied. Content over the limit is treated as a failed allocation.
   VirtualFile(char* data, unsigned long length, bool useInPlace, long blockSize);
   VirtualFile(const VirtualFile&) = delete;
   VirtualFile& operator=(const VirtualFile&) = delete;
@@ -42,52 +40,52 @@ class VirtualFile {
 
   // --- Content ---
 
-  /// Null where memory could not be had. Any growth moves the buffer.
+  /// Null if memory could not be allocated. Any growth moves the buffer.
   char* buffer() const { return _buffer; }
   char* rptr() const { return _rptr; }
   char* wptr() const { return _wptr; }
   unsigned long size() const { return _size; }
   /// As resize_buffer.
   int size(unsigned long n) { return resize_buffer(n); }
-  /// Makes the content `n` bytes long; -1 for more than the limit. New bytes are zero, but those
-  /// that were cut off by an earlier call come back as they were.
+  /// Makes the content `n` bytes long; -1 for more than the limit. New bytes are zero, but bytes
+  /// cut off by an earlier call reappear unchanged.
   int resize_buffer(unsigned long n);
-  /// Makes the content `n` bytes long, and answers it for the caller to fill; null on failure.
+  /// Makes the content `n` bytes long and returns it for the caller to fill; null on failure.
   char* reserve(long n) {
     // A negative length becomes one that is over the limit.
     return resize_buffer(static_cast<unsigned long>(n)) == 1 ? _buffer : nullptr;
   }
-  /// Starts again, empty, with new memory of one block.
+  /// Empties the file, with new memory of one block.
   int clear();
-  /// 1, or -1 where there is no memory or the size had to be cut to it.
+  /// 1, or -1 if there is no memory or the size had to be reduced to fit it.
   [[nodiscard]] int confirm() { return normalise() ? 1 : -1; }
   [[nodiscard]] bool good() { return confirm() > 0; }
 
-  // --- Binary writes, over what is there and on past the end ---
+  // --- Binary writes: overwrite, and extend the content past its end ---
 
   /// `src` may lie in this file.
   int write(const void* src, long n);
-  /// Takes the bytes at `src`'s read position, and moves that on. Does not check that there are so
-  /// many: past its content come whatever bytes its memory holds there, past its memory
-  /// zeros. `src` may be this file: it gets the bytes as they were before.
+  /// Writes the bytes at `src`'s read position, and advances that. Does not check that there are so
+  /// many: past its content it copies whatever its memory holds, past its memory zeros. `src` may
+  /// be this file: its bytes from before the call are written.
   int write(VirtualFile& src, long n);
   int writeZeroes(long n);
-  /// A field of exactly `fieldLength` bytes (1 or more), cut or filled so as to end in a zero byte.
+  /// Exactly `fieldLength` bytes (1 or more), truncated or padded so as to end in a zero byte.
   int writeStringAndPad(const char* s, long fieldLength);
   int write2(const void* p, bool swap) { return writeWord(p, 2, swap); }
   int write4(const void* p, bool swap) { return writeWord(p, 4, swap); }
   int write8(const void* p, bool swap) { return writeWord(p, 8, swap); }
-  /// Writes at the end and leaves the write position where it is.
+  /// Writes at the end and does not move the write position.
   int append(const void* src, long n);
-  /// Writes `length` bytes from `offset` to `dst` (may be this file) at its write position. Leaves
-  /// the read position where it is, and answers it.
+  /// Writes `length` bytes from `offset` to `dst` (may be this file) at its write position. Returns
+  /// this file's read position, which does not move.
   long copyData(VirtualFile& dst, unsigned long offset, unsigned long length);
 
   // --- Binary reads ---
 
-  /// A read past the end succeeds too, but oddly: with k of n bytes left it copies these k, and
-  /// then clears the first n - k bytes of `dst`, not the last. What neither covers keeps its value,
-  /// so give it an initialised `dst`.
+  /// A read past the end succeeds too: with k of n bytes left it copies these k, and then clears
+  /// the first n - k bytes of `dst`, not the last, on purpose. Bytes that neither covers keep their
+  /// value, so `dst` must be initialised.
   int read(void* dst, long n) {
     if (n < 1 || n > _end - _rptr) return readPastEnd(dst, n);
     std::memmove(dst, _rptr, static_cast<std::size_t>(n));  // dst may lie in this file
@@ -101,8 +99,8 @@ class VirtualFile {
   // --- Numbers as decimal text ---
 
   /// Skip white space and parse, never past the end of the content; without a number the value is 0
-  /// and the position stays. Integers saturate at the 32-bit range and are then narrowed to
-  /// their type; a char is a number from -128 to 127, whatever the machine's char is.
+  /// and the position stays. Integers saturate at the 32-bit range and are then narrowed to their
+  /// type; a char is a number from -128 to 127 on every machine.
   VirtualFile& get(char& v) { return take(v, static_cast<signed char>(parseSigned())); }
   VirtualFile& get(unsigned char& v) { return take(v, parseUnsigned()); }
   VirtualFile& get(short& v) { return take(v, parseSigned()); }
@@ -125,7 +123,7 @@ class VirtualFile {
   int put(char v) { return put(static_cast<long>(static_cast<signed char>(v))); }
   /// With nine digits after the point.
   int put(double v);
-  /// Only what stands before the point.
+  /// Only what is before the point.
   int put(float v);
   /// The text without its terminator; null writes nothing.
   int put(const char* s);
@@ -139,53 +137,52 @@ class VirtualFile {
   // --- Characters and strings ---
 
   /// The string up to a zero byte or the end; the caller frees it with delete[]. Moves past the
-  /// zero byte. Null, without moving, where memory ran out.
+  /// zero byte. Null, without moving, if memory ran out.
   VirtualFile& get(char** out);
   /// Skips a byte.
   void get() {
     if (!eof()) ++_rptr;
   }
-  /// Steps back and stores `c` there; nothing at the start.
+  /// Moves back a byte and stores `c` there; does nothing at the start.
   void putback(char& c) {
     if (_rptr != _buffer) *--_rptr = c;
   }
   /// Skips spaces, tabs, line feeds and carriage returns.
   void skipspace();
-  /// The next line without its end, which is LF, CR, CR LF or the end of the content; zero bytes
-  /// are part of it. False, `line` untouched, at the end of the content or where memory ran out.
+  /// The next line without its end (LF, CR, CR LF or the end of the content); zero bytes are part
+  /// of it. False, `line` unchanged, at the end of the content or if memory ran out.
   [[nodiscard]] bool getLine(std::string& line);
 
-  // --- Positions: all answer the new one ---
+  // --- Positions: seeks return the new one ---
 
   bool eof() const { return _rptr >= _end; }
   long tellg() const { return static_cast<long>(_rptr - _buffer); }
   long tellp() const { return static_cast<long>(_wptr - _buffer); }
-  /// Positions outside the content become its start or end.
+  /// Positions outside the content are clamped to it.
   long seekg(long pos) { return seekg(pos, from_start); }
   long seekg(long off, from_pos whence);
-  /// Past the end, the content grows up to there; where it cannot the position stays.
+  /// Past the end the content grows up to there; if it cannot, the position stays.
   long seekp(long pos) { return seekp(pos, from_start); }
   long seekp(long off, from_pos whence);
 
   // --- Whole files ---
 
-  /// 0 where both are of one size and equal in the range, else 1.
+  /// 0 if both have the same size and are equal in the range, else 1.
   int compare(const VirtualFile& other, unsigned long offset, unsigned long length) const;
   int compare(const VirtualFile& other) const { return compare(other, 0, _size); }
 
-  /// Write the whole content, from the start of the target or where it stands. 0 for success and
-  /// for empty content, which writes nothing; -1 where confirm() fails; else an error: the result
-  /// code of the fork, 1 for a stream that took nothing (FILE) or not everything (ostream).
+  /// Write the whole content, at the start of the target or at its position. 0 for success and for
+  /// empty content, which writes nothing; -1 if confirm() fails; else an error: the result code of
+  /// the fork, 1 for a stream that took nothing (FILE) or not everything (ostream).
   [[nodiscard]] int dump(short forkRef, bool fromStart);
   [[nodiscard]] int dump(std::FILE* stream, bool rewindFirst);
   [[nodiscard]] int dump(std::ostream& out, bool fromStart);
 
-  /// Replace the content by that of a source from its start, or from where it stands if it cannot
-  /// seek, and answer the number of bytes read,
-  /// -1 where confirm() fails. Reading ends at a read of nothing, also one that failed, and once
-  /// the content takes no more. The read position is then at the start, the write position at the
-  /// end. `maxBytes` is looked at only after each chunk of 1024 bytes, so that up to 1023 more come
-  /// in, and one chunk for a limit of 0.
+  /// Replace the content by that of a source from its start, or from its position if it cannot
+  /// seek. Return the number of bytes read, -1 if confirm() fails. Reading ends at a read of
+  /// nothing, a failed one included, and when the content cannot grow. The read position is then at
+  /// the start, the write position at the end. `maxBytes` is checked only after each chunk of 1024
+  /// bytes, so up to 1023 more bytes are read, and one chunk for a limit of 0.
   long load(std::FILE* stream);
   long load(short forkRef, unsigned long maxBytes);
   long load(short forkRef) { return load(forkRef, std::numeric_limits<unsigned long>::max()); }
@@ -198,19 +195,19 @@ class VirtualFile {
   /// Pads, and appends the sum of the words. Swapped, the words are taken as little-endian numbers
   /// and the trailer is little-endian too.
   int append64BitChecksum(bool swapped);
-  /// The sum of all whole words but the last, which is taken for the trailer; 0 for content of
-  /// fewer than 8 bytes.
+  /// The sum of all whole words but the last, taken as the trailer; 0 for content of fewer than 8
+  /// bytes.
   unsigned long long calculateRaw64BitChecksum() const;
-  /// The sum of all but the last 8 bytes as little-endian words, save that a partial word counts as
-  /// big-endian; 0 for content of fewer than 8 bytes.
+  /// The sum of all but the last 8 bytes as little-endian words, but a partial word as big-endian;
+  /// 0 for content of fewer than 8 bytes.
   unsigned long long calculateSwapped64BitChecksum() const;
   /// The last 8 bytes as a big-endian number; leaves the read position at the end.
   unsigned long long getAppended64BitChecksum();
-  /// 1 where the last 8 bytes are the raw sum of all before, partial word included, else 0. The sum
-  /// goes to `*computed` (may be null). Moves the read position as getAppended64BitChecksum.
+  /// 1 if the last 8 bytes are the raw sum of all before, partial word included, else 0. Stores the
+  /// sum in `*computed` (may be null). Moves the read position as getAppended64BitChecksum.
   [[nodiscard]] int confirmRawAppended64BitChecksum(unsigned long long* computed);
-  /// 1 where the last 8 bytes, as a big-endian number, are the swapped sum, else 0. So it refuses
-  /// what append64BitChecksum(true) wrote, unless that sum reads the same both ways.
+  /// 1 if the last 8 bytes, as a big-endian number, are the swapped sum, else 0. So it rejects what
+  /// append64BitChecksum(true) wrote, unless that sum reads the same both ways.
   [[nodiscard]] int confirmSwappedAppended64BitChecksum() const;
 
  private:

@@ -23,7 +23,7 @@ void setAll(bool rom, const char* done) {
 void sortIntoSubdirectories() {
   const OutlivesReader outlives(std::cout);
   if (_pm != nullptr) _pm->sortAllForBrowser();
-  (void)instantiate();  // where this fails there is no library left to report on
+  (void)instantiate();  // on failure it has reported why, and no library is left
   std::cout << "Sorting presets has finished.\n";
 }
 
@@ -31,7 +31,7 @@ void setROM(PresetList* list, bool rom) {
   forEachPreset(list, [rom](Preset& preset) {
     if (preset.romByte() == (rom ? 1 : 0)) return;
     preset.setROM(rom);
-    (void)preset.writeOut();  // 0 also where the file could not be opened
+    (void)preset.writeOut();  // 0 also if the file could not be opened
     reportWriteFailure(preset, preset.status());
   });
 }

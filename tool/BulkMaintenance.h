@@ -5,13 +5,12 @@ namespace cairnset {
 
 class PresetList;
 
-/// Moves the presets that lie loose in the kinds' root folders into sub-folders, and reads the
-/// library anew. Loose sessions stay. Preset files of the same name in a category folder are
-/// replaced.
+/// Moves the presets directly in the kinds' root folders into sub-folders, and reloads the library.
+/// Sessions stay. Preset files of the same name in a category folder are replaced.
 void sortIntoSubdirectories();
 
 /// Makes every preset of the list ROM or RAM and writes those that were not. One that cannot be
-/// written is told on standard error and stays changed in memory. Nothing for a null list.
+/// written is reported on standard error and stays changed in memory. Ignores a null list.
 void setROM(PresetList* list, bool rom);
 /// All four lists. No option leads to these two.
 void makeAllROM();

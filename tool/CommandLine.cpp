@@ -16,7 +16,7 @@ namespace cairnset {
 
 namespace {
 
-// As getopt wants them.
+// In getopt's format.
 std::string optionLetters() {
   std::string letters;
   for (const Option& option : kOptions) {
@@ -26,7 +26,7 @@ std::string optionLetters() {
   return letters;
 }
 
-// False where the path does not fit; nothing is ever cut, since a cut path can be another folder.
+// False if the path does not fit. It is never truncated: that could name another folder.
 bool takePath(const char* path) {
   const std::size_t length = std::strlen(path);
   if (length >= kPathStringSize) {
@@ -43,7 +43,7 @@ bool takePath(const char* path) {
   return true;
 }
 
-// Unknown options are ignored; getopt has complained of them.
+// Unknown options are ignored; getopt has reported them.
 bool readOptions(int argc, char** argv, unsigned& flags) {
   const std::string letters = optionLetters();
   restartOptions();
@@ -99,7 +99,7 @@ int runCommandLine(int argc, char** argv) {
 }
 
 void printVersionAndCopyright() {
-  // The build's date is part of the name, so to speak: the same on every machine.
+  // The date is fixed text, the same in every build.
   std::cout << "\n"
                "Cairnset v" CAIRNSET_VERSION
                "  Jul 11 2008 09:28:09\n"

@@ -1,10 +1,10 @@
-// From the command line to the commands and the exit status.
+// The command line: options, commands and exit status.
 #pragma once
 
 namespace cairnset {
 
 /// The whole program: reads the options, loads the library, runs the commands in their fixed order
-/// (-h -s -y -z -p -d -r), and answers the exit status.
+/// (-h -s -y -z -p -d -r), and returns the exit status.
 [[nodiscard]] int runCommandLine(int argc, char** argv);
 
 void printVersionAndCopyright();

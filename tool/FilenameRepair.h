@@ -3,18 +3,18 @@
 
 namespace cairnset {
 
-/// Null where the name is acceptable, else the corrected name, which stays valid until the next
-/// call. Of a name longer than 255 bytes the first 255 count.
+/// Null if the name is acceptable, else the corrected name, valid until the next call. Only the
+/// first 255 bytes of a name count.
 [[nodiscard]] const char* isIllegalFilename(const char* name);
 
-/// Prints a line for each preset of the session, saying whether Windows would take its name.
-/// Answers kIncompatibleNames where it would not take one, else kSuccess.
+/// Prints a line for each preset of the session with whether Windows accepts its name. Returns
+/// kIncompatibleNames if it rejects one, else kSuccess.
 int checkFilenames();
 
-/// Renames each preset whose name Windows rejects, and rewrites those that named it. Answers
-/// kReferencesNotWritten where one of these could not be written (told on standard error; the rest
-/// goes on), else kSuccess. Signals are held back until all is done; what a SIGKILL leaves
-/// half-done is in presets/Renames.h.
+/// Renames each preset whose name Windows rejects, and rewrites those that named it. Returns
+/// kReferencesNotWritten if one of these could not be written (reported on standard error; the rest
+/// goes on), else kSuccess. Signals are held back until all is done; presets/Renames.h says what a
+/// SIGKILL leaves.
 int fixFilenames();
 
 }  // namespace cairnset

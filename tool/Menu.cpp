@@ -30,7 +30,7 @@ int doInteractive() {
     std::cout << "-> " << std::flush;
     int command = 0;
     std::cin >> command;
-    // A number with nothing after it, not even a line end, is not run either.
+    // A number at the end of the input, without a line end, is not run either.
     if (!std::cin.good() || command > 9 || command <= 0) return 0;
     switch (command) {
       case 1:

@@ -5,9 +5,9 @@ namespace cairnset {
 
 void listMenu();
 
-/// Shows the menu, reads a number, runs its command on the session, and again, until the input ends
-/// or is no number. 0 ends the menu, and so does a number above 9 or below 0, but 7, 8 and 9 are
-/// only called unrecognised; that is meant. The commands' results are not looked at. Answers 0.
+/// Shows the menu, reads a number and runs its command on the session, until the input ends or is
+/// not a number from 1 to 9. 7, 8 and 9 are only reported as unrecognised, on purpose. The
+/// commands' results are ignored. Returns 0.
 int doInteractive();
 
 }  // namespace cairnset

@@ -1,5 +1,5 @@
-// The options of the command line. What the program takes, what its usage says and what the shells
-// complete (packaging/make-completions.cpp) all come from the one table.
+// The options of the command line. Parsing, usage and the shells' completions
+// (packaging/make-completions.cpp) all come from this table.
 #pragma once
 
 namespace cairnset {
@@ -23,7 +23,7 @@ struct Option {
   const char* description;
 };
 
-/// In the order of the usage, which is not that in which commands run.
+/// In the order of the usage, not that in which commands run.
 inline constexpr Option kOptions[] = {
     {'e', true, kExplicitPath, "Specify an explicit Olvan Items folder to search in"},
     {'p', false, kListPresets, "List presets hierarchically"},

@@ -13,10 +13,10 @@ namespace cairnset {
 
 namespace {
 
-// One preset can be used by all others: their lines go out in pieces of about this size.
+// One preset can be used by all others: their lines are written in pieces of about this size.
 constexpr std::size_t kMostText = 1 << 16;
 
-// One pass of -d. Answers whether every reference was found.
+// One pass of -d. Returns whether every reference was found.
 bool checkReferences(PresetList* referrers, const PresetReference& reference, PresetList* referred,
                      const char* uses) {
   bool all = true;

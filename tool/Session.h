@@ -1,4 +1,4 @@
-// The one library that the program works on, and how it is found.
+// The one library that the program works on.
 #pragma once
 
 #include <cstddef>
@@ -13,18 +13,18 @@ class PresetManager;
 enum ExitStatus : int {
   kSuccess = 0,
   kNoPreferences = 1,          // the instrument's preferences do not lead to a library
-  kPathNotResolved = 2,        // the -e path leads nowhere, or is too long
+  kPathNotResolved = 2,        // the -e path cannot be resolved, or is too long
   kLibraryNotSetUp = 3,        // no "Presets" below the -e folder, and none could be made
   kIncompatibleNames = 10,     // -y found names that Windows rejects
   kMissingReferences = 11,     // -d found references that do not resolve
   kReferencesNotWritten = 20,  // -z could not write a preset that it relinked
-  kReportNotWritten = 74,      // standard output did not take the report
+  kReportNotWritten = 74,      // standard output could not be written
 };
 
-// All null while there is no session. The manager and the preferences are owned; the lists are the
-// manager's own.
+// All null without a session, which owns the manager and the preferences; the lists are the
+// manager's.
 extern PresetManager* _pm;
-extern BrumePrefs* _prefs;  // null where the path was given with -e
+extern BrumePrefs* _prefs;  // null if the path was given with -e
 extern PresetList* _v;      // velocity maps
 extern PresetList* _e;      // effects
 extern PresetList* _p;      // programs
@@ -34,13 +34,13 @@ extern PresetList* _s;      // sessions
 inline constexpr std::size_t kPathStringSize = 512;
 extern char path_string[kPathStringSize];
 
-/// Reads the library, after ending any session before: from path_string, or where that is empty
-/// from where the preferences say. Answers kSuccess or why not, told on standard error; the lists
-/// are null then.
+/// Ends any session and loads the library at path_string or, if that is empty, the one that the
+/// preferences name. Returns kSuccess, or another status after reporting the error on standard
+/// error; the lists are then null.
 [[nodiscard]] int instantiate();
 /// Ends the session. Nothing is saved.
 void deinstantiate();
-/// Opens the library at path_string into the session's manager. The argument means nothing.
+/// Opens the library at path_string into the session's manager. The argument is ignored.
 int PresetManagerFriendFunction(void* unused);
 
 }  // namespace cairnset

@@ -6,8 +6,8 @@
 
 int main(int argc, char** argv) {
   cairnset::prepareProcess();
-  // Reports are written in large pieces; standard error goes out at once, after what was reported
-  // before it.
+  // Reports are written in large pieces. Standard error is not buffered, and flushes earlier
+  // output.
   std::ios::sync_with_stdio(false);
   const cairnset::MaskedTerminals masked;
   return cairnset::runCommandLine(argc, argv);
