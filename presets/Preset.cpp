@@ -57,7 +57,7 @@ Preset::Preset(const FSRef& ref, const char* name, long /*kind*/, bool create)
   }
   if (_status == noErr) {
     takeFile(file);
-    _cf_name = file;
+    _host_name_ref = file;
   }
 }
 
@@ -108,7 +108,7 @@ void Preset::takeNamesFromFile() {
   FileName name;
   getPlaceName(_file_ref, name, sizeof name);
   takeTreeItemName(name);
-  _cf_name = _file_ref;
+  _host_name_ref = _file_ref;
 }
 
 // --- The record ----------------------------------------------------------------------------------
@@ -208,8 +208,7 @@ OSErr Preset::readIn() {
   return _status;
 }
 
-// Of a large file only the start is given. The fields are all in it; beyond that only the size
-// counts.
+// Of a large file only the start is given. It has all the fields; else only the size matters.
 OSErr Preset::readFrom(const FileStart& start) {
   _status = noErr;
   VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
@@ -239,7 +238,7 @@ OSErr Preset::writeOutIfDeletedFromDisk() {
   }
   if (opened != fnfErr) return opened;
   HFSUniStr255 name;
-  placeOf(_cf_name, nullptr, &name);
+  placeOf(_host_name_ref, nullptr, &name);
   FSRef file;
   const OSErr made = FSCreateFileUnicode(&_parent_ref, name.length, name.unicode, &file, nullptr);
   if (made != noErr) return made;
@@ -277,7 +276,7 @@ OSErr Preset::rename(const unsigned char* newName) {
 
 OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
   HFSUniStr255 name, ownName;
-  placeOf(_cf_name, nullptr, &name);
+  placeOf(_host_name_ref, nullptr, &name);
   placeOf(_file_ref, nullptr, &ownName);
   const auto view = [](const HFSUniStr255& n) { return std::u16string_view(n.unicode, n.length); };
   const bool keepsName = view(name) == view(ownName);

@@ -68,8 +68,7 @@ class Preset : public TreeLeaf {
   const char* getTreeItemTypeName() const override { return "Preset"; }
   /// The tree index in three columns, kind, ROM mark and name, without a line end.
   void printTreeItemInfo(std::ostream& os, unsigned long flags) const override;
-  /// Appends the same to `text`, in the form for `os`; with `name` in place of the preset's if not
-  /// null.
+  /// Appends the same to `text`, in the form for `os`; with `name`, that instead of the preset's.
   void appendTreeItemInfo(std::string& text, const std::ostream& os,
                           const char* name = nullptr) const;
   /// The payload fields in memory, in the machine's byte order, spare bytes included; null if none.
@@ -174,7 +173,7 @@ class Preset : public TreeLeaf {
   FSRef _file_ref;
   /// A place whose last part is the preset's host name: the file's exact name when this preset was
   /// made. A rename does not change it, on purpose.
-  FSRef _cf_name;
+  FSRef _host_name_ref;
   FSRef _parent_ref;  // the folder that the file is, or was, in
   std::int32_t _index = 0;
   std::int32_t _file_index = 0;

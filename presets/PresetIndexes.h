@@ -28,8 +28,7 @@ class PresetIndexes {
   /// The first limb of the tree, in pre-order, with the ID.
   TreeLimb* limbWithID(unsigned long id);
 
-  /// Drops outdated indexes. Call before an addition that add() reports; no other change may come
-  /// between.
+  /// Drops outdated indexes. Call it right before an addition that add() reports.
   void bringUpToDate();
   /// Reports a preset appended to the list, anywhere in the tree.
   void add(Preset* preset);

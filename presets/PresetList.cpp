@@ -99,9 +99,9 @@ Preset* PresetList::findPreset(const char* name) const {
   return name != nullptr ? _indexes.presetNamed(name) : nullptr;
 }
 
-template <typename Lies>
+template <typename Accepts>
 Preset* PresetList::findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
-                                   Lies lies) const {
+                                   Accepts accepts) const {
   for (Preset* preset : presets()) {
     if (preset == nullptr && stopsAtNull) break;
     if (preset == nullptr) continue;
@@ -112,7 +112,7 @@ Preset* PresetList::findByFileName(const unsigned char* name, bool caseSensitive
     if (!equalPString(held, name, caseSensitive)) continue;
     // The file may be gone and so have no name. Check the disk only for a match.
     preset->getName(held);
-    if (equalPString(held, name, caseSensitive) && lies(*preset)) return preset;
+    if (equalPString(held, name, caseSensitive) && accepts(*preset)) return preset;
   }
   return nullptr;
 }

@@ -157,9 +157,9 @@ class PresetList : public PtrManager, public PresetLimb {
   }
   OSStatus saveEach(OSErr (Preset::*save)(), bool ramOnly);
 
-  template <typename Lies>
+  template <typename Accepts>
   Preset* findByFileName(const unsigned char* name, bool caseSensitive, bool stopsAtNull,
-                         Lies lies) const;
+                         Accepts accepts) const;
 
   PresetManager* _manager;
   FSRef _root_folder;
@@ -170,8 +170,7 @@ class PresetList : public PtrManager, public PresetLimb {
   mutable PresetIndexes _indexes;
 };
 
-/// Calls `each(Preset&)` for every preset in the list's tree, if the list is not null. Restarts its
-/// leaf walk.
+/// Calls `each(Preset&)` for every preset in the tree; ignores a null list. Restarts the leaf walk.
 template <typename Each>
 void forEachPreset(PresetList* list, Each each) {
   if (list == nullptr) return;

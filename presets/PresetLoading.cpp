@@ -136,8 +136,7 @@ void makeSureOfDefault(PresetList& list) {
     Str255 name;
     C2PCopy(name, Preset::_default_preset_name);
     list.newPreset(name, true, false);
-    // If it could not be made this is another preset, which becomes ROM with index 0 all the same,
-    // on purpose.
+    // If that failed this is another preset, which becomes ROM with index 0, on purpose.
     found = list.presetAt(list.count() - 1);
     if (found == nullptr) return;
   } else if (found->isROM() && found->index() == 0) {

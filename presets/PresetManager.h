@@ -23,8 +23,7 @@ namespace cairnset {
 class BrumePrefs;
 class BrumeSynth;
 
-/// The four lists, which own all presets. Statuses are host result codes. Destruction saves
-/// nothing.
+/// The four lists, which own all presets and destroy them unsaved. Statuses are host result codes.
 class PresetManager : public VelocityMapPresetList,
                       public EffectsPresetList,
                       public ProgramPresetList,
@@ -32,8 +31,7 @@ class PresetManager : public VelocityMapPresetList,
  public:
   /// Four empty, unconfirmed lists. The engine is not owned, and this system has none: null.
   explicit PresetManager(BrumeSynth* synth);
-  /// Copies each list without its presets, and makes the copy its manager. The copy has no
-  /// "Presets" folder.
+  /// Copies the lists without presets; the copy is their manager, and has no "Presets" folder.
   PresetManager(const PresetManager& other);
   ~PresetManager() override;
 

@@ -25,8 +25,7 @@ class ReferrerIndex {
     std::sort(_keys.begin(), _keys.end());
   }
 
-  /// Calls `each(Preset&)` for each preset that refers to `name`, in the order of the list's leaf
-  /// walk.
+  /// Calls `each(Preset&)` for each preset that refers to `name`, in the leaf walk's order.
   template <typename Each>
   void forEachReferrerOf(std::string_view name, Each each) const {
     const std::uint64_t first = firstKey(name);

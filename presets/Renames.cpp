@@ -29,7 +29,7 @@ bool writesBefore(const Relinked* a, const Relinked* b) {
                              : a->preset->index() < b->preset->index();
 }
 
-bool isFlushedAtOnce(std::size_t items, const FSRef& one) {
+bool flushVolumeIfMany(std::size_t items, const FSRef& one) {
   return items >= kManyItems && FSFlushVolume(&one) == noErr;
 }
 
@@ -37,7 +37,7 @@ void flushFolders(const std::vector<Renamed*>& presets) {
   std::set<unsigned long> folders;
   for (const Renamed* renamed : presets)
     folders.insert(renamed->preset->getParentFolderID());
-  if (presets.empty() || isFlushedAtOnce(folders.size(), presets.front()->preset->fileRef()))
+  if (presets.empty() || flushVolumeIfMany(folders.size(), presets.front()->preset->fileRef()))
     return;
   for (const unsigned long folder : folders) {
     const FSRef ref{static_cast<std::uint32_t>(folder)};
@@ -47,7 +47,7 @@ void flushFolders(const std::vector<Renamed*>& presets) {
 }
 
 void flushFiles(const std::vector<Relinked*>& rewrites) {
-  if (rewrites.empty() || isFlushedAtOnce(rewrites.size(), rewrites.front()->preset->fileRef()))
+  if (rewrites.empty() || flushVolumeIfMany(rewrites.size(), rewrites.front()->preset->fileRef()))
     return;
   for (Relinked* relinked : rewrites) {
     if (relinked->written == noErr) relinked->flushed = FSFlushObject(&relinked->preset->fileRef());
@@ -88,8 +88,8 @@ void renameTogether(const std::vector<Renamed*>& presets) {
     if (referenceTo(*renamed->preset) != nullptr)
       result = renamed->preset->addName(pascal(*renamed).data());
     // A taken or invalid name makes the rename fail too, whenever it is tried.
-    const bool needsNoRename = result == noErr || result == dupFNErr || result == bdNamErr;
-    (needsNoRename ? linked : alone).push_back(renamed);
+    const bool canRewriteFirst = result == noErr || result == dupFNErr || result == bdNamErr;
+    (canRewriteFirst ? linked : alone).push_back(renamed);
   }
   flushFolders(linked);
   flushFiles(rewriteReferrers(linked));

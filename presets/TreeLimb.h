@@ -13,9 +13,8 @@ namespace cairnset {
 
 class TreeLeaf;
 
-/// A node with two ordered lists of children. It owns its limbs and deletes them with itself; it
-/// does not own its leaves. No walk of the tree recurses, so that a tree may be as deep as folders
-/// can be nested.
+/// A node with two ordered lists of children. It owns its limbs but not its leaves. No walk of the
+/// tree recurses, so that it may be as deep as folders can be nested.
 class TreeLimb : public TreeItem {
  public:
   TreeLimb();

@@ -88,8 +88,7 @@ int VirtualFile::confirmRawAppended64BitChecksum(unsigned long long* computed) {
   return hasTrailer && sum == trailer;
 }
 
-// The trailer is not reversed, so this does not accept what append64BitChecksum(true) writes. On
-// purpose.
+// The trailer is not reversed, unlike that of append64BitChecksum(true). On purpose.
 int VirtualFile::confirmSwappedAppended64BitChecksum() const {
   return _size >= kWord && calculateSwapped64BitChecksum() == bigEndianWord(_end - kWord);
 }

@@ -64,8 +64,7 @@ class PtrEntries {
 };
 
 /// A circular singly linked list of pointers, or of 32-bit values in their place. It owns its
-/// links, not what the entries point to. Positions count from 0; a pointer may occur more than
-/// once.
+/// links, not what the entries point to. Positions count from 0; pointers may repeat.
 class PtrManager {
  public:
   PtrManager() = default;
@@ -119,8 +118,7 @@ class PtrManager {
     return {_last_link == nullptr ? nullptr : _last_link->next, _num_ptrs};
   }
 
-  /// A revision counter: what was derived from the list's entries and their order is valid while it
-  /// is unchanged.
+  /// A revision counter: what was derived from the list is valid while it is unchanged.
   unsigned long changes() const { return _changes; }
 
  private:

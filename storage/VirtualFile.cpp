@@ -37,8 +37,7 @@ void reverseBytes(void* bytes, long n) {
   std::reverse(first, first + n);
 }
 
-// At least 1, and at most 31 bits: a capacity, at most a block over the content limit, fits 32
-// bits.
+// 1 to 2^31 - 1: a capacity, at most a block over the content limit, then fits 32 bits.
 std::int32_t usableBlockSize(long size) {
   return static_cast<std::int32_t>(
       std::clamp<std::int64_t>(size, 1, std::numeric_limits<std::int32_t>::max()));
@@ -66,8 +65,7 @@ struct Decimal {
 
 constexpr std::int64_t kTooLarge = std::int64_t{1} << 32;
 
-// Not strtol: the text need not end in a zero byte, and the results are those of 32 bits even on
-// machines with a long of 64.
+// Not strtol: the text need not end in a zero byte, and long does not have 32 bits everywhere.
 Decimal parseDecimal(const char* text, const char* end) {
   const char* p = std::find_if_not(text, end, isWhiteSpace);
   const bool negative = p != end && *p == '-';
@@ -153,8 +151,8 @@ std::uint32_t VirtualFile::capacityFor(unsigned long n) const {
   return block * (static_cast<std::uint32_t>(n) / block + 1);
 }
 
-// To a larger capacity. If memory runs out, _capacity must stay that of the old buffer, or the next
-// write would overrun it.
+// To a larger capacity. On failure _capacity must not change, or the next write overruns the
+// buffer.
 bool VirtualFile::reallocate(std::uint32_t capacity) {
   char* const block = allocateZeroed(capacity);
   if (block == nullptr) return false;

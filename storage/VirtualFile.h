@@ -101,14 +101,14 @@ class VirtualFile {
   /// Skip white space and parse, never past the end of the content; without a number the value is 0
   /// and the position stays. Integers saturate at the 32-bit range and are then narrowed to their
   /// type; a char is a number from -128 to 127 on every machine.
-  VirtualFile& get(char& v) { return take(v, static_cast<signed char>(parseSigned())); }
-  VirtualFile& get(unsigned char& v) { return take(v, parseUnsigned()); }
-  VirtualFile& get(short& v) { return take(v, parseSigned()); }
-  VirtualFile& get(unsigned short& v) { return take(v, parseUnsigned()); }
-  VirtualFile& get(long& v) { return take(v, parseSigned()); }
-  VirtualFile& get(int& v) { return take(v, parseSigned()); }
-  VirtualFile& get(float& v) { return take(v, parseReal()); }
-  VirtualFile& get(double& v) { return take(v, parseReal()); }
+  VirtualFile& get(char& v) { return assign(v, static_cast<signed char>(parseSigned())); }
+  VirtualFile& get(unsigned char& v) { return assign(v, parseUnsigned()); }
+  VirtualFile& get(short& v) { return assign(v, parseSigned()); }
+  VirtualFile& get(unsigned short& v) { return assign(v, parseUnsigned()); }
+  VirtualFile& get(long& v) { return assign(v, parseSigned()); }
+  VirtualFile& get(int& v) { return assign(v, parseSigned()); }
+  VirtualFile& get(float& v) { return assign(v, parseReal()); }
+  VirtualFile& get(double& v) { return assign(v, parseReal()); }
   template <typename T>
   VirtualFile& operator>>(T& v) {
     skipspace();
@@ -195,8 +195,7 @@ class VirtualFile {
   /// Pads, and appends the sum of the words. Swapped, the words are taken as little-endian numbers
   /// and the trailer is little-endian too.
   int append64BitChecksum(bool swapped);
-  /// The sum of all whole words but the last, taken as the trailer; 0 for content of fewer than 8
-  /// bytes.
+  /// The sum of all whole words but the last, taken as the trailer; 0 for fewer than 8 bytes.
   unsigned long long calculateRaw64BitChecksum() const;
   /// The sum of all but the last 8 bytes as little-endian words, but a partial word as big-endian;
   /// 0 for content of fewer than 8 bytes.
@@ -231,7 +230,7 @@ class VirtualFile {
   std::uint32_t parseUnsigned();
   double parseReal();
   template <typename T, typename Parsed>
-  VirtualFile& take(T& v, Parsed parsed) {
+  VirtualFile& assign(T& v, Parsed parsed) {
     v = static_cast<T>(parsed);
     return *this;
   }

@@ -6,8 +6,7 @@
 
 int main(int argc, char** argv) {
   cairnset::prepareProcess();
-  // Reports are written in large pieces. Standard error is not buffered, and flushes earlier
-  // output.
+  // Reports are written in large pieces. Standard error is unbuffered and flushes them first.
   std::ios::sync_with_stdio(false);
   const cairnset::MaskedTerminals masked;
   return cairnset::runCommandLine(argc, argv);
