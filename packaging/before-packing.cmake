@@ -1,5 +1,5 @@
-# Run by CPack on the installed files (or the copied sources) before it packs them: what only a
-# Debian package wants, and one time for all files.
+# CPack runs this on the installed files (or the copied sources) before it packs them. It makes the
+# changes that only a Debian package needs, and gives all files the same modification time.
 set(root "${CPACK_TEMPORARY_DIRECTORY}")
 
 if(CPACK_GENERATOR STREQUAL "DEB")
@@ -16,7 +16,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   endif()
 endif()
 
-# Packed in this process, which takes from there the times that no file has.
+# CPack packs in this process and uses SOURCE_DATE_EPOCH for times that do not come from a file.
 set(ENV{SOURCE_DATE_EPOCH} "${CPACK_CAIRNSET_EPOCH}")
 execute_process(COMMAND find "${root}" -exec touch --no-dereference "--date=@${CPACK_CAIRNSET_EPOCH}" {} +
                 COMMAND_ERROR_IS_FATAL ANY)

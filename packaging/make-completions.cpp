@@ -1,4 +1,4 @@
-// make-completions bash|zsh: writes what that shell needs to complete cairnset's options.
+// make-completions bash|zsh: writes the completion script for that shell to standard output.
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -17,7 +17,7 @@ std::string lettersThatTakeFolder(bool takesFolder) {
   return letters;
 }
 
-// Options in one word end with the one that takes a folder, and the next word is the folder.
+// In a word of combined options, the one that takes a folder is last; the folder is the next word.
 void writeBash(std::ostream& os) {
   os << "# bash completion for cairnset, made from the program's own options\n"
         "_cairnset() {\n"
@@ -36,7 +36,7 @@ void writeBash(std::ostream& os) {
         "complete -F _cairnset cairnset\n";
 }
 
-// As the text of an option in _arguments, within single quotes.
+// Escapes the description of an option for _arguments, within single quotes.
 std::string zshDescription(std::string_view text) {
   std::string out;
   for (const char c : text) {
