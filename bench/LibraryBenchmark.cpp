@@ -1,5 +1,5 @@
-// Operations that are too short, or too rare, for scripts/bench to see: putting a list in order,
-// and what each file name goes through.
+// Operations that are too short or too rare for scripts/bench to measure: sorting a list, and
+// converting file names.
 #include <string>
 #include <vector>
 
@@ -12,7 +12,7 @@ namespace cairnset {
 
 namespace {
 
-// That many descending keys, of so many values: equal ones are the hard case.
+// range(0) descending keys with range(1) different values. Equal keys are the worst case.
 void PutInOrder(benchmark::State& state) {
   std::vector<std::int64_t> keys;
   for (std::int64_t i = state.range(0); i > 0; --i)

@@ -1,4 +1,4 @@
-// Running a program and seeing what it took; shared by measure and replay.
+// Runs a program and measures its time and memory. Shared by measure and replay.
 #pragma once
 
 #include <cerrno>
@@ -17,7 +17,7 @@ extern char** environ;
 
 struct Run {
   long long wall;       // nanoseconds
-  long long processor;  // nanoseconds, of program and system
+  long long processor;  // nanoseconds, user and system
   long long peakBytes;  // resident
   long long bytesRead;  // from the disk
 };
@@ -31,14 +31,14 @@ inline long long bytesRead(const rusage& usage) {
   return usage.ru_inblock * 512LL;
 }
 
-/// Whether the cache was warm. A system can take it away at any time, and then it is the disk that
-/// is measured. To change a library takes some 500 KiB of the file system's own.
+/// Whether the cache was warm. The system can drop it at any time, and then the run measures the
+/// disk. Changing a library reads some 500 KiB of the file system's own data.
 inline bool isWarm(long long bytesRead) {
   return bytesRead <= 1 << 20;
 }
 
-/// Runs a command, and throws away what it prints. Ends this program where the command fails, to
-/// which findings (statuses 10 and 11) do not count.
+/// Runs a command and discards its output. Exits if the command fails; findings (statuses 10 and
+/// 11) are not failures.
 inline Run run(char* const* command) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);

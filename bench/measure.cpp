@@ -1,12 +1,14 @@
-// measure warm|cold ROUNDS SWEEP FOLDER PROGRAM [ARGUMENT...]: what a program costs, beside a
-// sweep.
+// measure warm|cold ROUNDS SWEEP FOLDER PROGRAM [ARGUMENT...]: compares the cost of a program with
+// that of a sweep.
 //
-// Runs "SWEEP FOLDER" and the program in turn, so that both see the same machine, until ROUNDS
-// rounds had the cache that was asked for: a warm one, after each ran once unmeasured where there
-// is more than one round; or one that the system has dropped before each run, which only root can
-// make it do. What they print is thrown away. Prints a line for each round: the program's wall time
-// and the sweep's, the processor time of both, all in nanoseconds, and the program's peak resident
-// size in bytes. Processor time is what to compare on a machine that has other work.
+// Runs "SWEEP FOLDER" and the program alternately, so that both run under the same conditions, and
+// discards their output. Repeats until ROUNDS rounds had the requested cache. If it is "warm" and
+// there is more than one round, both run once unmeasured first. If it is "cold", the system's caches
+// are dropped before each run, which needs root.
+//
+// Prints a line for each round: wall time of program and sweep, processor time of both, all in
+// nanoseconds, and the program's peak resident size in bytes. Compare processor times on a busy
+// machine.
 #include <string_view>
 
 #include "bench/Run.h"

@@ -1,13 +1,14 @@
-// replay SWEEP FOLDER COPY PROGRAM ARGUMENT... OPTION: what a program that changes a library costs,
-// beside a sweep and the changes by themselves.
+// replay SWEEP FOLDER COPY PROGRAM ARGUMENT... OPTION: compares the cost of a program that changes a
+// library with that of a sweep and of the bare changes.
 //
-// Runs the program without the option, so that cache and memory are warm, then with it, which
-// changes FOLDER, looks what it did, and makes the same changes in COPY, an equal folder: each file
-// that has another name or place is renamed once, and each that has other bytes is opened, written
-// and closed. After the renames and after the rewrites it waits for the disk, as whoever wants to
-// survive a loss of power must. Prints wall and processor time of "SWEEP COPY", of the program and
-// of the bare loop without the waits, and the wall time of the waits, all in nanoseconds. Ends with
-// 3, and prints nothing, where it was the disk that was measured.
+// Runs the program without the option, to warm up, and then with it, which changes FOLDER. Then
+// makes the same changes in COPY, an identical folder, in a bare loop: each file that was moved is
+// renamed once, and each whose bytes changed is opened, written and closed. It waits for the disk
+// after the renames and after the rewrites, as is necessary to survive a power failure.
+//
+// Prints wall and processor time of "SWEEP COPY", of the program and of the bare loop without the
+// waits, and the wall time of the waits, all in nanoseconds. If a run read from the disk, prints
+// nothing and exits with 3.
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -84,7 +85,7 @@ int main(int argc, char** argv) {
     }
     if (was->second.bytes != file.bytes) rewrites.push_back({copy + file.path, file.bytes});
   }
-  ::sync();  // what was left to write before is none of the loop's
+  ::sync();  // so that the loop does not pay for earlier writes
   run(sweepCopy);
   const Run swept = run(sweepCopy);
   const long long readBefore = bytesReadSoFar();

@@ -1,8 +1,8 @@
-// sweep FOLDER: the least that reading a library can cost.
+// sweep FOLDER: reads all files of a library with one thread and does nothing else, as a baseline
+// for benchmarks.
 //
-// Walks the folder and all below it in the order of the names' bytes, and opens, looks at, reads
-// and closes each file once, through its folder's descriptor. Prints how many files there were.
-// What the program takes beyond this is its own.
+// Walks the folder recursively in the order of the names' bytes. Opens, stats, reads and closes each
+// file once, through its folder's descriptor. Prints the number of files.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -40,7 +40,7 @@ void readFile(int parent, const char* name) {
   ++files;
 }
 
-// The least that a program can do is to hold its folders open, which run out before the stack does.
+// Every level holds a folder open, so descriptors run out before the stack does.
 // NOLINTNEXTLINE(misc-no-recursion)
 void sweep(int parent, const char* name) {
   const int folder = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
