@@ -30,7 +30,7 @@ constexpr std::size_t kMostBadNames = 1000;
 
 enum KindNumber : std::size_t { kVelocityMaps, kEffects, kPrograms, kSessions };
 
-// The standard library's generators are the same everywhere, its distributions are not.
+// Same numbers everywhere: the standard library's distributions differ between implementations.
 class Dice {
  public:
   std::uint32_t below(std::size_t bound) {
@@ -47,7 +47,7 @@ class Dice {
   std::uint64_t _state = 20080711;
 };
 
-// What a preset will be, before there is a file.
+// A preset that is to be written.
 struct Plan {
   std::string name = Preset::_default_preset_name;
   std::string folder;            // below the kind's root
@@ -59,7 +59,7 @@ struct Plan {
 
 struct KindPlan {
   std::vector<Plan> presets;
-  std::vector<std::size_t> rejected;  // those whose names Windows rejects
+  std::vector<std::size_t> rejected;  // positions of those whose names Windows rejects
 };
 
 bool isOneFolder(LibraryShape shape) {
@@ -67,7 +67,7 @@ bool isOneFolder(LibraryShape shape) {
          shape == LibraryShape::kReverseIndices;
 }
 
-// How many presets beside the "Default"s each kind has.
+// The number of presets of each kind, without the "Default".
 std::array<std::size_t, 4> shares(LibraryShape shape, std::size_t count) {
   switch (shape) {
     case LibraryShape::kOneHub:
@@ -90,11 +90,11 @@ std::string numbered(const char* format, std::size_t number) {
   return text;
 }
 
-// The n-th name of a kind's place; no two are alike, and no two places of a kind share one.
+// The n-th name of a kind's place. All names of all places of a kind are different.
 std::string goodName(std::span<const Place> places, std::size_t number, std::size_t n) {
   constexpr std::size_t kPairs = words::kAdjectives.size() * std::tuple_size_v<words::Nouns>;
   static_assert(kPairs == 256);
-  // 97 is odd: all pairs come, in no plain order. Each place starts with another one.
+  // 97 is odd, so all pairs occur, in a mixed order. Each place starts with a different one.
   const std::size_t pair = (n * 97 + number * 77) % kPairs;
   const Place& place = places[number];
   std::string name = place.before;
@@ -105,7 +105,8 @@ std::string goodName(std::span<const Place> places, std::size_t number, std::siz
   return name + place.after;
 }
 
-// "Default" in the n-th of the 125 other ways to write it that leave "DEFAULT" to references.
+// "Default" in one of 125 other capitalisations. References use "DEFAULT", which is not one of
+// them.
 std::string otherCaseOfDefault(std::size_t n) {
   std::string name = "Default";
   for (std::size_t i = 0, ways = n % 125 + 1; i < name.size(); ++i) {
@@ -124,7 +125,7 @@ std::string upperCase(std::string name) {
 std::string folderFor(LibraryShape shape, const Place& place, std::size_t n) {
   if (isOneFolder(shape) || (shape == LibraryShape::kTypical && n % 50 == 2) ||
       (shape == LibraryShape::kLoose && n % 15 < 4)) {
-    return "";  // of all but the sessions, which are never sorted, 4 in 15 are one in 5 of all
+    return "";  // kLoose: sessions are never sorted, so 4 in 15 of the others make 1 in 5 of all
   }
   switch (shape) {
     case LibraryShape::kManySmall:
@@ -213,7 +214,7 @@ class Writer {
     return status;
   }
 
-  // The folder at a path below the kind's root, made where it is new. As deep as the words say.
+  // The folder at a path below the kind's root, created if new. ExampleWords.h limits the depth.
   // NOLINTNEXTLINE(misc-no-recursion)
   OSStatus folderAt(const std::string& path, FSRef& out) {
     if (const auto known = _folders.find(path); known != _folders.end()) {
@@ -246,7 +247,7 @@ class Writer {
   }
 
   OSStatus writePreset(KindNumber kind, const Plan& plan, std::size_t n, const FSRef& folder) {
-    // Made by the constructors, not through a list: a list would clean the names.
+    // Uses the constructors, not a list: a list would correct the names.
     switch (kind) {
       case kVelocityMaps: {
         VelocityMapPreset preset(folder, plan.name.c_str(), true);
@@ -317,7 +318,7 @@ class Writer {
 
   void fill(SessionPreset& preset, const Place& /*place*/, std::size_t n) {
     refer(preset, kSessionVelocityMapReference, _plans[kVelocityMaps], n);
-    // Lost and rejected names fall on other sessions here than those of the velocity maps.
+    // n + 1: broken and rejected program names go to other sessions than those of velocity maps.
     refer(preset, kSessionProgramReference, _plans[kPrograms], n + 1);
     preset.fields.voices = static_cast<std::uint16_t>(24 + 8 * _dice.below(14));
     preset.fields.fineTune = static_cast<std::int32_t>(_dice.below(21)) - 10;
@@ -332,8 +333,8 @@ class Writer {
   std::string referenceTo(const KindPlan& to, std::size_t n) {
     if (_shape == LibraryShape::kOneHub) return to.presets[1].name;
     if (_shape == LibraryShape::kSameName || _shape == LibraryShape::kDefaults) {
-      // Written as it is, the name would make all of these the users of each preset that bears it:
-      // a report of the square of the library's size.
+      // With the exact name, all of these would use every preset of that name, and the size of the
+      // report would be quadratic.
       return n <= 3 ? to.presets[1].name : upperCase(to.presets[1].name);
     }
     if (_shape == LibraryShape::kBadNames) {
@@ -347,7 +348,7 @@ class Writer {
       if (n % 10 == 2) return to.presets[to.rejected[n / 10 % to.rejected.size()]].name;
     }
     const std::string& name = to.presets[_dice.below(to.presets.size())].name;
-    return n % 100 == 6 ? upperCase(name) : name;  // the library finds it all the same
+    return n % 100 == 6 ? upperCase(name) : name;  // the library still finds it
   }
 
   const FSRef& _items;
@@ -355,7 +356,7 @@ class Writer {
   LibrarySummary& _summary;
   std::array<KindPlan, 4> _plans;
   FSRef _presets;
-  std::unordered_map<std::string, FSRef> _folders;  // of the kind at hand, by path below its root
+  std::unordered_map<std::string, FSRef> _folders;  // of the current kind, by path below its root
   Dice _dice;
 };
 

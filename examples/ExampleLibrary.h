@@ -1,4 +1,4 @@
-// Libraries of any size to try the program on: the same files, byte for byte, on every machine.
+// Example libraries of any size: the same files, byte for byte, on every machine.
 #pragma once
 
 #include <array>
@@ -10,21 +10,21 @@
 
 namespace cairnset {
 
-/// How a library is laid out. All but the first stress one part of the program.
+/// The shape of a library. All but the first stress one part of the program.
 enum class LibraryShape {
-  kTypical,         // folders, nested ones too; a few faults of every sort that the tool reports
+  kTypical,         // nested folders; a few of each fault that the tool reports
   kFewLarge,        // all presets of a kind loose in its root folder
   kManySmall,       // 20 presets in a folder
-  kEqualIndices,    // as few-large, all with one index
-  kReverseIndices,  // as few-large, indexes falling in the order of the names
-  kSameName,        // all of a kind of one name, each in its own folder
+  kEqualIndices,    // as few-large, all with the same index
+  kReverseIndices,  // as few-large, indexes descending in the order of the names
+  kSameName,        // all of a kind with one name, each in its own folder
   kOneHub,          // all refer to one preset
-  kDefaults,        // all named "Default", with other capitals, each in its own folder
+  kDefaults,        // all named "Default" in different case, each in its own folder
   kBadNames,        // up to 1,000 names that Windows rejects, each referred to by 20 programs
   kLoose,           // as typical, with one preset in five to be sorted into folders
 };
 
-/// Their names, in the order of the enumeration.
+/// The names of the shapes, in the order of the enumeration.
 inline constexpr std::array<std::string_view, 10> kLibraryShapes = {
     "typical",   "few-large", "many-small", "equal-indices", "reverse-indices",
     "same-name", "one-hub",   "defaults",   "bad-names",     "loose"};
@@ -44,7 +44,7 @@ struct LibrarySummary {
 };
 
 /// Writes "Presets" with exactly `count` preset files, the four "Default"s included, into an empty
-/// folder. Answers the first failure, upon which it stops; what was written by then stays.
+/// folder. Stops at the first failure and returns it; the files written so far stay.
 OSStatus makeExampleLibrary(const FSRef& items, std::size_t count, LibraryShape shape,
                             LibrarySummary& summary);
 

@@ -1,5 +1,4 @@
-// The words that example presets are named with, and the folders that they lie in. Mac Roman, as
-// all held names.
+// The words in the names of example presets, and their folders. Mac Roman, as all held names are.
 #pragma once
 
 #include <array>
@@ -43,17 +42,17 @@ inline constexpr Nouns kOccasions = {"Recital",
                                      "Matin\x8E"
                                      "e"};
 
-/// Where presets of one sort lie and what they are called: before + adjective + noun + after.
+/// A folder of example presets and their names: before + adjective + noun + after.
 struct Place {
   const char* folder;  // below the kind's root, "/" between its parts
   const char* before;
   const Nouns& nouns;
   const char* after;
   bool rom;
-  /// ROM indexes run through `width` numbers from `first` on in every thousand, so that sorting
-  /// would choose the same folder.
+  /// In every thousand, ROM indexes use the `width` numbers from `first` on, so that sorting would
+  /// choose the same folder.
   std::int32_t first, width;
-  std::uint32_t instrument;  // whose keysets a program takes
+  std::uint32_t instrument;  // a program uses its keysets
   bool eqOn, chorusOn, ambienceOn;
 };
 
@@ -97,11 +96,11 @@ inline constexpr Place kSessionPlaces[] = {
     {"Recitals/Abroad", "", kOccasions, " Abroad", false, 1, 999, 0, false, false, false},
 };
 
-/// Put behind a good name, each makes one that Windows rejects.
+/// Appended to a good name, each makes a name that Windows rejects.
 inline constexpr const char* kRejectedEndings[] = {"?", "/Alt",   " *new*", " <close>",
                                                    ".", " | Dry", " \"B\"", " "};
 
-/// What presets refer to that is gone. No preset is called so.
+/// The names in broken references. No preset has such a name.
 inline constexpr const char* kLostNames[] = {"Lost Pavilion", "Untitled 7", "Copy of Mist"};
 
 struct Kind {

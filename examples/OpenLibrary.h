@@ -9,10 +9,10 @@
 
 namespace cairnset {
 
-/// Reads the library at `path`, which also makes the folders and "Default"s that are missing there.
-/// False, told on standard error, where it cannot be opened.
+/// Loads the library at `path`, which also creates missing folders and "Default"s. If it cannot be
+/// opened, reports this on standard error and returns false.
 inline bool openLibrary(const char* path, PresetManager& library) {
-  prepareProcess();  // or a preset file could be opened in the place of a closed standard output
+  prepareProcess();  // otherwise a preset could be opened in the place of a closed standard output
   FSRef items;
   OSStatus status = FSPathMakeRef(path, &items, nullptr);
   if (status == noErr) status = library.setOlvanItemsFSRef(items);

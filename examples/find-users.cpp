@@ -1,4 +1,4 @@
-// find-users FOLDER NAME: tells which presets of a library use the preset whose file is called
+// find-users FOLDER NAME: lists the presets of a library that use the preset whose file is called
 // NAME.
 #include <iostream>
 #include <string>
@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
   };
   for (const auto& [users, reference, use] : uses) {
     for (const Preset* user : users.presets()) {
-      // As the instrument looks names up: without regard to case.
+      // Case is ignored, as in the instrument's own lookups.
       if (fncmp(std::string(reference.name(*user)).c_str(), name.c_str()) != 0) continue;
       user->printTreeItemInfo(std::cout, 0);
       std::cout << use << '\n';

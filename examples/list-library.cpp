@@ -1,5 +1,5 @@
-// list-library FOLDER: lists the presets of a library kind by kind, in the order that the
-// instrument shows them in: factory presets (ROM) first, then the user's.
+// list-library FOLDER: lists the presets of a library kind by kind, in the order in which the
+// instrument shows them: factory presets (ROM) first, then the user's own.
 #include <initializer_list>
 #include <iostream>
 
@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
   for (const PresetList* kind : kinds) {
     for (const Preset* preset : kind->presets()) {
       preset->printTreeItemInfo(std::cout, 0);
-      // A file that starts as a preset but cannot be read as one is in the library all the same.
+      // A file that starts like a preset but cannot be read is still in the library.
       if (preset->status() != noErr) std::cout << " cannot be read: " << preset->status();
       std::cout << '\n';
     }

@@ -1,5 +1,5 @@
-// make-preset FOLDER NAME: makes the effects preset NAME in the library's folder for the user's
-// own effects: what "Default" says, with a small room.
+// make-preset FOLDER NAME: creates the effects preset NAME in the library's folder for the user's
+// own effects: a copy of "Default" with a small room.
 #include <iostream>
 #include <string>
 
@@ -23,8 +23,8 @@ int main(int argc, char** argv) {
   Str255 pascalName;
   C2PCopy(pascalName, name.c_str());
 
-  // Presets are referred to by name alone, so a second one of a name would be ambiguous wherever it
-  // lay. A copy never takes over a file that is there already, as newPreset() does.
+  // References are by name alone, so a second preset of the same name would be ambiguous in any
+  // folder. Unlike newPreset(), duplicatePreset() never takes over an existing file.
   EffectsPresetList& effects = library.effects();
   const Preset* original = effects.findPreset(Preset::_default_preset_name);
   const OSStatus status =

@@ -1,7 +1,7 @@
-// The whole program: a library made from the input, and every command run on it. Nothing is lost
-// but what -s is meant to replace, a second run changes nothing, references go on resolving, and
-// nothing outside the library is touched. Files are known by their numbers, which must not be given
-// out twice: the temporary folder has to be a tmpfs.
+// Runs every command of the program on a library made from the input. Nothing may be lost except
+// the files that -s replaces, a second run changes nothing, references still resolve, and nothing
+// outside the library is touched. Files are identified by inode numbers, which must not be reused:
+// the temporary folder has to be on a tmpfs.
 #include "fuzz/Fuzz.h"
 #include "host/text/Names.h"
 #include "host/text/PascalStrings.h"
@@ -76,9 +76,9 @@ void makeLibrary(Input& input) {
 // --- What is on the disk ---
 
 struct File {
-  std::string folder, name, bytes;  // or where a link leads
+  std::string folder, name, bytes;  // of a link, its target
   bool isFolder = false;
-  const KindFormat* kind = nullptr;  // in a kind's folder only
+  const KindFormat* kind = nullptr;  // null outside the kinds' folders
   bool operator==(const File&) const = default;
 
   std::string root() const { return kPresets + kind->folder; }
@@ -93,8 +93,9 @@ struct File {
     const char* good = isIllegalFilename(held().c_str());
     return kind != nullptr && fncmp(good != nullptr ? good : held().c_str(), "Default") == 0;
   }
-  // Whether `after` is this file written anew for the ROM flag, or else for its references. What
-  // could not be read has lost its settings, and what is longer keeps its tail; both are meant.
+  // Whether `after` is this file rewritten with another ROM flag, or otherwise with other
+  // references. A file that could not be read loses its settings, and a longer one keeps its tail.
+  // On purpose.
   bool isWrittenAs(std::string after, bool forROM) const {
     const std::size_t size = 93 + kind->payload, width = forROM ? 1 : 64 * kind->references;
     std::string before = bytes;
@@ -129,7 +130,7 @@ bool isAny(const Tree& tree, const std::function<bool(const File&)>& matches) {
   return std::any_of(tree.begin(), tree.end(), [&](auto& item) { return matches(item.second); });
 }
 
-// --- Runs, and what must hold ---
+// --- Runs and checks ---
 
 std::ostringstream report;
 
@@ -145,7 +146,7 @@ int run(std::vector<std::string> options) {
 void checkTree(char command, const Tree& before, const Tree& after) {
   for (const auto& [inode, file] : before) {
     const auto found = after.find(inode);
-    if (found == after.end()) {  // a factory preset that lay loose has taken its place
+    if (found == after.end()) {  // a loose factory preset has replaced it
       const auto isThere = [lost = file](const File& now) {
         return now.isPreset() && now.folder == lost.folder && now.name == lost.name;
       };
@@ -153,7 +154,7 @@ void checkTree(char command, const Tree& before, const Tree& after) {
       continue;
     }
     const File& now = found->second;
-    // A file in the Default's place is taken over, whatever it was.
+    // Any file at the path of a "Default" is taken over.
     const bool isTaken = file.isDefault() && (file.isPreset() || file.folder == file.root());
     check(file.bytes == now.bytes || ((command == 'z' ? file.isLoaded() : isTaken) &&
                                       file.isWrittenAs(now.bytes, command != 'z')),
@@ -175,21 +176,21 @@ void checkCommand(char command) {
   check(run({option}) == kSuccess, "it succeeds", option);
   Tree after = tree();
   checkTree(command, before, after);
-  // With several of that name, another one can come first now, is made the Default, and moves. So
-  // does what was refused as long as a loose preset bore its folder's name.
+  // It can take several runs. If there are several "Default"s, another one can now be the first and
+  // moves. A preset whose move failed because a loose preset had its folder's name moves too.
   int rounds = 3;
   for (Tree next; run({option}), next = tree(), next != after; after = next)
     check(rounds-- > 0, "it comes to an end", option);
   for (const auto& [inode, file] : before) {
     const auto now = after.find(inode);
-    // A file of odd size loses its references when it is written.
+    // A file of the wrong size loses its references when it is written.
     for (std::size_t i = 0; file.isWhole() && now != after.end() && i < file.kind->references;
          ++i) {
       const std::string name = file.reference(i), newName = now->second.reference(i);
       const KindFormat& kind = formatOf(file.kind->refersTo[i]);
       const auto isKind = [&](const File& f) { return f.isPreset() && f.kind == &kind; };
       const auto isNamed = [&](const File& f) { return isKind(f) && f.held() == name; };
-      const auto isExcused = [&](const File& f) {  // or could not be renamed
+      const auto isExcused = [&](const File& f) {  // found, or could not be renamed
         return (isKind(f) && fncmp(f.held().c_str(), newName.c_str()) == 0) ||
                (f.isIllegal() && f.held() == name);
       };
@@ -204,14 +205,14 @@ void checkLibrary(Input& input) {
   const Tree made = tree();
   check(run({}) == kSuccess, "a library loads");
   checkTree('e', made, tree());
-  run({});  // a Default that was no preset before keeps its tail, and is a damaged one by now
+  run({});  // a "Default" that was not a preset keeps its tail, and is now a damaged preset
   Tree before = tree();
   const int names = run({"-y", "-p"}), missing = run({"-rdp"});
   check((names == 0 || names == 10) && (missing == 0 || missing == 11), "statuses");
   check(tree() == before, "a report changes nothing");
   for (const bool sorts : {sortsFirst, !sortsFirst})
     checkCommand(sorts ? 's' : 'z');
-  // A repaired name can be one that -s moves now, and the reverse.
+  // -s can now move a preset with a repaired name, and the reverse.
   for (int rounds = 0; before != tree(); ++rounds) {
     before = tree();
     const int all = run({"-hszpd", "-r"});
@@ -226,7 +227,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace cairnset;
   std::cout.rdbuf(report.rdbuf());
   std::cerr.rdbuf(report.rdbuf());
-  // Each input starts as a process does, so that runs are alike.
+  // Each input starts with the state of a new process, so that runs are reproducible.
   Host fresh;
   const HostInUse inUse(fresh);
   TreeItem::_current_index = 0;

@@ -1,5 +1,5 @@
-// Names between the volume, Unicode and Mac Roman, the order of a folder, and the rules for file
-// names.
+// Conversions of names between the volume, Unicode and Mac Roman, the order of a folder, and the
+// rules for file names.
 #include "fuzz/Fuzz.h"
 #include "host/ResultCodes.h"
 #include "host/text/Decomposition.h"
@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   check((volumeNameFromUnicode(unicode, back) == noErr) == isPossible, "which names can be", name);
   check(back == (isPossible ? name : ""), "a name comes back", name);
   for (const char32_t c : decomposed(unicode)) {
-    if (c >= 0xDC80 && c <= 0xDCFF) other += static_cast<char>(c - 0xDC00);  // no UTF-8
+    if (c >= 0xDC80 && c <= 0xDCFF) other += static_cast<char>(c - 0xDC00);  // not UTF-8
     if (c < 0xDC80 || c > 0xDCFF) appendUtf8(c == ':' ? U'/' : c == '/' ? U':' : c, other);
   }
   const std::string held = heldNameFromVolumeName(name);

@@ -1,4 +1,4 @@
-// VirtualFile under any sequence of operations, beside its model.
+// Any sequence of operations on a VirtualFile, compared with its model.
 #include "fuzz/Fuzz.h"
 #include "tests/storage/StorageTest.h"
 

@@ -1,6 +1,6 @@
-// Arithmetic that the compiler does while it builds the tables. No table is computed when the
-// program starts, so all of them are ready before the first line of any code runs, and no host's
-// mathematics library has a say in their last digit. Internal to the layer.
+// Compile-time arithmetic for the tables. They are constant-initialised, so they can be used by any
+// static initialiser, and their last digits do not depend on a system's math library. Internal to
+// the layer.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace cairnset {
 
-/// 2 to the power of `x`, exactly for whole `x`, else to within a few units of the last place.
+/// 2 to the power of `x`: exact for integers, otherwise to within a few units in the last place.
 constexpr double powerOfTwo(double x) {
   double scale = 1.0;
   while (x < 0.0) {
@@ -28,12 +28,13 @@ constexpr double powerOfTwo(double x) {
   return scale * sum;
 }
 
-/// The nearest whole number.
+/// The nearest integer.
 constexpr std::int64_t nearestWhole(double x) {
   return static_cast<std::int64_t>(x < 0.0 ? x - 0.5 : x + 0.5);
 }
 
-/// `x` with as many decimals as `unit` (a power of ten) has zeros, as a typed constant would be.
+/// `x` rounded to as many decimals as `unit` (a power of ten) has zeros, as if written as a
+/// literal.
 constexpr float roundedTo(double x, double unit) {
   return static_cast<float>(static_cast<double>(nearestWhole(x * unit)) / unit);
 }

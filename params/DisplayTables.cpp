@@ -49,7 +49,7 @@ constexpr void writeUnit(char* out, const char* unit) {
     *out++ = *unit++;
 }
 
-/// From `tenths` of a decibel on by whole decibels up to `coarseEnd`, then by halves.
+/// Starts at `tenths` of a decibel, in steps of 1 dB up to `coarseEnd`, then of 0.5 dB.
 template <std::size_t N>
 constexpr Steps<N> levelSteps(std::int64_t tenths, std::int64_t coarseEnd) {
   Steps<N> steps;

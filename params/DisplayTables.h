@@ -1,6 +1,6 @@
-// The steps of the level and frequency parameters: what is shown, and the value that it stands for.
+// The steps of the level and frequency parameters: the displayed texts and their values.
 //
-// Texts and values are parallel and ascending, and they are ready before any code runs.
+// Texts and values are parallel and ascending. The tables are constant-initialised.
 #pragma once
 
 #include <array>

@@ -34,7 +34,7 @@ const KeysetRow keysetIDList[] = {
     {195, 3, "Salon 7ft 8 Level"},
     {196, 3, "Salon 7ft 8 Level II"},
     {200, 3, "Salon 7ft 6 Level"},
-    {201, 3, "Salon 7ft 6 Level II "},  // the blank belongs to the name
+    {201, 3, "Salon 7ft 6 Level II "},  // the trailing space is part of the name
     {210, 3, "Salon 7ft 5 Level"},
     {211, 3, "Salon 7ft 5 Level II"},
     {220, 3, "Salon 7ft 4 Level"},

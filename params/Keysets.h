@@ -1,4 +1,4 @@
-// The sampled-piano variants that a program can select, and the instruments that they belong to.
+// The sampled-piano variants that a program can select, and their instruments.
 #pragma once
 
 #include <cstdint>
@@ -6,19 +6,19 @@
 namespace cairnset {
 
 struct KeysetRow {
-  std::int32_t keysetID;       // as programs store it
-  std::uint32_t instrumentID;  // 0 to 8; 0 is no piano
+  std::int32_t keysetID;       // as stored in programs
+  std::uint32_t instrumentID;  // 0 to 8; 0 means no piano
   const char* name;
 };
 
-/// 82 rows, then one with a null name and ids of 0. Ids are unique and in no order; two rows, of
-/// ids -32767 and 0, both stand for no piano.
+/// 82 rows, then one with a null name and ids of 0. Ids are unique and unordered. Two rows, with
+/// ids -32767 and 0, mean no piano.
 extern const KeysetRow keysetIDList[];
 
-/// Null where no row has the id.
+/// Null if no row has the id.
 const char* findKeysetNameWithID(int id);
 
-/// 0 where no row has the id.
+/// 0 if no row has the id.
 std::uint32_t findInstrumentIDWithKeysetID(int id);
 
 /// The product that the keyset is part of: 1 for instruments 1 to 3, 2 for instrument 4, 3 for

@@ -29,7 +29,7 @@ std::int64_t stepOf(float raw, std::int64_t count) {
   return std::min(nearestStep(steps), count - 1);
 }
 
-// An index has 32 bits, so that it is the same where long has no more.
+// Limited to 32 bits, so that an index is the same where long has only 32.
 long indexOf(std::int64_t step) {
   return static_cast<long>(std::min<std::int64_t>(step, std::numeric_limits<std::int32_t>::max()));
 }
@@ -118,7 +118,7 @@ long ParamConverter::stringToIndex(const char* text) const {
   const long last = rawToIndex(1.0F);
   for (long index = 0; index <= last; ++index) {
     indexToDisplay(index, shown);
-    if (readQuantity(shown)) return -1;  // it shows numbers, not words
+    if (readQuantity(shown)) return -1;  // the converter shows numbers, not words
     if (sameWord(trimmed(text), shown)) return index;
   }
   return -1;

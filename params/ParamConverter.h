@@ -1,12 +1,12 @@
-// How a parameter's value is stepped, shown, typed and handed to the sound engine.
+// Converts a parameter's value between steps, displayed and typed text, and the sound engine.
 //
-//   raw        0.0 to 1.0, as a slider has it
-//   intrinsic  the parameter's own units, as a preset stores it and Param_Labels names it
+//   raw        0.0 to 1.0, as on a slider
+//   intrinsic  in the parameter's own units (Param_Labels), as stored in a preset
 //   index      the number of the step, from 0
-//   engine     what the sound engine takes; the intrinsic value unless a class says otherwise
+//   engine     for the sound engine; equal to the intrinsic value unless a class says otherwise
 //
-// A value that is no number counts as the first step of a step, binary or buffer-size converter.
-// Converters hold no state that changes, so one object serves every parameter of its kind.
+// Step, binary and buffer-size converters treat a NaN as the first step. Converters are immutable,
+// so one object serves every parameter of its kind.
 #pragma once
 
 #include <cstddef>
@@ -16,12 +16,12 @@
 
 namespace cairnset {
 
-/// Bytes that rawToDisplay and indexToDisplay may write, NUL included. They write no more; a text
-/// that does not fit, which none of the shared converters has, is cut.
+/// The most bytes that rawToDisplay and indexToDisplay write, including the NUL. A text that does
+/// not fit is truncated; the shared converters have none.
 inline constexpr std::size_t kParamDisplaySize = 16;
 
 /// The raw value of step `index` of `count`: index / (count - 1) in single precision, limited to
-/// 0.0 to 1.0; 0.0 where there are fewer than two steps.
+/// 0.0 to 1.0; 0.0 if there are fewer than two steps.
 float intToFloatParam(long index, long count);
 
 class ParamConverter {
@@ -31,7 +31,7 @@ class ParamConverter {
 
   virtual float rawToIntrinsic(float raw) const = 0;
   virtual float intrinsicToRaw(float value) const = 0;
-  /// Writes the value as it is shown, without its label, into kParamDisplaySize bytes.
+  /// Writes the displayed text, without the label, into a buffer of kParamDisplaySize bytes.
   virtual void rawToDisplay(float raw, char* text) const = 0;
   virtual float indexToRaw(long index) const = 0;
   virtual long rawToIndex(float raw) const = 0;
@@ -41,22 +41,22 @@ class ParamConverter {
   virtual float rawToEngine(float raw) const;
   /// The value of the step that `value` belongs to.
   virtual float quantizeIntrinsic(float value) const;
-  /// The step meant by typed text, or -1 where it means none, null included. Case and blanks around
-  /// do not count, and the decimal sign is always a point.
+  /// Parses typed text. Returns the step, or -1 if the text is invalid or null. Case and
+  /// surrounding spaces are ignored; the decimal separator is always a point.
   ///
-  /// Taken are the words that the converter shows, and plain decimal numbers in the parameter's
-  /// own units, with or without any one of the labels in Param_Labels: "50", "+50.2 %", "-6 dB". A
-  /// converter knows no label of its own, so it cannot object to a wrong one. A number goes to its
-  /// step by intrinsicToIndex, or to the first or last step when it lies beyond them; a number with
-  /// an exponent, or one too large for double precision, is refused.
+  /// Accepts the words that the converter shows, and plain decimal numbers in the parameter's own
+  /// units, optionally followed by any of the labels in Param_Labels: "50", "+50.2 %", "-6 dB". A
+  /// converter does not know its own label, so it also accepts a wrong one. A number is converted
+  /// by intrinsicToIndex and limited to the first and last step. Numbers with an exponent, or too
+  /// large for double precision, are invalid.
   virtual long stringToIndex(const char* text) const;
 };
 
 /// Evenly spaced values, shown with a fixed number of decimals.
 class StepParamConverter : public ParamConverter {
  public:
-  /// `step` above 0 and `max` not below `min`. The steps are counted without rounding up, so a last
-  /// one that would pass `max` is left out.
+  /// Requires `step` > 0 and `max` >= `min`. The number of steps is rounded down, so no step
+  /// exceeds `max`.
   constexpr StepParamConverter(double min, double max, double step, short decimals)
       : _min(min),
         _step(step),
@@ -67,8 +67,8 @@ class StepParamConverter : public ParamConverter {
   float intrinsicToRaw(float value) const override;
   void rawToDisplay(float raw, char* text) const override;
   float indexToRaw(long index) const override;
-  /// Never above the last step, but below 0 for a negative `raw`; rawToIntrinsic then lies below
-  /// the minimum by as many steps. On purpose. Limited to 32 bits; the values go on beyond.
+  /// At most the last step, but negative for a negative `raw`; rawToIntrinsic is then below the
+  /// minimum by as many steps. On purpose. The index is limited to 32 bits, the value is not.
   long rawToIndex(float raw) const override;
 
  private:
@@ -79,15 +79,15 @@ class StepParamConverter : public ParamConverter {
 };
 
 /// Whole numbers that are identifiers rather than amounts: keyset ids, which may be negative, and
-/// four-character codes, which take all 32 bits. A raw value has 24 significant bits, so the range
-/// begins close to the ids, which must survive the way there and back exactly. So do codes as far
-/// as single precision holds them, but for one in 2,500.
+/// four-character codes, which use all 32 bits. A raw value has 24 significant bits, so the range
+/// starts close to the ids, which must survive a round trip exactly. Codes are kept to single
+/// precision, except for one in 2,500.
 class RawParamConverter : public StepParamConverter {
  public:
   constexpr RawParamConverter() : StepParamConverter(-32768, 4294967295, 1, 0) {}
 };
 
-/// -100 to 100 percent by 1; for the engine -1.0 to 1.0, not stepped.
+/// -100 to 100 percent in steps of 1; for the engine -1.0 to 1.0, without steps.
 class BipolarPercentParamConverter : public StepParamConverter {
  public:
   constexpr BipolarPercentParamConverter() : StepParamConverter(-100, 100, 1, 0) {}
@@ -97,19 +97,20 @@ class BipolarPercentParamConverter : public StepParamConverter {
 /// Values and texts from two parallel tables.
 class TableParamConverter : public ParamConverter {
  public:
-  /// `count` entries, at least one; `values` ascending. The tables must outlive the converter.
+  /// `count` >= 1 entries, with ascending `values`. The tables must outlive the converter.
   constexpr TableParamConverter(const char* const* texts, const float* values, long count)
       : _texts(texts), _values(values), _count(count) {}
 
   float rawToIntrinsic(float raw) const override;
-  /// A value between two entries counts as the higher one, one above the table as the last.
+  /// A value between two entries is treated as the higher one, a value above the table as the last.
   float intrinsicToRaw(float value) const override;
   void rawToDisplay(float raw, char* text) const override;
   float indexToRaw(long index) const override;
-  /// As of StepParamConverter: negative for a negative `raw`, whose value and text are those of the
-  /// first entry.
+  /// Negative for a negative `raw`, as in StepParamConverter; but its value and text are those of
+  /// the first entry.
   long rawToIndex(float raw) const override;
-  /// Numbers only; one between two entries goes to the nearer, from half-way on to the higher.
+  /// Accepts only numbers. One between two entries is rounded to the nearer, or to the higher if it
+  /// is exactly half-way.
   long stringToIndex(const char* text) const override;
 
  protected:
@@ -123,7 +124,8 @@ class TableParamConverter : public ParamConverter {
   long _count;
 };
 
-/// Levels in decibels. For the engine a gain, at 6 dB for each doubling, as in the two below.
+/// Levels in decibels. The engine value is a gain, where 6 dB is a factor of two. The next two
+/// classes do the same.
 class AmpTableParamConverter : public TableParamConverter {
  public:
   constexpr AmpTableParamConverter()
@@ -148,17 +150,18 @@ class AmpTable24dBParamConverter : public TableParamConverter {
   float rawToEngine(float raw) const override;
 };
 
-/// Frequencies in hertz, whose texts carry their unit.
+/// Frequencies in hertz. The texts include the unit.
 class FreqTableParamConverter : public TableParamConverter {
  public:
   constexpr FreqTableParamConverter()
       : TableParamConverter(_freq_disp_str.data(), _freq_disp_values.data(),
                             _num_freq_disp_elements) {}
-  /// As of TableParamConverter, but the unit is "Hz", "kHz" or none: "9463", "9463 Hz", "9.46 kHz".
+  /// As in TableParamConverter, but the unit is "Hz", "kHz" or none: "9463", "9463 Hz", "9.46 kHz".
   long stringToIndex(const char* text) const override;
 };
 
-/// Two states, split at 0.5: below it index 0, raw and intrinsic 0.0; from it on 1 and 1.0.
+/// Two states: below 0.5 index 0, raw and intrinsic 0.0; from 0.5 on index 1, raw and
+/// intrinsic 1.0.
 class BinaryParamConverter : public ParamConverter {
  public:
   float rawToIntrinsic(float raw) const override;
@@ -184,7 +187,7 @@ class TuningParamConverter : public BinaryParamConverter {
   void rawToDisplay(float raw, char* text) const override;
 };
 
-/// Three states, split at 0.34 and 0.67: small 0.0, medium 0.5 and large 1.0.
+/// Three states, divided at 0.34 and 0.67: small 0.0, medium 0.5 and large 1.0.
 class BufferSizeParamConverter : public ParamConverter {
  public:
   float rawToIntrinsic(float raw) const override;

@@ -1,7 +1,7 @@
 // The instrument's 45 sound parameters, and the converter objects that they share.
 //
-// Five parallel tables, indexed by ParamTag without a range check. They and all converters are
-// ready before any code runs: other files may use them while their own globals are being made.
+// Five parallel tables, indexed by ParamTag without a range check. Tables and converters are
+// constant-initialised, so static initialisers in other files may use them.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@
 
 namespace cairnset {
 
-/// The number of a parameter, 0 to 44: its row in the tables.
+/// The number of a parameter, 0 to 44: its index in the tables.
 using ParamTag = std::uint32_t;
 
 enum : ParamTag {
@@ -63,7 +63,7 @@ enum : ParamTag {
   kNumParams
 };
 
-// Created in this order and destroyed in reverse. Six of them have no parameter.
+// Created in this order and destroyed in reverse. No parameter uses six of them.
 extern const RawParamConverter StaticRawParamConverter;
 extern const AmpTableParamConverter StaticAmpTableParamConverter;
 extern const FreqTableParamConverter StaticFreqTableParamConverter;
@@ -94,13 +94,13 @@ extern const StepParamConverter StaticReleaseConverter;
 extern const StepParamConverter StaticVelocityConverter;
 extern const AmpTable24dBParamConverter Static24dBGainConverter;
 
-/// The full name that is shown.
+/// Full display name.
 extern const std::array<const char*, kNumParams> Param_Names_Long;
-/// The name where there is little room.
+/// Short display name.
 extern const std::array<const char*, kNumParams> Param_Names;
-/// The unit shown after a value; empty where there is none.
+/// The unit shown after a value, or an empty text.
 extern const std::array<const char*, kNumParams> Param_Labels;
-/// Not owned by the table.
+/// Not owned.
 extern const std::array<const ParamConverter*, kNumParams> Param_Converters;
 /// In the units of the label.
 extern const std::array<float, kNumParams> Param_Defaults;

@@ -35,7 +35,7 @@ constexpr std::array<const char*, 128> noteNamePointers() {
   return pointers;
 }
 
-/// A table of `N` entries, each the `formula` of its number.
+/// A table of `N` entries: entry i is `formula(i)`.
 template <std::size_t N, class Formula>
 constexpr std::array<float, N> tableOf(Formula formula) {
   std::array<float, N> table = {};
@@ -53,7 +53,8 @@ constexpr double lowpassCoefficient(double fractionOfSamplingRate) {
   return powerOfTwo(exponent / std::numbers::ln2);
 }
 
-/// The entry of a note; negative ones, which are 128 and up where char has no sign, are the first.
+/// The entry of a note. Negative notes, which are 128 and up if char is unsigned, get the first
+/// one.
 std::size_t entryOfNote(char note) {
   const auto entry = static_cast<unsigned char>(note);
   return entry < 128 ? entry : 0;
@@ -90,7 +91,7 @@ constinit const float* const cent_to_scale_origin = cent_to_scale.data() + 1000;
 
 int getMIDIKey(const char* name) {
   const std::string_view wanted = name;
-  for (int note = 0; note < 127; ++note) {  // not the last one
+  for (int note = 0; note < 127; ++note) {  // "G9" is skipped on purpose
     if (wanted == MIDIKeys[static_cast<std::size_t>(note)]) return note;
   }
   return 0;
