@@ -39,7 +39,7 @@ bool readCount(const char* text, std::size_t& count) {
          count <= kLargestLibrary;
 }
 
-void tell(const char* folder, const LibrarySummary& s) {
+void printSummary(const char* folder, const LibrarySummary& s) {
   std::cout << "Wrote " << std::accumulate(s.presets.begin(), s.presets.end(), std::size_t{0})
             << " presets in " << s.folders << " folders to " << folder << ":\n ";
   for (std::size_t kind = 0; kind < s.presets.size(); ++kind) {
@@ -77,7 +77,7 @@ int run(int argc, char** argv) {
               << '\n';
     return kNotWritten;
   }
-  tell(folder, summary);
+  printSummary(folder, summary);
   return std::cout.flush() ? kWritten : kNotWritten;
 }
 
