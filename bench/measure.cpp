@@ -3,8 +3,8 @@
 //
 // Runs "SWEEP FOLDER" and the program alternately, so that both run under the same conditions, and
 // discards their output. Repeats until ROUNDS rounds had the requested cache. If it is "warm" and
-// there is more than one round, both run once unmeasured first. If it is "cold", the system's caches
-// are dropped before each run, which needs root.
+// there is more than one round, both run once unmeasured first. If it is "cold", the system's
+// caches are dropped before each run, which needs root.
 //
 // Prints a line for each round: wall time of program and sweep, processor time of both, all in
 // nanoseconds, and the program's peak resident size in bytes. Compare processor times on a busy

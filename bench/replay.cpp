@@ -1,5 +1,5 @@
-// replay SWEEP FOLDER COPY PROGRAM ARGUMENT... OPTION: compares the cost of a program that changes a
-// library with that of a sweep and of the bare changes.
+// replay SWEEP FOLDER COPY PROGRAM ARGUMENT... OPTION: compares the cost of a program that changes
+// a library with that of a sweep and of the bare changes.
 //
 // Runs the program without the option, to warm up, and then with it, which changes FOLDER. Then
 // makes the same changes in COPY, an identical folder, in a bare loop: each file that was moved is

@@ -1,8 +1,8 @@
 // sweep FOLDER: reads all files of a library with one thread and does nothing else, as a baseline
 // for benchmarks.
 //
-// Walks the folder recursively in the order of the names' bytes. Opens, stats, reads and closes each
-// file once, through its folder's descriptor. Prints the number of files.
+// Walks the folder recursively in the order of the names' bytes. Opens, stats, reads and closes
+// each file once, through its folder's descriptor. Prints the number of files.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
