@@ -19,8 +19,8 @@ namespace cairnset {
 
 namespace {
 
-// Some network and user-space volumes answer EINTR although no signal was caught. Asking again is
-// right for all but close, of which nobody knows then whether it was done.
+// Some network and user-space volumes return EINTR although no signal was caught. Retrying is right
+// for all but close, after which nobody knows whether it was done.
 template <typename Call>
 int untilDone(Call call) {
   int result;
@@ -30,11 +30,15 @@ int untilDone(Call call) {
   return result;
 }
 
+template <auto kCall>
+constexpr auto retried =
+    [](auto... arguments) { return untilDone([=] { return kCall(arguments...); }); };
+
 int openByName(int folder, const char* name, int flags, mode_t mode) {
   return untilDone([=] { return ::openat(folder, name, flags | O_NOFOLLOW, mode); });
 }
 
-// One folder after the other, for systems that cannot be told to follow no link.
+// One folder after the other, for systems without an open that follows no links.
 int openStepByStep(int folder, std::string_view path, int flags, mode_t mode) {
   constexpr int kStep = kToFindIn | O_DIRECTORY | O_CLOEXEC;
   int at = -1;
@@ -71,7 +75,7 @@ int openFile(int folder, const char* path, int flags, mode_t mode) {
   if (isKnown) {
     const int descriptor = untilDone(
         [&] { return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)); });
-    // Where a sandbox forbids the unknown, EPERM says it.
+    // EPERM: some sandboxes forbid every call that they do not know.
     if (descriptor >= 0 || (errno != ENOSYS && errno != EPERM)) return descriptor;
     isKnown = errno == EPERM;
   }
@@ -82,38 +86,16 @@ int openFile(int folder, const char* path, int flags, mode_t mode) {
   return openStepByStep(folder, path, flags, mode);
 }
 
-int makeFolder(int folder, const char* path, mode_t mode) {
-  return untilDone([=] { return ::mkdirat(folder, path, mode); });
-}
-
-int lstatFile(int folder, const char* path, struct stat* out) {
-  return ::fstatat(folder, path, out, AT_SYMLINK_NOFOLLOW);
-}
-
 int renameNoReplace([[maybe_unused]] int oldFolder, [[maybe_unused]] const char* oldPath,
                     [[maybe_unused]] int newFolder, [[maybe_unused]] const char* newPath) {
 #if defined(__linux__)
-  return untilDone(
-      [=] { return ::renameat2(oldFolder, oldPath, newFolder, newPath, RENAME_NOREPLACE); });
+  return retried<::renameat2>(oldFolder, oldPath, newFolder, newPath, unsigned{RENAME_NOREPLACE});
 #elif defined(__APPLE__)
-  return untilDone(
-      [=] { return ::renameatx_np(oldFolder, oldPath, newFolder, newPath, RENAME_EXCL); });
+  return retried<::renameatx_np>(oldFolder, oldPath, newFolder, newPath, unsigned{RENAME_EXCL});
 #else
   errno = ENOSYS;
   return -1;
 #endif
-}
-
-int renameFile(int oldFolder, const char* oldPath, int newFolder, const char* newPath) {
-  return untilDone([=] { return ::renameat(oldFolder, oldPath, newFolder, newPath); });
-}
-
-int linkFile(int oldFolder, const char* oldPath, int newFolder, const char* newPath) {
-  return untilDone([=] { return ::linkat(oldFolder, oldPath, newFolder, newPath, 0); });
-}
-
-int unlinkFile(int folder, const char* path, int flags) {
-  return untilDone([=] { return ::unlinkat(folder, path, flags); });
 }
 
 struct dirent* readEntry(DIR* listing) {
@@ -127,17 +109,16 @@ struct dirent* readEntry(DIR* listing) {
 
 int flushDescriptor(int descriptor) {
 #if defined(__APPLE__)
-  // There, fsync leaves the bytes in the drive's own memory; but it is all that many a volume on
-  // a network knows.
+  // There, fsync leaves the bytes in the drive's own cache, but many network volumes know only it.
   if (untilDone([=] { return ::fcntl(descriptor, F_FULLFSYNC); }) == 0) return 0;
   if (errno == EIO) return -1;
 #endif
-  return untilDone([=] { return ::fsync(descriptor); });
+  return retried<::fsync>(descriptor);
 }
 
 int flushVolume([[maybe_unused]] int descriptor) {
 #if defined(__linux__)
-  return untilDone([=] { return ::syncfs(descriptor); });
+  return retried<::syncfs>(descriptor);
 #else
   errno = ENOSYS;
   return -1;
@@ -172,7 +153,7 @@ int birthTime([[maybe_unused]] int folder, [[maybe_unused]] const char* path,
   }
 #elif defined(__APPLE__)
   struct stat info;
-  if (lstatFile(folder, path, &info) != 0) return -1;
+  if (::fstatat(folder, path, &info, AT_SYMLINK_NOFOLLOW) != 0) return -1;
   *out = info.st_birthtimespec;
   return 0;
 #endif
@@ -181,7 +162,7 @@ int birthTime([[maybe_unused]] int folder, [[maybe_unused]] const char* path,
 }
 
 int ownDescriptors() {
-// ThreadSanitizer takes one number in two tables for one descriptor.
+// ThreadSanitizer would take the same number in two tables for one descriptor.
 #if defined(__linux__) && !defined(__SANITIZE_THREAD__)
   return ::unshare(CLONE_FILES);
 #else
@@ -199,12 +180,16 @@ SystemCalls::SystemCalls()
       pread(::pread),
       pwrite(::pwrite),
       ftruncate(::ftruncate),
-      lstat(lstatFile),
-      mkdir(makeFolder),
+      lstat([](int folder, const char* path, struct stat* out) {
+        return ::fstatat(folder, path, out, AT_SYMLINK_NOFOLLOW);
+      }),
+      mkdir(retried<::mkdirat>),
       renameNoReplace(cairnset::renameNoReplace),
-      rename(renameFile),
-      link(linkFile),
-      unlink(unlinkFile),
+      rename(retried<::renameat>),
+      link([](int oldFolder, const char* oldPath, int newFolder, const char* newPath) {
+        return retried<::linkat>(oldFolder, oldPath, newFolder, newPath, 0);
+      }),
+      unlink(retried<::unlinkat>),
       symlink(::symlinkat),
       readlink(::readlinkat),
       realpath(::realpath),

@@ -10,19 +10,7 @@ namespace cairnset {
 namespace {
 
 bool isIllegal(char c) {
-  switch (c) {
-    case '"':
-    case '*':
-    case '/':
-    case '<':
-    case '>':
-    case '?':
-    case '\\':
-    case '|':
-      return true;
-    default:
-      return c >= 0x01 && c <= 0x1F;
-  }
+  return (c >= 0x01 && c <= 0x1F) || (c != '\0' && std::strchr("\"*/<>?\\|", c) != nullptr);
 }
 
 void applyToPascal(unsigned char* name, void (*rule)(char*)) {

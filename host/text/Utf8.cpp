@@ -18,24 +18,14 @@ std::size_t asciiLength(std::string_view text) {
 }
 
 void appendUtf8(char32_t character, std::string& out) {
-  const auto trailing = [&](int shift) {
-    out += static_cast<char>(0x80 | (character >> shift & 0x3F));
-  };
   if (character < 0x80) {
     out += static_cast<char>(character);
-  } else if (character < 0x800) {
-    out += static_cast<char>(0xC0 | character >> 6);
-    trailing(0);
-  } else if (character < 0x10000) {
-    out += static_cast<char>(0xE0 | character >> 12);
-    trailing(6);
-    trailing(0);
-  } else {
-    out += static_cast<char>(0xF0 | character >> 18);
-    trailing(12);
-    trailing(6);
-    trailing(0);
+    return;
   }
+  const int trailing = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
+  out += static_cast<char>(0xFF80u >> trailing | character >> 6 * trailing);
+  for (int shift = 6 * (trailing - 1); shift >= 0; shift -= 6)
+    out += static_cast<char>(0x80 | (character >> shift & 0x3F));
 }
 
 char32_t takeUtf8(std::string_view& text) {

@@ -7,8 +7,8 @@
 
 namespace cairnset {
 
-/// How many ASCII characters the text begins with. Nearly all names are nothing else, so that this
-/// looks at eight of them at a time.
+/// How many ASCII characters the text begins with. Nearly all names have no others, so this
+/// checks eight at a time.
 std::size_t asciiLength(std::string_view text);
 
 /// Appends a character as 1 to 4 bytes. A surrogate is written like any other character below
@@ -16,7 +16,7 @@ std::size_t asciiLength(std::string_view text);
 void appendUtf8(char32_t character, std::string& out);
 
 /// Takes the first character off a text that is not empty. A byte that is not part of a valid
-/// sequence (overlong, cut short, a surrogate, beyond U+10FFFF) is taken by itself and answered as
+/// sequence (overlong, cut short, a surrogate, beyond U+10FFFF) is taken by itself and returned as
 /// the surrogate U+DC00 + byte, which no valid sequence gives.
 char32_t takeUtf8(std::string_view& text);
 
