@@ -16,13 +16,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(isIllegalFilename(std::string(corrected).c_str()) == nullptr, "it is corrected", name);
   std::u16string any(name.size() / 2, u'\0');
   std::memcpy(any.data(), name.data(), 2 * any.size());
-  std::string back, other, key, otherKey;
-  if (volumeNameFromUnicode(any, back) == noErr)
-    check(unicodeFromVolumeName(back) == any, "exact inverses", back);
+  std::string other, key, otherKey;
+  if (const auto [result, volume] = volumeNameFromUnicode(any); result == noErr)
+    check(unicodeFromVolumeName(volume) == any, "exact inverses", volume);
   std::erase(name, '/');
   const std::u16string unicode = unicodeFromVolumeName(name);
   const bool isPossible = !name.empty() && name != "." && name != ".." && name.size() <= 255;
-  check((volumeNameFromUnicode(unicode, back) == noErr) == isPossible, "which names can be", name);
+  const auto [made, back] = volumeNameFromUnicode(unicode);
+  check((made == noErr) == isPossible, "which names can be", name);
   check(back == (isPossible ? name : ""), "a name comes back", name);
   for (const char32_t c : decomposed(unicode)) {
     if (c >= 0xDC80 && c <= 0xDCFF) other += static_cast<char>(c - 0xDC00);  // not UTF-8

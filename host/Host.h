@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "host/SystemVersion.h"
-#include "host/files/FolderListing.h"
+#include "host/files/FolderWalk.h"
 #include "host/files/NodeTable.h"
 #include "host/files/SystemCalls.h"
 #include "host/terminal/Chooser.h"
@@ -65,8 +65,11 @@ struct Host {
   std::string _path;
 };
 
-/// The host in use.
+/// The host in use, and its nodes.
 Host& host();
+inline NodeTable& nodes() {
+  return host().nodes;
+}
 
 /// Makes a host the one in use as long as this object lives.
 class HostInUse {

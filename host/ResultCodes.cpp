@@ -39,4 +39,8 @@ OSErr resultFromErrno(int error) {
   }
 }
 
+OSErr resultOf(int returned) {
+  return returned == 0 ? noErr : resultFromErrno(errno);
+}
+
 }  // namespace cairnset

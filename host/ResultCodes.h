@@ -1,4 +1,4 @@
-// Every result code that the host layer answers, and the one place that turns errno into them.
+// Every result code that the host layer returns, and the one place that turns errno into them.
 #pragma once
 
 #include "host/HostTypes.h"
@@ -13,7 +13,7 @@ inline constexpr OSErr bdNamErr = -37;      // a name that the volume cannot hol
 inline constexpr OSErr eofErr = -39;        // read past the end
 inline constexpr OSErr tmfoErr = -42;       // too many files open
 inline constexpr OSErr fnfErr = -43;        // nothing of that name in the folder
-inline constexpr OSErr wPrErr = -44;        // the volume is locked by hardware; never answered here
+inline constexpr OSErr wPrErr = -44;        // the volume is locked by hardware; never returned here
 inline constexpr OSErr vLckdErr = -46;      // the volume is read-only
 inline constexpr OSErr fBsyErr = -47;       // a folder that is not empty
 inline constexpr OSErr dupFNErr = -48;      // the name is taken
@@ -27,7 +27,9 @@ inline constexpr OSErr errFSRefsDifferent = -1420;  // two references that denot
 inline constexpr OSErr errFSNoMoreItems = -1417;    // an iterator has come to its end
 
 /// The result code for an errno value. ENOENT becomes fnfErr: only the caller can tell whether the
-/// folder is missing too, and then answers dirNFErr instead.
-OSErr resultFromErrno(int error);
+/// folder is missing too, and then returns dirNFErr instead.
+[[nodiscard]] OSErr resultFromErrno(int error);
+/// The result code of a system call that has returned 0, or anything else and set errno.
+[[nodiscard]] OSErr resultOf(int returned);
 
 }  // namespace cairnset

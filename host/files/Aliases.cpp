@@ -12,10 +12,6 @@ namespace cairnset {
 
 namespace {
 
-NodeTable& nodes() {
-  return host().nodes;
-}
-
 // The link's target as it is stored.
 OSErr readAlias(const FSRef& ref, std::string& target) {
   const Location place(ref);
@@ -32,10 +28,10 @@ OSErr readAlias(const FSRef& ref, std::string& target) {
 }  // namespace
 
 OSErr FSIsAliasFile(const FSRef* ref, bool* isAlias, bool* isFolder) {
-  struct stat info;
-  if (const OSErr result = itemInfo(*ref, info); result != noErr) return result;
-  *isAlias = S_ISLNK(info.st_mode);
-  if (isFolder != nullptr) *isFolder = S_ISDIR(info.st_mode);
+  const ItemInfo item = itemInfo(*ref);
+  if (item.result != noErr) return item.result;
+  *isAlias = S_ISLNK(item.info.st_mode);
+  if (isFolder != nullptr) *isFolder = item.isFolder();
   return noErr;
 }
 
@@ -60,7 +56,7 @@ OSErr FSResolveAliasFile(FSRef* ref, bool resolveChains, bool* targetIsFolder, b
     result = FSPathMakeRef(slash == 0 ? "/" : target.substr(0, slash).c_str(), &folder, nullptr);
     const std::string last = target.substr(slash + 1);
     if (result != noErr) {
-      // told below
+      // returned below
     } else if (last.empty() || last == "." || last == "..") {
       result = FSPathMakeRef(target.c_str(), &found, &isFolder);
     } else {
@@ -78,20 +74,15 @@ OSErr FSResolveAliasFile(FSRef* ref, bool resolveChains, bool* targetIsFolder, b
 
 OSErr FSCreateAliasFile(const FSRef* folder, std::size_t length, const UniChar* name,
                         const FSRef* target, FSRef* ref) {
-  struct stat info;
-  if (const OSErr result = itemInfo(*target, info); result != noErr) return result;
-  std::string volumeName;
-  if (const OSErr result = volumeNameIn(*folder, length, name, volumeName); result != noErr) {
-    return result;
-  }
-  const Location place(*folder, volumeName, Location::For::kChanging);
+  if (const OSErr result = itemInfo(*target).result; result != noErr) return result;
+  const VolumeName volumeName = volumeNameIn(*folder, {name, length});
+  if (volumeName.result != noErr) return volumeName.result;
+  const Location place(*folder, volumeName.bytes, Location::For::kChanging);
   if (place.status() != noErr) return place.status();
   const std::string path = nodes().path(target->node);
-  if (host().calls.symlink(path.c_str(), place.folder(), place.path()) != 0) {
-    return resultFromErrno(errno);
-  }
-  if (ref != nullptr) ref->node = nodes().intern(folder->node, volumeName);
-  return noErr;
+  const OSErr made = resultOf(host().calls.symlink(path.c_str(), place.folder(), place.path()));
+  if (made == noErr && ref != nullptr) ref->node = nodes().intern(folder->node, volumeName.bytes);
+  return made;
 }
 
 }  // namespace cairnset

@@ -19,10 +19,6 @@ namespace {
 constexpr std::int64_t kSecondsFrom1904To1970 = 2'082'844'800;
 constexpr const char* kCreationDateAttribute = "user.cairnset.created";  // 8 bytes, big-endian
 
-NodeTable& nodes() {
-  return host().nodes;
-}
-
 std::uint64_t packDate(std::int64_t seconds, std::int64_t nanoseconds) {
   const auto fraction = static_cast<std::uint64_t>(nanoseconds) * 65536 / 1'000'000'000;
   return static_cast<std::uint64_t>(seconds + kSecondsFrom1904To1970) << 16 | fraction;
@@ -31,9 +27,9 @@ std::uint64_t packDate(std::int64_t seconds, std::int64_t nanoseconds) {
 std::uint64_t creationDate(const FSRef& ref, const struct stat& info) {
   unsigned char bytes[8];
   ssize_t got = -1;
-  // Nothing else can have such an attribute, and to open a device may change it.
+  // Nothing else can have such an attribute, and opening a device may change it.
   if (S_ISREG(info.st_mode) || S_ISDIR(info.st_mode)) {
-    callOnOpenItem(ref, [&](int descriptor) {
+    (void)callOnOpenItem(ref, [&](int descriptor) {
       got = host().calls.getAttribute(descriptor, kCreationDateAttribute, bytes, sizeof bytes);
       return 0;
     });
@@ -57,16 +53,17 @@ std::uint64_t creationDate(const FSRef& ref, const struct stat& info) {
 #endif
 }
 
-// The name field of an FSSpec. `shortened` tells a name that could not stand as it is: a long one,
-// one with letters beyond ASCII, of which the held name does not tell how the volume spells them,
-// or one with a "#", which could look like another item's number.
-void specName(std::uint32_t node, unsigned char (&out)[64], bool& shortened) {
+// Fills in the name field of an FSSpec. True where the name had to be shortened: where it is long,
+// has a letter beyond ASCII, whose spelling on the volume the held name does not tell, or has a
+// "#", which could look like another item's number.
+bool putSpecName(std::uint32_t node, unsigned char (&out)[64]) {
   constexpr std::size_t kMost = sizeof out - 1;
   const std::string_view volumeName = nodes().name(node);
   std::string held = heldNameFromVolumeName(volumeName);
-  shortened = held.size() > kMost || std::any_of(volumeName.begin(), volumeName.end(), [](char c) {
-                return static_cast<unsigned char>(c) >= 0x80 || c == '#';
-              });
+  const bool shortened =
+      held.size() > kMost || std::any_of(volumeName.begin(), volumeName.end(), [](char c) {
+        return static_cast<unsigned char>(c) >= 0x80 || c == '#';
+      });
   if (shortened) {
     char mark[1 + 8] = "#";
     const auto end = std::to_chars(mark + 1, mark + sizeof mark, node, 16).ptr;
@@ -75,6 +72,7 @@ void specName(std::uint32_t node, unsigned char (&out)[64], bool& shortened) {
   }
   out[0] = static_cast<unsigned char>(held.size());
   std::memcpy(out + 1, held.data(), held.size());
+  return shortened;
 }
 
 }  // namespace
@@ -102,17 +100,16 @@ OSErr FSPathMakeRef(const char* path, FSRef* ref, bool* isDirectory) {
     rest.remove_prefix(std::min(slash + 1, rest.size()));
   }
   if (isDirectory != nullptr) {
-    struct stat info;
-    if (const OSErr result = itemInfo(found, info); result != noErr) return result;
-    *isDirectory = S_ISDIR(info.st_mode);
+    const ItemInfo item = itemInfo(found);
+    if (item.result != noErr) return item.result;
+    *isDirectory = item.isFolder();
   }
   *ref = found;
   return noErr;
 }
 
 OSErr FSRefMakePath(const FSRef* ref, char* path, std::size_t size) {
-  struct stat info;
-  if (const OSErr result = itemInfo(*ref, info); result != noErr) return result;
+  if (const OSErr result = itemInfo(*ref).result; result != noErr) return result;
   const std::string text = nodes().path(ref->node);
   if (text.size() >= size) return bdNamErr;
   std::memcpy(path, text.c_str(), text.size() + 1);
@@ -135,21 +132,17 @@ OSErr FSpMakeFSRef(const FSSpec* fsSpec, FSRef* ref) {
     if (error == std::errc() && end == held.data() + held.size() && nodes().contains(node) &&
         nodes().folder(node) == fsSpec->parID) {
       unsigned char name[64];
-      bool shortened = false;
-      specName(node, name, shortened);
-      if (shortened && std::memcmp(name, fsSpec->name, name[0] + 1u) == 0) {
-        struct stat info;
-        const FSRef found{node};
-        if (const OSErr result = itemInfo(found, info); result != noErr) return result;
-        *ref = found;
-        return noErr;
+      if (putSpecName(node, name) && std::memcmp(name, fsSpec->name, name[0] + 1u) == 0) {
+        const OSErr result = itemInfo({node}).result;
+        if (result == noErr) *ref = {node};
+        return result;
       }
     }
   }
   std::u16string unicode;
   for (const char c : held) {
     const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x80) return fnfErr;  // such names are only ever handed out shortened
+    if (byte >= 0x80) return fnfErr;  // such names are only given out shortened
     unicode.push_back(byte);
   }
   const FSRef folder{fsSpec->parID};
@@ -172,24 +165,23 @@ bool placeOf(const FSRef& ref, FSRef* folder, HFSUniStr255* name) {
 
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
                        HFSUniStr255* name, FSSpec* fsSpec, FSRef* parent) {
-  struct stat found;
-  if (const OSErr result = itemInfo(*ref, found); result != noErr) return result;
+  const ItemInfo item = itemInfo(*ref);
+  if (item.result != noErr) return item.result;
   FSRef folder;
   placeOf(*ref, &folder, name);
   if (parent != nullptr) *parent = folder;
   if (fsSpec != nullptr) {
-    bool shortened = false;
     fsSpec->vRefNum = kVolumeNumber;
     fsSpec->parID = folder.node;
-    specName(ref->node, fsSpec->name, shortened);
+    putSpecName(ref->node, fsSpec->name);
   }
   if (info == nullptr) return noErr;
   if ((which & kFSCatInfoNodeFlags) != 0) {
-    info->nodeFlags = S_ISDIR(found.st_mode) ? kFSNodeIsDirectoryMask : std::uint16_t{0};
+    info->nodeFlags = item.isFolder() ? kFSNodeIsDirectoryMask : std::uint16_t{0};
   }
   if ((which & kFSCatInfoParentDirID) != 0) info->parentDirID = folder.node;
   if ((which & kFSCatInfoNodeID) != 0) info->nodeID = ref->node;
-  if ((which & kFSCatInfoCreateDate) != 0) info->createDate = creationDate(*ref, found);
+  if ((which & kFSCatInfoCreateDate) != 0) info->createDate = creationDate(*ref, item.info);
   return noErr;
 }
 
@@ -199,9 +191,8 @@ OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, const FSCata
   if (place.status() != noErr) return place.status();
   if ((which & kFSCatInfoCreateDate) == 0) return noErr;
   unsigned char bytes[8];
-  for (std::size_t i = 0; i < sizeof bytes; ++i) {
+  for (std::size_t i = 0; i < sizeof bytes; ++i)
     bytes[i] = static_cast<unsigned char>(info->createDate >> (56 - 8 * i));
-  }
   return callOnOpenItem(*ref, [&](int descriptor) {
     return host().calls.setAttribute(descriptor, kCreationDateAttribute, bytes, sizeof bytes);
   });
@@ -209,19 +200,15 @@ OSErr FSSetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, const FSCata
 
 OSErr FSMakeFSRefUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
                          std::uint32_t /*encodingHint*/, FSRef* ref) {
-  std::string volumeName;
-  if (const OSErr result = volumeNameIn(*folder, length, name, volumeName); result != noErr) {
-    return result;
-  }
+  const VolumeName volumeName = volumeNameIn(*folder, {name, length});
+  if (volumeName.result != noErr) return volumeName.result;
   {
-    const Location place(*folder, volumeName, Location::For::kLooking);
+    const Location place(*folder, volumeName.bytes, Location::For::kLooking);
     if (place.status() != noErr) return place.status();
     struct stat info;
-    if (host().calls.lstat(place.folder(), place.path(), &info) != 0) {
-      return resultFromErrno(errno);
-    }
+    if (place.lstat(info) != 0) return resultFromErrno(errno);
   }
-  ref->node = nodes().intern(folder->node, volumeName);
+  ref->node = nodes().intern(folder->node, volumeName.bytes);
   return noErr;
 }
 
@@ -231,9 +218,10 @@ OSErr FSCompareFSRefs(const FSRef* a, const FSRef* b) {
 }
 
 bool areTwoItems(const FSRef& a, const FSRef& b) {
-  struct stat infoA, infoB;
-  return itemInfo(a, infoA) == noErr && itemInfo(b, infoB) == noErr &&
-         (infoA.st_dev != infoB.st_dev || infoA.st_ino != infoB.st_ino);
+  const ItemInfo first = itemInfo(a);
+  if (first.result != noErr) return false;
+  const ItemInfo second = itemInfo(b);
+  return second.result == noErr && !isOneItem(first.info, second.info);
 }
 
 }  // namespace cairnset

@@ -17,7 +17,6 @@
 #include "host/Host.h"
 #include "host/files/FileManager.h"
 #include "host/files/Location.h"
-#include "host/files/Opening.h"
 
 namespace cairnset {
 

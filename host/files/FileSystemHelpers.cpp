@@ -119,8 +119,8 @@ bool isAlias(const FSRef* ref) {
 }
 
 bool isRegularFile(const FSRef* ref) {
-  struct stat info;
-  return itemInfo(*ref, info) == noErr && S_ISREG(info.st_mode);
+  const ItemInfo item = itemInfo(*ref);
+  return item.result == noErr && S_ISREG(item.info.st_mode);
 }
 
 std::uint32_t getNode(const FSRef* ref) {

@@ -1,8 +1,121 @@
 #include "host/files/FolderWalk.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <string>
+#include <string_view>
 #include <utility>
 
+#include "host/Host.h"
+#include "host/files/Location.h"
+#include "host/text/Names.h"
+
 namespace cairnset {
+
+namespace {
+
+// One listed name; the texts are in buffers that the whole listing shares.
+struct Entry {
+  std::uint64_t keyBegins;  // the first bytes of the key as a number, which mostly decides
+  std::size_t keyStart, nameStart;
+  std::uint32_t keyLength, nameLength;
+  bool isFolder;
+};
+
+// A short key is padded with zeros. Keys hold none, so the numbers are in the order of the keys.
+std::uint64_t beginningOf(std::string_view key) {
+  std::uint64_t number = 0;
+  for (std::size_t i = 0; i < sizeof number; ++i)
+    number = number << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0u);
+  return number;
+}
+
+struct Entries {
+  std::vector<Entry> list;
+  std::string keys, names;
+
+  std::string_view key(const Entry& e) const { return {keys.data() + e.keyStart, e.keyLength}; }
+  std::string_view name(const Entry& e) const { return {names.data() + e.nameStart, e.nameLength}; }
+
+  void add(std::string_view name, bool isFolder) {
+    const std::size_t keyStart = keys.size();
+    appendSortKey(name, keys);
+    list.push_back({beginningOf(std::string_view(keys).substr(keyStart)), keyStart, names.size(),
+                    static_cast<std::uint32_t>(keys.size() - keyStart),
+                    static_cast<std::uint32_t>(name.size()), isFolder});
+    names.append(name);
+  }
+
+  void sort() {
+    std::sort(list.begin(), list.end(), [this](const Entry& a, const Entry& b) {
+      if (a.keyBegins != b.keyBegins) return a.keyBegins < b.keyBegins;
+      const int order = key(a).compare(key(b));
+      return order != 0 ? order < 0 : name(a) < name(b);
+    });
+  }
+};
+
+struct EntryKind {
+  OSErr result;  // fnfErr for an entry to skip
+  bool isFolder = false;
+};
+
+// An entry of unknown kind is an error: a folder taken for a file would be lost. To be skipped are
+// entries gone since they were listed, and FIFOs, sockets and devices, which have no fork and may
+// act when opened.
+EntryKind kindOf(int folder, const struct dirent& entry) {
+  if (entry.d_type == DT_DIR) return {noErr, true};
+  if (entry.d_type == DT_REG || entry.d_type == DT_LNK) return {noErr};
+  if (entry.d_type != DT_UNKNOWN) return {fnfErr};
+  struct stat info;
+  if (host().calls.lstat(folder, entry.d_name, &info) != 0) return {resultFromErrno(errno)};
+  if (S_ISDIR(info.st_mode)) return {noErr, true};
+  return {S_ISREG(info.st_mode) || S_ISLNK(info.st_mode) ? noErr : fnfErr};
+}
+
+OSErr readEntries(DIR* listing, Entries& entries) {
+  const int folder = ::dirfd(listing);
+  for (;;) {
+    errno = 0;
+    const struct dirent* entry = host().calls.readdir(listing);
+    // A listing cut short would make presets look missing, and missing ones are created.
+    if (entry == nullptr) return resultFromErrno(errno);
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    const auto [result, isFolder] = kindOf(folder, *entry);
+    if (result == fnfErr) continue;
+    if (result != noErr) return result;
+    entries.add(name, isFolder);
+  }
+}
+
+}  // namespace
+
+FolderListing listFolder(const FSRef& folder) {
+  const Location place(folder);
+  if (place.status() != noErr) return {place.status(), folder, {}};
+  const SystemCalls& calls = host().calls;
+  const auto [descriptor, opened, size] =
+      openFolderAt(calls, place.folder(), place.path(), O_RDONLY);
+  if (opened != noErr) return {opened, folder, {}};
+  DIR* const entriesOf = calls.fdopendir(descriptor);
+  if (entriesOf == nullptr) {
+    const OSErr result = resultFromErrno(errno);
+    calls.close(descriptor);
+    return {result, folder, {}};
+  }
+  Entries entries;
+  FolderListing listing{readEntries(entriesOf, entries), folder, {}};
+  calls.closedir(entriesOf);
+  if (listing.result != noErr) return listing;
+  entries.sort();
+  listing.items.reserve(entries.list.size());
+  NodeTable& table = nodes();
+  for (const Entry& entry : entries.list)
+    listing.items.push_back({{table.intern(folder.node, entries.name(entry))}, entry.isFolder});
+  return listing;
+}
 
 FolderWalk::FolderWalk(const FSRef& top) : _listed(enter(top)) {}
 

@@ -1,17 +1,34 @@
-// The first of the three steps of a load: which files and folders there are.
+// The first of the three steps of a load: which files and folders there are, in the order of the
+// instrument's host.
 #pragma once
 
 #include <cstddef>
 #include <optional>
 #include <vector>
 
-#include "host/files/FolderListing.h"
+#include "host/HostTypes.h"
+#include "host/ResultCodes.h"
 
 namespace cairnset {
 
+struct ListedItem {
+  FSRef ref;
+  bool isFolder;
+};
+
+struct FolderListing {
+  OSErr result = noErr;  // a listing that fails half-way has failed, and has no items
+  FSRef folder;
+  std::vector<ListedItem> items;
+};
+
+/// Lists a folder: folders, files and aliases together, by the sort keys of host/text/Names.h.
+/// FIFOs, sockets and devices are left out, so that nobody opens one.
+[[nodiscard]] FolderListing listFolder(const FSRef& folder);
+
 /// Goes through a folder and all below it in load order: each folder's items in the order of its
-/// listing, and what lies in a folder right after the folder itself. A folder is listed when it is
-/// come to; nothing is kept open. Its memory is on the heap, for folders nested thousands deep.
+/// listing, and what lies in a folder right after the folder itself. A folder is listed when the
+/// walk reaches it; nothing is kept open. No recursion: folders may be nested thousands deep.
 class FolderWalk {
  public:
   struct Item {
@@ -24,9 +41,9 @@ class FolderWalk {
   explicit FolderWalk(const FSRef& top);
 
   /// How the listing of the top went; there are no items unless it is noErr.
-  OSErr listed() const { return _listed; }
+  [[nodiscard]] OSErr listed() const { return _listed; }
   /// The next item; nothing at the end.
-  std::optional<Item> next();
+  [[nodiscard]] std::optional<Item> next();
 
  private:
   struct Level {

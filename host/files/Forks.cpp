@@ -8,7 +8,6 @@
 #include "host/Host.h"
 #include "host/files/FileManager.h"
 #include "host/files/Location.h"
-#include "host/files/Opening.h"
 
 namespace cairnset {
 
@@ -24,56 +23,54 @@ Fork* forkAt(std::int16_t number) {
   return fork.descriptor >= 0 ? &fork : nullptr;
 }
 
-// Reads until `count` bytes are there or the file ends.
-OSErr readFully(const Fork& fork, char* buffer, std::size_t count, std::int64_t position,
-                std::size_t& got) {
-  got = 0;
-  while (got < count) {
-    const ssize_t n = host().calls.pread(fork.descriptor, buffer + got, count - got,
-                                         static_cast<off_t>(position) + static_cast<off_t>(got));
+struct Transferred {
+  OSErr result = noErr;
+  std::size_t count = 0;  // also after a failure
+};
+
+// Calls pread or pwrite until all is transferred; `atNone` is the result where a call moves
+// nothing.
+template <typename Call, typename Byte>
+Transferred transfer(const Call& call, OSErr atNone, const Fork& fork, Byte* bytes,
+                     std::size_t count, std::int64_t position) {
+  std::size_t done = 0;
+  while (done < count) {
+    const ssize_t n = call(fork.descriptor, bytes + done, count - done,
+                           static_cast<off_t>(position) + static_cast<off_t>(done));
     if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return resultFromErrno(errno);
-    if (n == 0) break;
-    got += static_cast<std::size_t>(n);
+    if (n < 0) return {resultFromErrno(errno), done};
+    if (n == 0) return {atNone, done};
+    done += static_cast<std::size_t>(n);
   }
-  return noErr;
+  return {noErr, done};
 }
 
-// Writes until all is written. `written` says in any case how much is.
-OSErr writeFully(const Fork& fork, const char* bytes, std::size_t count, std::int64_t position,
-                 std::size_t& written) {
-  written = 0;
-  while (written < count) {
-    const ssize_t n =
-        host().calls.pwrite(fork.descriptor, bytes + written, count - written,
-                            static_cast<off_t>(position) + static_cast<off_t>(written));
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return resultFromErrno(errno);
-    if (n == 0) return dskFulErr;  // a device that takes nothing and says nothing
-    written += static_cast<std::size_t>(n);
-  }
-  return noErr;
+Transferred readFully(const Fork& fork, char* buffer, std::size_t count, std::int64_t position) {
+  return transfer(host().calls.pread, noErr, fork, buffer, count, position);
+}
+
+// A device may write nothing without an error.
+Transferred writeFully(const Fork& fork, const char* bytes, std::size_t count,
+                       std::int64_t position) {
+  return transfer(host().calls.pwrite, dskFulErr, fork, bytes, count, position);
 }
 
 // A write of a preset's size is all or nothing, as far as the volume lets us take it back: half an
-// image would be neither the preset as it was nor as it was meant.
-OSErr writeOrTakeBack(const Fork& fork, const char* bytes, std::size_t count, std::int64_t position,
-                      std::size_t& written) {
-  written = 0;
+// image would be neither the old preset nor the new one.
+Transferred writeOrTakeBack(const Fork& fork, const char* bytes, std::size_t count,
+                            std::int64_t position) {
   char before[kMostTakenBack];
-  std::size_t beforeCount = 0;
-  OSErr result = readFully(fork, before, count, position, beforeCount);
-  if (result != noErr) return result;  // what nobody can take back is not begun
-  result = writeFully(fork, bytes, count, position, written);
-  if (result == noErr || written == 0) return result;
-  std::size_t restored = 0;
-  const OSErr back = writeFully(fork, before, std::min(written, beforeCount), position, restored);
+  const Transferred old = readFully(fork, before, count, position);
+  if (old.result != noErr) return {old.result, 0};  // do not begin what cannot be taken back
+  Transferred written = writeFully(fork, bytes, count, position);
+  if (written.result == noErr || written.count == 0) return written;
+  const OSErr back = writeFully(fork, before, std::min(written.count, old.count), position).result;
   const bool isAsLong =
-      written <= beforeCount ||
+      written.count <= old.count ||
       host().calls.ftruncate(fork.descriptor,
-                             static_cast<off_t>(position) + static_cast<off_t>(beforeCount)) == 0;
-  if (back == noErr && isAsLong) written = 0;
-  return result;
+                             static_cast<off_t>(position) + static_cast<off_t>(old.count)) == 0;
+  if (back == noErr && isAsLong) written.count = 0;
+  return written;
 }
 
 OSErr sizeOf(const Fork& fork, std::int64_t& size) {
@@ -84,19 +81,10 @@ OSErr sizeOf(const Fork& fork, std::int64_t& size) {
 }
 
 OSErr positionFor(const Fork& fork, std::uint16_t mode, std::int64_t offset, std::int64_t& out) {
-  std::int64_t base = 0;
-  switch (mode & 3) {
-    case fsAtMark:
-      base = fork.mark;
-      offset = 0;
-      break;
-    case fsFromStart:
-      break;
-    case fsFromLEOF:
-      if (const OSErr result = sizeOf(fork, base); result != noErr) return result;
-      break;
-    default:
-      base = fork.mark;
+  std::int64_t base = (mode & 3) == fsFromStart ? 0 : fork.mark;
+  if ((mode & 3) == fsAtMark) offset = 0;
+  if ((mode & 3) == fsFromLEOF) {
+    if (const OSErr result = sizeOf(fork, base); result != noErr) return result;
   }
   if (offset > 0 && base > std::numeric_limits<std::int64_t>::max() - offset) return paramErr;
   if (base + offset < 0) return paramErr;
@@ -136,14 +124,12 @@ OSErr FSReadFork(std::int16_t number, std::uint16_t positionMode, std::int64_t o
   Fork* fork = forkAt(number);
   if (fork == nullptr) return rfNumErr;
   std::int64_t position = 0;
-  OSErr result = positionFor(*fork, positionMode, offset, position);
+  const OSErr result = positionFor(*fork, positionMode, offset, position);
   if (result != noErr) return result;
-  std::size_t got = 0;
-  result = readFully(*fork, static_cast<char*>(buffer), count, position, got);
-  fork->mark = position + static_cast<std::int64_t>(got);
-  if (actual != nullptr) *actual = got;
-  if (result != noErr) return result;
-  return got < count ? eofErr : noErr;
+  const Transferred got = readFully(*fork, static_cast<char*>(buffer), count, position);
+  fork->mark = position + static_cast<std::int64_t>(got.count);
+  if (actual != nullptr) *actual = got.count;
+  return got.result == noErr && got.count < count ? eofErr : got.result;
 }
 
 OSErr FSWriteFork(std::int16_t number, std::uint16_t positionMode, std::int64_t offset,
@@ -152,15 +138,15 @@ OSErr FSWriteFork(std::int16_t number, std::uint16_t positionMode, std::int64_t 
   Fork* fork = forkAt(number);
   if (fork == nullptr) return rfNumErr;
   std::int64_t position = 0;
-  OSErr result = positionFor(*fork, positionMode, offset, position);
+  const OSErr result = positionFor(*fork, positionMode, offset, position);
   if (result != noErr) return result;
   const auto* bytes = static_cast<const char*>(buffer);
-  std::size_t written = 0;
   const bool canTakeBack = count <= kMostTakenBack && (fork->permissions & fsRdPerm) != 0;
-  result = (canTakeBack ? writeOrTakeBack : writeFully)(*fork, bytes, count, position, written);
-  fork->mark = position + static_cast<std::int64_t>(written);
-  if (actual != nullptr) *actual = written;
-  return result;
+  const auto write = canTakeBack ? writeOrTakeBack : writeFully;
+  const Transferred written = write(*fork, bytes, count, position);
+  fork->mark = position + static_cast<std::int64_t>(written.count);
+  if (actual != nullptr) *actual = written.count;
+  return written.result;
 }
 
 OSErr FSSetForkPosition(std::int16_t number, std::uint16_t positionMode, std::int64_t offset) {

@@ -2,28 +2,25 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 
 #include "host/Host.h"
-#include "host/files/Opening.h"
-#include "host/text/Names.h"
+#include "host/files/FileManager.h"
 
 namespace cairnset {
 
-Location::Location(const FSRef& ref, For purpose) : _calls(host().calls), _folder(AT_FDCWD) {
-  const NodeTable& nodes = host().nodes;
-  if (!nodes.contains(ref.node)) {
+Location::Location(const FSRef& ref, For purpose) : _calls(host().calls) {
+  if (!nodes().contains(ref.node)) {
     _status = errFSBadFSRef;
   } else if (ref.node == NodeTable::kRoot) {
     std::strcpy(_path, "/");
   } else {
-    locate(host().folderPath(nodes.folder(ref.node)), nodes.name(ref.node), purpose);
+    locate(host().folderPath(nodes().folder(ref.node)), nodes().name(ref.node), purpose);
   }
 }
 
 Location::Location(const FSRef& folder, std::string_view volumeName, For purpose)
-    : _calls(host().calls), _folder(AT_FDCWD) {
-  if (!host().nodes.contains(folder.node)) {
+    : _calls(host().calls) {
+  if (!nodes().contains(folder.node)) {
     _status = errFSBadFSRef;
   } else {
     locate(host().folderPath(folder.node), volumeName, purpose);
@@ -37,7 +34,7 @@ Location::Location(const Location& sibling, std::string_view volumeName)
 
 Location::Location(const SystemCalls& calls, std::string_view folderPath,
                    std::string_view volumeName, For purpose)
-    : _calls(calls), _folder(AT_FDCWD) {
+    : _calls(calls) {
   locate(folderPath, volumeName, purpose);
 }
 
@@ -63,44 +60,95 @@ void Location::putName(std::size_t start, std::string_view name) {
   _path[start + name.copy(_path + start, sizeof _path - start - 1)] = '\0';
 }
 
-OSErr itemInfo(const FSRef& ref, struct stat& info) {
-  const Location place(ref);
-  if (place.status() != noErr) return place.status();
-  if (host().calls.lstat(place.folder(), place.path(), &info) != 0) return failureAt(ref, errno);
-  return noErr;
-}
+namespace {
 
+// noErr where `folder` is a real folder; dirNFErr where it is missing or anything else, even an
+// alias to a folder.
 OSErr requireFolder(const FSRef& folder) {
   const Location place(folder);
   if (place.status() != noErr) return place.status();
   struct stat info;
-  if (host().calls.lstat(place.folder(), place.path(), &info) != 0) {
-    return errno == ENOENT ? dirNFErr : resultFromErrno(errno);
-  }
+  if (place.lstat(info) != 0) return errno == ENOENT ? dirNFErr : resultFromErrno(errno);
   return S_ISDIR(info.st_mode) ? noErr : dirNFErr;
 }
 
-OSErr volumeNameIn(const FSRef& folder, std::size_t length, const UniChar* name,
-                   std::string& volumeName) {
+}  // namespace
+
+ItemInfo itemInfo(const FSRef& ref) {
+  const Location place(ref);
+  ItemInfo item;
+  item.result = place.status();
+  if (item.result == noErr && place.lstat(item.info) != 0) item.result = failureAt(ref, errno);
+  return item;
+}
+
+VolumeName volumeNameIn(const FSRef& folder, std::u16string_view name) {
   const OSErr result = requireFolder(folder);
-  return result == noErr ? volumeNameFromUnicode({name, length}, volumeName) : result;
+  return result == noErr ? volumeNameFromUnicode(name) : VolumeName{result, {}};
 }
 
 OSErr failureAt(const FSRef& ref, int error) {
   if (error != ENOENT) return resultFromErrno(error);
-  const FSRef folder{host().nodes.folder(ref.node)};
-  return requireFolder(folder) == noErr ? fnfErr : dirNFErr;
+  return requireFolder({nodes().folder(ref.node)}) == noErr ? fnfErr : dirNFErr;
+}
+
+Opened openFile(const SystemCalls& calls, int folder, const char* path, std::int8_t permissions) {
+  const int access = permissions == fsRdPerm   ? O_RDONLY
+                     : permissions == fsWrPerm ? O_WRONLY
+                                               : O_RDWR;
+  // O_NONBLOCK: what was a file when it was listed may be a FIFO by now, and must not hang us.
+  const int descriptor =
+      calls.open(folder, path, access | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0);
+  if (descriptor < 0) return {-1, resultFromErrno(errno)};
+  struct stat info;
+  OSErr result = ioErr;
+  if (calls.fstat(descriptor, &info) != 0) {
+    result = resultFromErrno(errno);
+  } else if (S_ISREG(info.st_mode)) {
+    return {descriptor, noErr, info.st_size};
+  }
+  calls.close(descriptor);
+  return {-1, result};
+}
+
+OSErr closeFile(const SystemCalls& calls, int descriptor) {
+  // After EINTR the descriptor is gone all the same; closing again could hit another's.
+  return calls.close(descriptor) == 0 || errno == EINTR ? noErr : resultFromErrno(errno);
+}
+
+Opened openFolderAt(const SystemCalls& calls, int folder, const char* path, int access) {
+  const int descriptor = calls.open(folder, path, access | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+  if (descriptor >= 0) return {descriptor};
+  return {-1, errno == ENOENT || errno == ELOOP ? OSErr{dirNFErr} : resultFromErrno(errno)};
+}
+
+// A path that is longer than the system takes is opened one stretch after the other.
+Opened openFolder(const SystemCalls& calls, std::string_view path) {
+  Opened folder{AT_FDCWD};
+  while (!path.empty() && folder.result == noErr) {
+    std::string_view stretch = path;
+    if (stretch.size() >= PATH_MAX) {
+      stretch = stretch.substr(0, stretch.substr(0, PATH_MAX - 1).rfind('/'));
+    }
+    char text[PATH_MAX];
+    text[stretch.copy(text, sizeof text - 1)] = '\0';
+    const int before = folder.descriptor;
+    folder = openFolderAt(calls, before, text, kToFindIn);
+    if (before != AT_FDCWD) calls.close(before);
+    path.remove_prefix(stretch.size());
+    while (!path.empty() && path.front() == '/')
+      path.remove_prefix(1);
+  }
+  return folder;
 }
 
 OSErr callOnOpenItem(const FSRef& ref, const std::function<int(int descriptor)>& call) {
   const Location place(ref);
   if (place.status() != noErr) return place.status();
-  const SystemCalls& calls = host().calls;
-  const int descriptor =
-      calls.open(place.folder(), place.path(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0);
+  const int descriptor = place.open(O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0);
   if (descriptor < 0) return failureAt(ref, errno);
-  const OSErr result = call(descriptor) == 0 ? noErr : resultFromErrno(errno);
-  calls.close(descriptor);
+  const OSErr result = resultOf(call(descriptor));
+  host().calls.close(descriptor);
   return result;
 }
 

@@ -1,19 +1,21 @@
-// Where a place is, as the system calls take it. Internal to the host layer.
+// Where a place is, as the system calls take it, and how what lies there is opened: no link is
+// followed, and nothing is waited for. Internal to the host layer.
 #pragma once
 
 #include <climits>
 #include <cstddef>
+#include <cstdint>
+#include <fcntl.h>
 #include <functional>
-#include <string>
 #include <string_view>
 #include <sys/stat.h>
 
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
+#include "host/files/SystemCalls.h"
+#include "host/text/Names.h"
 
 namespace cairnset {
-
-struct SystemCalls;
 
 /// A place as the pair (folder descriptor, path) that the ...at calls take. Almost always that is
 /// the absolute path alone. Where that is longer than the system takes, or the place is for a
@@ -21,9 +23,9 @@ struct SystemCalls;
 class Location {
  public:
   enum class For {
-    kLooking,  // or opening, which follows no link on the way by itself
-    // Any other call that changes something: by the name, in a folder that was opened without
-    // following links. Else a folder that is swapped for a link would lead the change elsewhere.
+    kLooking,  // or for open, which follows no link by itself
+    // Any other call that changes something: by name, in a folder opened without following links.
+    // Otherwise a folder swapped for a link would redirect the change.
     kChanging,
   };
 
@@ -31,8 +33,8 @@ class Location {
   explicit Location(const FSRef& ref, For purpose = For::kLooking);
   /// The place called `volumeName` in a folder; interns nothing.
   Location(const FSRef& folder, std::string_view volumeName, For purpose);
-  /// The place called `volumeName` beside one that is for a change, whose folder serves both and
-  /// must live as long.
+  /// The place called `volumeName` beside one that is for a change. Both use its folder, so it must
+  /// live as long.
   Location(const Location& sibling, std::string_view volumeName);
   /// A place by its folder's absolute path, for any thread.
   Location(const SystemCalls& calls, std::string_view folderPath, std::string_view volumeName,
@@ -41,11 +43,18 @@ class Location {
   Location(const Location&) = delete;
   Location& operator=(const Location&) = delete;
 
-  /// errFSBadFSRef for a reference that was never a place, or what kept the folder from being
-  /// opened; nothing else may be asked then.
+  /// errFSBadFSRef for a reference that was never a place, or why the folder could not be opened.
+  /// Nothing else may be used unless it is noErr.
   OSErr status() const { return _status; }
   int folder() const { return _folder; }
   const char* path() const { return _path; }
+
+  // The system calls of these names.
+  [[nodiscard]] int lstat(struct stat& out) const { return _calls.lstat(_folder, _path, &out); }
+  [[nodiscard]] int open(int flags, mode_t mode) const {
+    return _calls.open(_folder, _path, flags, mode);
+  }
+  int unlink(int flags) const { return _calls.unlink(_folder, _path, flags); }
 
  private:
   void locate(std::string_view folderPath, std::string_view name, For purpose);
@@ -53,28 +62,57 @@ class Location {
 
   const SystemCalls& _calls;
   OSErr _status = noErr;
-  int _folder;
+  int _folder = AT_FDCWD;
   int _descriptor = -1;
   char _path[PATH_MAX];
 };
 
 /// What the volume says of the item itself, links not followed.
-OSErr itemInfo(const FSRef& ref, struct stat& info);
+struct ItemInfo {
+  OSErr result;
+  struct stat info;  // only after noErr
 
-/// noErr where `folder` is a real folder; dirNFErr where it is missing or is anything else, an
-/// alias to a folder included, so that nothing is ever made or looked for behind one.
-OSErr requireFolder(const FSRef& folder);
+  bool isFolder() const { return result == noErr && S_ISDIR(info.st_mode); }
+};
+[[nodiscard]] ItemInfo itemInfo(const FSRef& ref);
+inline bool isOneItem(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
 
 /// The volume name of `name` for an item in `folder`. dirNFErr where that is no real folder,
 /// bdNamErr where it can hold no such name.
-OSErr volumeNameIn(const FSRef& folder, std::size_t length, const UniChar* name,
-                   std::string& volumeName);
+[[nodiscard]] VolumeName volumeNameIn(const FSRef& folder, std::u16string_view name);
 
-/// The result code of a failed call on the item at `ref`, telling a missing item (fnfErr) from a
-/// missing folder (dirNFErr).
-OSErr failureAt(const FSRef& ref, int error);
+/// The result code of a failed call on the item at `ref`. A missing item is fnfErr, a missing
+/// folder dirNFErr; a folder that is a link counts as missing, so that nothing is found behind one.
+[[nodiscard]] OSErr failureAt(const FSRef& ref, int error);
 
-/// Opens the item for one call on its descriptor, which returns -1 and errno where it fails.
-OSErr callOnOpenItem(const FSRef& ref, const std::function<int(int descriptor)>& call);
+// --- Opening; but for callOnOpenItem for any thread ----------------------------------------------
+
+/// A descriptor that is the caller's to close.
+struct Opened {
+  int descriptor = -1;    // -1 where it could not be opened
+  OSErr result = noErr;   // why not: fnfErr, permErr ...
+  std::int64_t size = 0;  // of a file, in bytes
+};
+
+/// Opens a regular file with the permissions (fsRdPerm ...) of a fork; ioErr at once where there is
+/// a FIFO, a socket, a device or a folder. `folder` and `path` as for openat.
+[[nodiscard]] Opened openFile(const SystemCalls& calls, int folder, const char* path,
+                              std::int8_t permissions);
+
+/// Closes it. A close that fails is a write that may be lost.
+[[nodiscard]] OSErr closeFile(const SystemCalls& calls, int descriptor);
+
+/// Opens a folder with the access O_RDONLY or kToFindIn. dirNFErr where it is missing, or a link is
+/// on the way.
+[[nodiscard]] Opened openFolderAt(const SystemCalls& calls, int folder, const char* path,
+                                  int access);
+/// The same, to find things in it, by an absolute path of any length.
+[[nodiscard]] Opened openFolder(const SystemCalls& calls, std::string_view path);
+
+/// Opens the item for one call on its descriptor, which returns -1 and sets errno where it fails.
+[[nodiscard]] OSErr callOnOpenItem(const FSRef& ref,
+                                   const std::function<int(int descriptor)>& call);
 
 }  // namespace cairnset

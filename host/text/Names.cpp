@@ -111,14 +111,13 @@ std::u16string unicodeFromVolumeName(std::string_view volumeName) {
   return name;
 }
 
-OSErr volumeNameFromUnicode(std::u16string_view name, std::string& out) {
+VolumeName volumeNameFromUnicode(std::u16string_view name) {
   constexpr std::size_t kMostBytes = 255;
-  out.clear();
   std::string bytes;
   bool hasEscapes = false;
   for (std::size_t i = 0; i < name.size(); ++i) {
     const char16_t unit = name[i];
-    if (unit == 0 || unit == ':') return bdNamErr;
+    if (unit == 0 || unit == ':') return {bdNamErr, {}};
     if (isHigh(unit) && i + 1 < name.size() && isLow(name[i + 1])) {
       appendUtf8(0x10000 + ((unit - char32_t{0xD800}) << 10) + (name[++i] - char32_t{0xDC00}),
                  bytes);
@@ -126,16 +125,16 @@ OSErr volumeNameFromUnicode(std::u16string_view name, std::string& out) {
       bytes += static_cast<char>(unit - 0xDC00);
       hasEscapes = true;
     } else if (isHigh(unit) || isLow(unit)) {
-      return bdNamErr;
+      return {bdNamErr, {}};
     } else {
       appendUtf8(swapSeparators(unit), bytes);
     }
   }
-  if (bytes.empty() || bytes == "." || bytes == ".." || bytes.size() > kMostBytes) return bdNamErr;
-  // Escaped bytes that are valid UTF-8 when put together would be another name's volume name.
-  if (hasEscapes && unicodeFromVolumeName(bytes) != name) return bdNamErr;
-  out = std::move(bytes);
-  return noErr;
+  if (bytes.empty() || bytes == "." || bytes == ".." || bytes.size() > kMostBytes)
+    return {bdNamErr, {}};
+  // Escaped bytes that together are valid UTF-8 would be the volume name of another name.
+  if (hasEscapes && unicodeFromVolumeName(bytes) != name) return {bdNamErr, {}};
+  return {noErr, std::move(bytes)};
 }
 
 std::string heldNameFromUnicode(std::u16string_view name) {

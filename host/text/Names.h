@@ -19,11 +19,16 @@ namespace cairnset {
 /// The Unicode name of a volume name; always possible. Neither composes nor decomposes.
 std::u16string unicodeFromVolumeName(std::string_view volumeName);
 
-/// The volume name of a Unicode name, written as it is given. Answers bdNamErr, leaving `out`
-/// empty, for a name that no directory entry can have: empty, ".", "..", more than 255 bytes, a NUL
-/// or a ":" (the volume's "/") in it, or a surrogate that stands for no byte. Any other name
-/// is what unicodeFromVolumeName makes of the answer, so the two are exact inverses.
-OSErr volumeNameFromUnicode(std::u16string_view name, std::string& out);
+struct VolumeName {
+  OSErr result;
+  std::string bytes;  // empty unless the result is noErr
+};
+
+/// The volume name of a Unicode name, written as it is given. bdNamErr for a name that no directory
+/// entry can have: empty, ".", "..", more than 255 bytes, a NUL or a ":" (the volume's "/") in it,
+/// or a surrogate that stands for no byte. For any other it is the exact inverse of
+/// unicodeFromVolumeName.
+[[nodiscard]] VolumeName volumeNameFromUnicode(std::u16string_view name);
 
 /// The held name of a volume name, of any length. A base letter with its combining marks becomes
 /// the one Mac Roman character that it composes to, or one "_", so that composed and decomposed

@@ -159,8 +159,9 @@ static std::string sortKey(std::string_view name, std::string key = "") {
   return appendSortKey(name, key), key;
 }
 
-static std::string volumeName(std::u16string_view name, std::string out = "left over") {
-  return volumeNameFromUnicode(name, out) == bdNamErr ? "bdNamErr" + out : out;
+static std::string volumeName(std::u16string_view name) {
+  const auto [result, bytes] = volumeNameFromUnicode(name);
+  return result == bdNamErr ? "bdNamErr" + bytes : bytes;
 }
 
 TEST(NamesTest, ThreeFormsAndNamesThatNoEntryHas) {
