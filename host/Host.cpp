@@ -8,11 +8,6 @@ namespace cairnset {
 
 namespace {
 
-Host& programsOwn() {
-  static Host host;
-  return host;
-}
-
 Host* inUse = nullptr;  // null for the program's own
 
 }  // namespace
@@ -35,7 +30,8 @@ const std::string& Host::folderPath(std::uint32_t folder) {
 }
 
 Host& host() {
-  return inUse != nullptr ? *inUse : programsOwn();
+  static Host programs;
+  return inUse != nullptr ? *inUse : programs;
 }
 
 HostInUse::HostInUse(Host& host) : _before(std::exchange(inUse, &host)) {}

@@ -1,7 +1,5 @@
 #include "host/SystemVersion.h"
 
-#include <bit>
-
 #include "host/Host.h"
 
 namespace cairnset {
@@ -20,10 +18,9 @@ GestaltAnswers& gestaltAnswers() {
 }
 
 OSErr Gestalt(std::uint32_t selector, long* response) {
-  const GestaltAnswers& answers = gestaltAnswers();
   std::optional<long> answer;
-  if (selector == kSystemVersionSelector) answer = answers.systemVersion;
-  if (selector == kMinorVersionSelector) answer = answers.minorVersion;
+  if (selector == kSystemVersionSelector) answer = gestaltAnswers().systemVersion;
+  if (selector == kMinorVersionSelector) answer = gestaltAnswers().minorVersion;
   if (!answer) return paramErr;
   *response = *answer;
   return noErr;
@@ -40,14 +37,6 @@ bool isRunningTiger() {
 const char* getSystemVersionString() {
   long minor = 0;
   return Gestalt(kMinorVersionSelector, &minor) == noErr && minor <= 4 ? "Tiger" : nullptr;
-}
-
-bool isRunningBigEndian() {
-  return std::endian::native == std::endian::big;
-}
-
-bool isRunningWin() {
-  return false;
 }
 
 }  // namespace cairnset

@@ -1,6 +1,7 @@
 // Which system this is. The answers are the same on every host.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <optional>
 
@@ -11,8 +12,7 @@ namespace cairnset {
 inline constexpr std::uint32_t kSystemVersionSelector = 0x73797376;  // 'sysv'
 inline constexpr std::uint32_t kMinorVersionSelector = 0x73797332;   // 'sys2'
 
-/// What Gestalt answers; nothing is a query that fails. The program never changes it: it is there
-/// for tests of what an older system would do.
+/// What Gestalt returns; a query without a value fails. Only tests of older systems change it.
 struct GestaltAnswers {
   std::optional<long> systemVersion = 0x1040;  // major, minor, fix in nibbles
   std::optional<long> minorVersion = 4;
@@ -26,11 +26,13 @@ OSErr Gestalt(std::uint32_t selector, long* response);
 bool isRunningOSX();
 /// Whether it is at least 0x1040; false when the query fails.
 bool isRunningTiger();
-/// "Tiger" up to minor version 4; null for a later one, whose name is not known, and when the query
-/// fails. Meant so.
+/// "Tiger" up to minor version 4; null for later ones and when the query fails. On purpose.
 const char* getSystemVersionString();
-bool isRunningBigEndian();
-/// Always false.
-bool isRunningWin();
+constexpr bool isRunningBigEndian() {
+  return std::endian::native == std::endian::big;
+}
+constexpr bool isRunningWin() {
+  return false;
+}
 
 }  // namespace cairnset

@@ -1,11 +1,11 @@
 // The host's file system, by reference. One set of operations, the same on every POSIX host.
 //
 // Common to all: a result of 0 is success, a negative one is a code of host/ResultCodes.h, and
-// outputs are then left as they were unless the operation says otherwise. An operation that looks
-// for an item answers fnfErr where the folder has none of that name, dirNFErr where the folder
-// itself is missing or is no real folder, errFSBadFSRef for a reference that was never a place.
-// Symbolic links are aliases: no operation but FSPathMakeRef and FSResolveAliasFile follows one.
-// Interrupted and short transfers are completed here. Nothing is thread-safe.
+// outputs are then left as they were unless the operation says otherwise. An operation on an item
+// returns fnfErr where the folder has none of that name, dirNFErr where the folder itself is
+// missing or is no real folder, errFSBadFSRef for a reference that was never a place. Symbolic
+// links are aliases: no operation but FSPathMakeRef and FSResolveAliasFile follows one. Interrupted
+// and short transfers are completed here. Nothing is thread-safe.
 #pragma once
 
 #include <cstddef>
@@ -51,7 +51,7 @@ struct FSCatalogInfo {
   std::uint64_t createDate = 0;
 };
 
-/// Answers the asked-for fields of an existing item. Each output may be null; with `which` none and
+/// Returns the requested fields of an existing item. Each output may be null; with `which` none and
 /// all outputs null it only tests that the item exists. An FSSpec holds at most 63 bytes of name: a
 /// held name that is longer, or from which the item could not be found again, is shortened and ends
 /// in "#" and the node number in hexadecimal, by which FSpMakeFSRef finds it.
@@ -69,14 +69,12 @@ OSErr FSMakeFSRefUnicode(const FSRef* folder, std::size_t length, const UniChar*
 /// noErr where both denote one place, else errFSRefsDifferent. Costs no system call.
 OSErr FSCompareFSRefs(const FSRef* a, const FSRef* b);
 
-/// Whether something is at each place, and not the same. Two hard links are the same, and so is one
-/// entry under two spellings of its name, where the volume takes them for one. Ours; asks the
-/// volume.
+/// True if both exist and are different files. Hard links to one file are the same, and so are two
+/// spellings of one name where the volume ignores the difference.
 bool areTwoItems(const FSRef& a, const FSRef& b);
 
-/// The folder that holds the place and its exact name, as the reference has them: no system call,
-/// and nothing is said of what exists. False, outputs cleared, for an invalid reference or the
-/// root.
+/// The folder that holds the place and its exact name, read off the reference: no system call, and
+/// the item need not exist. False, outputs cleared, for an invalid reference or the root.
 bool placeOf(const FSRef& ref, FSRef* folder, HFSUniStr255* name);
 
 // --- Changing (Changes.cpp) -------------------------------------------------------------------
@@ -87,27 +85,27 @@ OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar
 /// Makes a folder; otherwise as FSCreateFileUnicode.
 OSErr FSCreateDirectoryUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
                                FSRef* ref, FSSpec* fsSpec, std::uint32_t* dirID);
-/// Renames in place and answers the new reference (`newRef` may be null, or `ref` itself). Never
-/// replaces: dupFNErr where the name is taken, save by the item itself: on a volume that ignores
-/// case, or as a second name of the file, where the old one is then just taken away.
+/// Renames in place and returns the new reference (`newRef` may be null, or `ref` itself). Never
+/// replaces: dupFNErr where the name is taken, unless by the item itself: on a volume that ignores
+/// case, or as a second name of the file, in which case the old name is simply removed.
 OSErr FSRenameUnicode(const FSRef* ref, std::size_t length, const UniChar* name,
                       std::uint32_t encodingHint, FSRef* newRef);
 /// Moves into `folder` under the same name; otherwise as FSRenameUnicode. diffVolErr between
 /// volumes.
 OSErr FSMoveObject(const FSRef* ref, const FSRef* folder, FSRef* newRef);
-/// The same, in the place of a file or alias that has the name there. At no moment is neither of
-/// the two to be found by that name.
+/// The same, but replaces a file or alias of that name. At every moment one of the two has the
+/// name.
 OSErr FSMoveObjectReplacing(const FSRef* ref, const FSRef* folder, FSRef* newRef);
 /// Gives a file a second name beside its own, in its folder; FSRenameUnicode to that name then
-/// takes the first one away, so that in between both lead to the file. Never replaces: dupFNErr
-/// where the name is taken, save by the file itself. An error where the volume has no hard links.
+/// removes the first one; in between both names lead to the file. Never replaces: dupFNErr where
+/// the name is taken, unless by the file itself. An error where the volume has no hard links.
 OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name);
 /// Deletes a file, an alias, or an empty folder (fBsyErr where it is not empty).
 OSErr FSDeleteObject(const FSRef* ref);
-/// Waits until the disk has what the file holds, or the names that the folder holds, so that no
-/// loss of power can take it back. noErr too where the volume knows of no such thing.
+/// Waits until the file's contents, or the folder's names, are on the disk, safe from a loss of
+/// power. noErr too where the volume has no such operation.
 OSErr FSFlushObject(const FSRef* ref);
-/// The same for all of the volume that the item is on, also for what others wrote; ioErr where the
+/// The same for the whole volume that the item is on, including what others wrote; ioErr where the
 /// system cannot.
 OSErr FSFlushVolume(const FSRef* ref);
 
@@ -130,16 +128,14 @@ using FSIterator = std::uint32_t;
 
 /// Reads the whole listing of a folder, in the order of host/text/Names.h's sort keys, folders,
 /// files and aliases together; FIFOs, sockets and devices are left out, so that nobody opens one.
-/// Of all iterators only the one listed or asked last keeps its folder's descriptor, for the
-/// opening of its files, and lets it go at its end or when anything is renamed; next to no memory
-/// is left then either. So one that is never closed does no harm. A listing that fails half-way is
-/// an error.
+/// At its end an iterator keeps next to no memory, so one that is never closed does no harm. A
+/// listing that fails half-way is an error.
 OSErr FSOpenIterator(const FSRef* folder, std::uint32_t flags, FSIterator* iterator);
 
-/// Answers up to `maximum` further items. `infos` and `refs` may be null; of the infos only
+/// Returns up to `maximum` further items. `infos` and `refs` may be null; of the infos only
 /// nodeFlags, nodeID and parentDirID can be asked for, and are those of the time of listing: they
-/// cost no system call. errFSNoMoreItems once the end is reached, with `*actual` still counting
-/// what this call answered.
+/// cost no system call. errFSNoMoreItems at the end, with `*actual` still counting the items that
+/// this call returned.
 OSErr FSGetCatalogInfoBulk(FSIterator iterator, std::size_t maximum, std::size_t* actual,
                            FSCatalogInfoBitmap which, FSCatalogInfo* infos, FSRef* refs);
 OSErr FSCloseIterator(FSIterator iterator);
@@ -152,13 +148,11 @@ enum : std::uint16_t { fsAtMark = 0, fsFromStart = 1, fsFromLEOF = 2, fsFromMark
 /// The data fork's name, which is empty; the only fork there is.
 OSErr FSGetDataForkName(HFSUniStr255* name);
 
-/// Opens the data fork of a regular file and answers its fork number, from 1 up. Never waits: a
-/// FIFO, socket, device, folder or alias is refused with ioErr at once. A file that is
-/// open already with the rights asked for shares its descriptor, and what was read through it
-/// last, so that looking at a file's first bytes and then loading it costs one open and one read.
+/// Opens the data fork of a regular file and returns its fork number, from 1 up. Never waits: a
+/// FIFO, socket, device, folder or alias is refused with ioErr at once.
 OSErr FSOpenFork(const FSRef* ref, std::size_t length, const UniChar* forkName,
                  std::int8_t permissions, std::int16_t* fork);
-/// Reads up to `count` bytes; eofErr where there were fewer, with `*actual` telling how many. The
+/// Reads up to `count` bytes; eofErr where there were fewer, with `*actual` set to how many. The
 /// mark moves past what was read. `actual` may be null.
 OSErr FSReadFork(std::int16_t fork, std::uint16_t positionMode, std::int64_t offset,
                  std::size_t count, void* buffer, std::size_t* actual);
@@ -185,7 +179,7 @@ struct VolumeInfo {
   std::uint64_t freeBytes = 0;
 };
 
-/// What is known of the volume; 0 and kVolumeNumber both name it, nsvErr for any other number.
+/// Describes the volume; 0 and kVolumeNumber both name it, nsvErr for any other number.
 OSErr PBXGetVolInfoSync(std::int16_t vRefNum, VolumeInfo* info);
 
 enum FolderDomain : std::int16_t { kOnSystemDisk = -32768, kUserDomain = -32763 };

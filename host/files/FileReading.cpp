@@ -28,20 +28,6 @@ constexpr std::size_t kFewestFiles = 512;        // for fewer, starting a thread
 constexpr unsigned kMostThreads = 16;            // more gain nothing, also where all is waiting
 constexpr unsigned kDescriptorsAThread = 2;
 
-OSErr readBytes(const SystemCalls& calls, int descriptor, std::int64_t size, char* buffer,
-                std::size_t& got) {
-  while (got < FileStart::kMost) {
-    const ssize_t n =
-        calls.pread(descriptor, buffer + got, FileStart::kMost - got, static_cast<off_t>(got));
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return resultFromErrno(errno);
-    got += static_cast<std::size_t>(n);
-    // What came to the end that the open saw needs no second read to prove it.
-    if (n == 0 || static_cast<std::int64_t>(got) == size) break;
-  }
-  return noErr;
-}
-
 FileStart readFile(const SystemCalls& calls, int folder, const char* path, std::int8_t permissions,
                    char* buffer) {
   FileStart start;
@@ -49,15 +35,23 @@ FileStart readFile(const SystemCalls& calls, int folder, const char* path, std::
   start.opened = file.result;
   if (start.opened != noErr) return start;
   std::size_t got = 0;
-  start.read = readBytes(calls, file.descriptor, file.size, buffer, got);
+  while (got < FileStart::kMost) {
+    const ssize_t n =
+        calls.pread(file.descriptor, buffer + got, FileStart::kMost - got, static_cast<off_t>(got));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) start.read = resultFromErrno(errno);
+    if (n > 0) got += static_cast<std::size_t>(n);
+    // At the size that fstat returned, no second read is needed to find the end.
+    if (n <= 0 || static_cast<std::int64_t>(got) == file.size) break;
+  }
   if (start.read == noErr) start.bytes = {buffer, got};
   start.size = got < FileStart::kMost ? static_cast<std::int64_t>(got) : file.size;
   start.closed = closeFile(calls, file.descriptor);
   return start;
 }
 
-// How often this thread has given its processor up to wait for something, where the system tells;
-// elsewhere there is never more than a thread for each processor.
+// How often this thread has waited, by its voluntary context switches. 0 where the system does not
+// report them: there is then at most one thread for each processor.
 long waits() {
 #if defined(RUSAGE_THREAD)
   struct rusage usage;
@@ -77,7 +71,7 @@ unsigned processors() {
   return std::max(std::thread::hardware_concurrency(), 1u);
 }
 
-// How many threads may share one table of descriptors and leave room for everybody else.
+// How many threads may share one descriptor table and leave enough descriptors for other uses.
 unsigned mostSharing() {
   struct rlimit limit;
   if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return 0;
@@ -98,7 +92,7 @@ FileStart readFileStart(const FSRef& file, std::int8_t permissions, char* buffer
 
 // --- Many files ----------------------------------------------------------------------------------
 
-// Files that are read in a row, with all that is needed to do so.
+// Files that one thread reads one after the other, with all that it needs.
 struct FileReading::Batch {
   struct File {
     FSRef ref;
@@ -126,7 +120,7 @@ struct FileReading::Batch {
     isTaken = isRead = false;
   }
 
-  // Works by names, since the table of nodes belongs to the thread that adds files to it.
+  // Uses names only: the node table belongs to the thread that adds files.
   void read(const SystemCalls& calls) noexcept {
     char* buffer = bytes.get();
     int folder = -1;
@@ -136,7 +130,7 @@ struct FileReading::Batch {
       const char* const name = names.data() + file.name;
       const bool isFirst = i == 0 || files[i - 1].folder != file.folder;
       const bool isLast = i + 1 == files.size() || files[i + 1].folder != file.folder;
-      // For one file alone, to walk its path costs less than to open the folder.
+      // For a single file, opening by its path costs less than opening the folder.
       if (isFirst && !isLast) folder = openFolder(calls, path).descriptor;
       if (folder >= 0) {
         file.start = readFile(calls, folder, name, fsRdWrPerm, buffer);
@@ -159,7 +153,7 @@ struct FileReading::Batch {
   }
 };
 
-// The threads, and the batches that wait for them.
+// The threads, and the batches waiting for them.
 class FileReading::Readers {
  public:
   ~Readers() {
@@ -174,11 +168,11 @@ class FileReading::Readers {
 
   bool haveThreads() const { return !_threads.empty(); }
 
-  /// Starts a thread if there are to be more than there are.
+  /// Starts another thread if more are wanted.
   void startThread() {
     const std::optional<unsigned>& forced = host().readers;
     if (_isRefused || _threads.size() >= (forced ? *forced : _wanted.load())) return;
-    // Signals are for the thread that the program runs in, which may be holding them back.
+    // Signals are for the main thread, which may be blocking them.
     sigset_t all, before;
     sigfillset(&all);
     ::pthread_sigmask(SIG_SETMASK, &all, &before);
@@ -198,7 +192,7 @@ class FileReading::Readers {
     _work.notify_one();
   }
 
-  /// Returns once the batch is read. As long as another thread is at it, there is work here too.
+  /// Returns once the batch is read. While another thread reads it, this one reads others.
   void finish(Batch& batch) {
     std::unique_lock lock(_mutex);
     if (!batch.isTaken && !batch.isRead) {
@@ -216,7 +210,7 @@ class FileReading::Readers {
   }
 
  private:
-  // Two threads that open and close files in one table of descriptors wait for each other.
+  // Threads that open and close files in one descriptor table contend for it.
   void run() noexcept {
     const bool isSharing = _calls.ownDescriptors() != 0;
     std::unique_lock lock(_mutex);
@@ -239,7 +233,7 @@ class FileReading::Readers {
     batch.isRead = true;
   }
 
-  // One thread for each processor does, as long as they need not wait for the files.
+  // One thread for each processor is enough unless they wait for the files.
   void read(Batch& batch) noexcept {
     const long before = waits();
     batch.read(_calls);
@@ -290,7 +284,7 @@ FileStart FileReading::next() {
     _readers->finish(batch);
   }
   const Batch::File& file = batch.files[_handed_over++];
-  // Too many files open at a time is nothing that the library should be told of.
+  // The threads themselves may have used up the descriptors: try once more, alone.
   if (file.start.opened == tmfoErr && _readers->haveThreads()) {
     return readFileStart(file.ref, fsRdWrPerm, _buffer);
   }

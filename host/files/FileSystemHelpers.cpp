@@ -17,8 +17,11 @@ namespace cairnset {
 
 namespace {
 
-OSErr catalogInfo(const FSRef& ref, FSCatalogInfoBitmap which, FSCatalogInfo& info) {
-  return FSGetCatalogInfo(&ref, which, &info, nullptr, nullptr, nullptr);
+// All zeros on failure.
+FSCatalogInfo catalogInfo(const FSRef* ref, FSCatalogInfoBitmap which) {
+  FSCatalogInfo info;
+  (void)FSGetCatalogInfo(ref, which, &info, nullptr, nullptr, nullptr);
+  return info;
 }
 
 OSErr refWithName(FSRef& ref, const HFSUniStr255& name) {
@@ -108,9 +111,7 @@ OSErr getParent(FSSpec& parent, const FSSpec& item) {
 }
 
 bool isFolder(const FSRef* ref) {
-  FSCatalogInfo info;
-  return catalogInfo(*ref, kFSCatInfoNodeFlags, info) == noErr &&
-         (info.nodeFlags & kFSNodeIsDirectoryMask) != 0;
+  return (catalogInfo(ref, kFSCatInfoNodeFlags).nodeFlags & kFSNodeIsDirectoryMask) != 0;
 }
 
 bool isAlias(const FSRef* ref) {
@@ -124,16 +125,11 @@ bool isRegularFile(const FSRef* ref) {
 }
 
 std::uint32_t getNode(const FSRef* ref) {
-  FSCatalogInfo info;
-  return catalogInfo(*ref, kFSCatInfoNodeID, info) == noErr ? info.nodeID : 0;
+  return catalogInfo(ref, kFSCatInfoNodeID).nodeID;
 }
 
 std::uint32_t getFolderNode(const FSRef* ref) {
-  FSCatalogInfo info;
-  return catalogInfo(*ref, kFSCatInfoNodeFlags | kFSCatInfoNodeID, info) == noErr &&
-                 (info.nodeFlags & kFSNodeIsDirectoryMask) != 0
-             ? info.nodeID
-             : 0;
+  return isFolder(ref) ? ref->node : 0;
 }
 
 bool isSameFile(const FSRef* a, const FSRef* b) {
@@ -149,8 +145,7 @@ bool isSameFolder(const FSRef* a, const FSRef* b) {
 }
 
 std::uint64_t getCreationDate(const FSRef* ref) {
-  FSCatalogInfo info;
-  return catalogInfo(*ref, kFSCatInfoCreateDate, info) == noErr ? info.createDate : 0;
+  return catalogInfo(ref, kFSCatInfoCreateDate).createDate;
 }
 
 OSErr setCreationDate(const FSRef* ref, unsigned long long date) {

@@ -4,7 +4,7 @@
 //   file    = seconds minutes hours day month year weekday yearday dst offset unused   44 bytes
 //   seconds ... dst   9 signed 32-bit integers: month from 0, year since 1900, weekday from Sunday
 //                     = 0, yearday from 0, dst > 0 in daylight-saving time
-//   offset  = signed 32-bit seconds east of UTC; written, and not needed to read the time
+//   offset  = signed 32-bit seconds east of UTC; written, but not needed to read the time
 //   unused  = 4 bytes without a meaning; written as 0
 #pragma once
 
@@ -19,7 +19,7 @@ using TimeoutBytes = std::array<unsigned char, 44>;
 TimeoutBytes encodeTimeout(std::time_t time);
 
 /// What mktime makes of the bytes: fields out of range carry over, and -1 is a time that cannot be
-/// told. Any bytes will do.
+/// represented. Any bytes will do.
 std::time_t decodeTimeout(const TimeoutBytes& bytes);
 
 }  // namespace cairnset

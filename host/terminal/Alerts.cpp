@@ -26,8 +26,8 @@ constexpr std::size_t kMostDetail = 1023;
 constexpr std::size_t kMostName = 1024;
 constexpr std::size_t kSpecNameSize = sizeof(FSSpec::name);
 
-// ISO C promises that a conversion prints up to 4095 characters. None prints more here: a name that
-// happens to look like a wider one must not take all memory.
+// The most that ISO C guarantees for a conversion. Here it is the limit: a name that happens to
+// look like a wider one must not take all memory.
 constexpr std::size_t kMostWidth = 4095;
 
 // A conversion of printf that prints a text: "%", perhaps "1$", flags, a width, a precision, "s".
@@ -49,27 +49,25 @@ std::size_t takeNumber(std::string_view& text) {
 TextConversion conversionAtStart(std::string_view format) {
   TextConversion found;
   std::string_view rest = format;
-  if (!rest.starts_with('%')) return {};
-  rest.remove_prefix(1);
-  found.isNumbered = rest.starts_with("1$");
-  if (found.isNumbered) rest.remove_prefix(2);
-  const std::size_t flags = std::min(rest.find_first_not_of("-+ #0'"), rest.size());
-  found.isLeftAligned = rest.substr(0, flags).find('-') != std::string_view::npos;
-  rest.remove_prefix(flags);
+  const auto take = [&rest](std::string_view text) {
+    const bool isThere = rest.starts_with(text);
+    if (isThere) rest.remove_prefix(text.size());
+    return isThere;
+  };
+  if (!take("%")) return {};
+  found.isNumbered = take("1$");
+  for (; rest.find_first_of("-+ #0'") == 0; rest.remove_prefix(1))
+    found.isLeftAligned = found.isLeftAligned || rest.front() == '-';
   found.width = takeNumber(rest);
-  if (rest.starts_with('.')) {
-    rest.remove_prefix(1);
-    found.precision = takeNumber(rest);
-    if (found.precision > kMostWidth) found.precision = std::string::npos;
-  }
-  if (!rest.starts_with('s') || found.width > kMostWidth) return {};
-  found.length = format.size() - rest.size() + 1;
+  if (take(".")) found.precision = takeNumber(rest);
+  if (found.precision > kMostWidth) found.precision = std::string::npos;
+  if (!take("s") || found.width > kMostWidth) return {};
+  found.length = format.size() - rest.size();
   return found;
 }
 
-// What printf would print for a format with one text as its argument, or none where that is null.
-// Texts hold names, and names hold any "%": what printf would look up in arguments that were never
-// passed is left in the text instead.
+// What printf prints for a format with one text as its argument, or none where that is null. Names
+// in texts may hold any "%": a conversion for which no argument was passed stays in the text.
 std::string formatted(std::string_view format, const char* argument) {
   std::string out;
   bool isUsed = false;  // by a conversion without a number; the next of them has no argument
@@ -81,10 +79,9 @@ std::string formatted(std::string_view format, const char* argument) {
       taken = 2;
     } else if (argument != nullptr && conversion.length > 0 && (conversion.isNumbered || !isUsed)) {
       const std::string_view shown = std::string_view(argument).substr(0, conversion.precision);
-      const std::string blanks(conversion.width - std::min(conversion.width, shown.size()), ' ');
-      if (!conversion.isLeftAligned) out += blanks;
-      out += shown;
-      if (conversion.isLeftAligned) out += blanks;
+      const std::size_t blanks = conversion.width - std::min(conversion.width, shown.size());
+      out.append(conversion.isLeftAligned ? 0 : blanks, ' ').append(shown);
+      out.append(conversion.isLeftAligned ? blanks : 0, ' ');
       isUsed = isUsed || !conversion.isNumbered;
       taken = conversion.length;
     } else {
@@ -100,8 +97,8 @@ void writeLine(std::ostream& os, std::string_view text) {
   os << '\n' << std::flush;
 }
 
-// One line whatever the text holds: the carriage return before a source place, and those in names,
-// would send what follows over the line's beginning on a terminal.
+// Always one line: on a terminal the carriage return before a source place, or one in a name, would
+// make what follows overwrite the start of the line.
 void writeAlertLine(std::string text) {
   std::replace(text.begin(), text.end(), '\r', ' ');
   std::replace(text.begin(), text.end(), '\n', ' ');
@@ -169,8 +166,8 @@ void displayFileManagerErrorWhileOpening(long code, const FSSpec* fsSpec, const 
   displayFileManagerErrorWhileOpening(code, name, sourceFile, line);
 }
 
-// Not by way of the catalogue: it has no FSSpec for an item that is missing, which is what
-// most of these messages are about, and gives a name with accents a number that nobody knows.
+// Not through the catalogue: it has no FSSpec for a missing item, which is what most of these
+// messages are about, and replaces the end of a name with accents by a number.
 void displayFileManagerErrorWhileOpening(long code, const FSRef* ref, const char* sourceFile,
                                          int line) {
   char name[kSpecNameSize] = "?";
