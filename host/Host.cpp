@@ -30,8 +30,9 @@ const std::string& Host::folderPath(std::uint32_t folder) {
 }
 
 Host& host() {
+  if (inUse != nullptr) return *inUse;
   static Host programs;
-  return inUse != nullptr ? *inUse : programs;
+  return programs;
 }
 
 HostInUse::HostInUse(Host& host) : _before(std::exchange(inUse, &host)) {}

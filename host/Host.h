@@ -1,8 +1,7 @@
 // The host, as one object: all that the host layer knows from one call to the next.
 //
-// The functions of host/files/FileManager.h work on the host in use, which is one for the whole
-// program. A test makes a host of its own, whose files, listings and system calls are nobody
-// else's. For the host layer and its tests only.
+// The functions of host/files/FileManager.h work on the host in use, one for the whole program. A
+// test makes a host of its own, which shares no state. For the host layer and its tests only.
 #pragma once
 
 #include <cstdint>
@@ -40,8 +39,8 @@ struct Host {
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 
-  /// The absolute path of a folder that is a node; valid until the next call. The last one is kept:
-  /// the files of a folder ask for it one after the other.
+  /// The absolute path of a folder that is a node; valid until the next call. The last one is
+  /// cached, since the files of a folder come one after the other.
   const std::string& folderPath(std::uint32_t folder);
 
   SystemCalls calls;
@@ -49,7 +48,7 @@ struct Host {
   std::vector<Fork> forks;                        // by fork number - 1
   std::map<std::uint32_t, OpenListing> listings;  // by iterator
   std::uint32_t lastIterator = 0;
-  /// How many threads read files ahead, whatever there is to read; nothing lets the work decide.
+  /// How many threads read files ahead, however few files; without a value the work decides.
   std::optional<unsigned> readers = kReaders;
   GestaltAnswers gestalt;
   ChooserStreams choosers;

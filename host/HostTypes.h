@@ -1,4 +1,4 @@
-// The value types in which the host is spoken of: result codes, file references, names.
+// The value types of the host layer: result codes, file references, names.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@ namespace cairnset {
 
 /// A result code as most calls give it: 0 for success, negative for a failure (host/ResultCodes.h).
 using OSErr = std::int16_t;
-/// A result code where 32 bits are handed on.
+/// A result code of 32 bits.
 using OSStatus = std::int32_t;
 
 /// A Pascal string: a length byte, then up to 255 characters; no terminator.
@@ -15,8 +15,8 @@ using Str255 = unsigned char[256];
 
 using UniChar = char16_t;
 
-/// A file name: up to 255 UTF-16 units. It stands for the exact bytes of the name on the volume
-/// (host/text/Names.h), so that two files are never mistaken for one another.
+/// A file name: up to 255 UTF-16 units, which identify the exact bytes of the name on the volume
+/// (host/text/Names.h), so that two files are never confused.
 struct HFSUniStr255 {
   std::uint16_t length = 0;
   UniChar unicode[255] = {};
@@ -24,7 +24,7 @@ struct HFSUniStr255 {
 
 /// A reference to one place on the volume: the number of an interned (folder, name) pair, see
 /// host/files/NodeTable.h. 0 is no place, so a zeroed reference is invalid. It holds no descriptor
-/// and costs nothing to copy; whether anything is at the place is known only by asking.
+/// and costs nothing to copy. Whether anything is at the place, only the volume knows.
 struct FSRef {
   std::uint32_t node = 0;
   friend bool operator==(const FSRef&, const FSRef&) = default;

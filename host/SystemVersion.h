@@ -1,4 +1,4 @@
-// Which system this is. The answers are the same on every host.
+// Which system this is; the same on every host.
 #pragma once
 
 #include <bit>

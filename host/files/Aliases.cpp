@@ -12,17 +12,20 @@ namespace cairnset {
 
 namespace {
 
-// The link's target as it is stored.
-OSErr readAlias(const FSRef& ref, std::string& target) {
+struct AliasTarget {
+  OSErr result;
+  std::string path = {};  // as it is stored in the link
+};
+
+AliasTarget readAlias(const FSRef& ref) {
   const Location place(ref);
-  if (place.status() != noErr) return place.status();
+  if (place.status() != noErr) return {place.status()};
   char buffer[PATH_MAX];
   const ssize_t n = host().calls.readlink(place.folder(), place.path(), buffer, sizeof buffer);
-  if (n < 0) return failureAt(ref, errno);
-  if (n == 0) return fnfErr;  // some systems let a link be empty; it points to nothing
-  if (static_cast<std::size_t>(n) == sizeof buffer) return bdNamErr;
-  target.assign(buffer, static_cast<std::size_t>(n));
-  return noErr;
+  if (n < 0) return {failureAt(ref, errno)};
+  if (n == 0) return {fnfErr};  // some systems allow an empty link; it points to nothing
+  if (static_cast<std::size_t>(n) == sizeof buffer) return {bdNamErr};
+  return {noErr, {buffer, static_cast<std::size_t>(n)}};
 }
 
 }  // namespace
@@ -44,9 +47,8 @@ OSErr FSResolveAliasFile(FSRef* ref, bool resolveChains, bool* targetIsFolder, b
   if (isAlias && resolveChains) {
     result = FSPathMakeRef(nodes().path(ref->node).c_str(), &found, &isFolder);
   } else if (isAlias) {
-    std::string target;
-    result = readAlias(*ref, target);
-    if (result != noErr) return result;
+    auto [read, target] = readAlias(*ref);
+    if (read != noErr) return read;
     if (target.front() != '/') target = nodes().path(nodes().folder(ref->node)) + "/" + target;
     while (target.size() > 1 && target.back() == '/')
       target.pop_back();

@@ -1,7 +1,7 @@
-// Short questions about files and folders, as the preset library and the preferences ask them.
+// Short queries about files and folders, for the preset library and the preferences.
 //
-// Functions that answer a result code pass on the File Manager's (host/files/FileManager.h); those
-// that answer a flag, a number or a name give false, 0 or an empty name on any failure.
+// Result codes are those of the File Manager (host/files/FileManager.h). Functions that return a
+// flag, a number or a name return false, 0 or an empty name on any failure.
 #pragma once
 
 #include <cstddef>
@@ -21,19 +21,19 @@ OSErr convertFSRefToPath(const FSRef* ref, char* path, long size);
 OSErr convertFSSpecToPath(const FSSpec* fsSpec, char* path, long size);
 /// noErr (0, not true) where an item exists at the reference.
 OSErr FSRefIsValid(const FSRef& ref);
-/// Always false, whatever the reference. Meant so: nobody may rely on it to find a file.
+/// Always false, on purpose: nobody may rely on it to find a file.
 bool fileExists(const FSRef* ref);
 
 // --- Names -----------------------------------------------------------------------------------
 
 /// The held name of a place, cut to `size` bytes (1 or more), NUL included. It is read off the
-/// reference: no system call, and nothing is said of what exists.
+/// reference: no system call, and the item need not exist.
 void getPlaceName(const FSRef& ref, char* name, std::size_t size);
 /// The same of an item that exists.
 void getCFilename(const FSRef& ref, char* name, unsigned long size);
 OSErr getPFilename(const FSRef& ref, unsigned char* name);
-/// Renames nothing: makes `ref` the reference of the existing item `name` in the folder that the
-/// item at `ref` lies in. At most 64 UTF-16 units of the name count.
+/// Renames nothing: makes `ref` the reference of the existing item `name` in the same folder. At
+/// most 64 UTF-16 units of the name count.
 OSErr setCFilename(FSRef& ref, const char* name);
 OSErr setPFilename(FSRef& ref, const unsigned char* name);
 
@@ -44,13 +44,13 @@ OSErr getParent(FSSpec& parent, const FSSpec& item);
 bool isFolder(const FSRef* ref);
 bool isAlias(const FSRef* ref);
 /// Whether something is there that can have a data fork: no folder, alias, FIFO, socket or device.
-/// Nothing is opened to find out.
+/// Opens nothing.
 bool isRegularFile(const FSRef* ref);
 std::uint32_t getNode(const FSRef* ref);
 /// The node number of a folder; 0 for anything else.
 std::uint32_t getFolderNode(const FSRef* ref);
 bool isSameFile(const FSRef* a, const FSRef* b);
-/// Whether two items lie in one folder, a folder standing for itself.
+/// Whether two items are in one folder, where a folder counts as being in itself.
 bool isSameFolder(const FSRef* a, const FSRef* b);
 /// Seconds since 1904-01-01 UTC in the upper 48 bits, 65536ths in the lower 16; 0 on failure.
 std::uint64_t getCreationDate(const FSRef* ref);

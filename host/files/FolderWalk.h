@@ -27,14 +27,14 @@ struct FolderListing {
 [[nodiscard]] FolderListing listFolder(const FSRef& folder);
 
 /// Goes through a folder and all below it in load order: each folder's items in the order of its
-/// listing, and what lies in a folder right after the folder itself. A folder is listed when the
+/// listing, and what is in a folder right after the folder itself. A folder is listed when the
 /// walk reaches it; nothing is kept open. No recursion: folders may be nested thousands deep.
 class FolderWalk {
  public:
   struct Item {
     FSRef ref;
     bool isFolder;
-    std::size_t depth;     // how many folders below the top it lies in
+    std::size_t depth;     // how many folders below the top it is
     OSErr listed = noErr;  // of a folder: how its listing went; its items come only after noErr
   };
 

@@ -9,12 +9,13 @@
 namespace cairnset {
 
 Location::Location(const FSRef& ref, For purpose) : _calls(host().calls) {
-  if (!nodes().contains(ref.node)) {
+  const NodeTable& table = nodes();
+  if (!table.contains(ref.node)) {
     _status = errFSBadFSRef;
   } else if (ref.node == NodeTable::kRoot) {
     std::strcpy(_path, "/");
   } else {
-    locate(host().folderPath(nodes().folder(ref.node)), nodes().name(ref.node), purpose);
+    locate(host().folderPath(table.folder(ref.node)), table.name(ref.node), purpose);
   }
 }
 

@@ -1,9 +1,9 @@
-// Every place that the program has spoken of, numbered.
+// Every place that the program has named, numbered.
 //
 // A node is an interned (folder node, name) pair: the same pair always has the same number, two
 // pairs never share one, and a number is never given back. So a file reference is 4 bytes, is
-// copied and compared without a system call, and cannot go stale as an inode number can. What lies
-// at a place, if anything, is not known here.
+// copied and compared without a system call, and cannot go stale as an inode number can. Whether
+// anything exists at a place is not known here.
 #pragma once
 
 #include <cstdint>

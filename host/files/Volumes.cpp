@@ -17,7 +17,7 @@ namespace {
 
 std::string preferencesPath() {
 #if !defined(__APPLE__)
-  // A relative value is to be ignored, as the convention for this variable has it.
+  // By convention a relative value of this variable is ignored.
   if (const char* config = std::getenv("XDG_CONFIG_HOME"); config != nullptr && config[0] == '/') {
     return config;
   }
@@ -35,8 +35,8 @@ std::string preferencesPath() {
 #endif
 }
 
-// Makes the folder and those above it. What stops it is told by the first failure, but counts only
-// if the folder is not there in the end: a folder that exists can refuse to be made in many ways.
+// Makes the folder and those above it. Returns the first failure, which counts only if the folder
+// is missing in the end: making one that exists can fail in many ways.
 OSErr makeFolders(const std::string& path) {
   OSErr result = noErr;
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {

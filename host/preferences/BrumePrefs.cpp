@@ -19,8 +19,8 @@ constexpr const char* kItemsName = "Olvan Items";
 constexpr const char* kTimeoutName = "Timeout";
 constexpr std::string_view kKeymapsName = "BrumeKeymaps.txt";
 
-// An item that is missing from a folder which is there has its own code on this host; on the
-// instrument's, some calls answer the other for both.
+// This host tells a missing item from a missing folder; some calls of the instrument's return
+// dirNFErr for both.
 bool isMissing(OSErr result) {
   return result == fnfErr || result == dirNFErr;
 }
@@ -36,6 +36,11 @@ OSErr findItem(const FSRef& folder, const char* name, FSRef& item) {
   return FSMakeFSRefUnicode(&folder, unicode.length, unicode.unicode, kTextEncodingUnknown, &item);
 }
 
+OSErr createFile(const FSRef& folder, const char* name, FSRef* file) {
+  const HFSUniStr255 unicode = hostName(name);
+  return FSCreateFileUnicode(&folder, unicode.length, unicode.unicode, file, nullptr);
+}
+
 OSErr openDataFork(const FSRef& file, std::int8_t permissions, std::int16_t& fork) {
   HFSUniStr255 name;
   FSGetDataForkName(&name);
@@ -45,7 +50,7 @@ OSErr openDataFork(const FSRef& file, std::int8_t permissions, std::int16_t& for
 OSErr userPreferencesFolder(FSRef& folder) {
   const OSErr result = getPrefsFSRef(&folder);
   if (!isMissing(result)) return result;
-  // A new account has no such folder before the first program makes it, and that may be this one.
+  // In a new account the folder is missing until a program makes it, perhaps this one.
   short volume = 0;
   long directory = 0;
   const OSErr made = getPrefsVolRefNumAndDirID(&volume, &directory);
@@ -164,8 +169,7 @@ void BrumePrefs::readLastRunTime() {
   FSRef file;
   OSErr result = findItem(_prefs_ref, kTimeoutName, file);
   if (result == fnfErr) {
-    const HFSUniStr255 name = hostName(kTimeoutName);
-    FSCreateFileUnicode(&_prefs_ref, name.length, name.unicode, nullptr, nullptr);
+    createFile(_prefs_ref, kTimeoutName, nullptr);
     _last_run_time = 0;
   }
   std::int16_t fork = 0;
@@ -182,10 +186,7 @@ void BrumePrefs::resetLastRunTime() {
   _last_run_time = std::time(nullptr);
   FSRef file;
   OSErr result = findItem(_prefs_ref, kTimeoutName, file);
-  if (result == fnfErr) {
-    const HFSUniStr255 name = hostName(kTimeoutName);
-    result = FSCreateFileUnicode(&_prefs_ref, name.length, name.unicode, &file, nullptr);
-  }
+  if (result == fnfErr) result = createFile(_prefs_ref, kTimeoutName, &file);
   std::int16_t fork = 0;
   if (result != noErr || openDataFork(file, fsRdWrPerm, fork) != noErr) return;
   const TimeoutBytes bytes = encodeTimeout(_last_run_time);

@@ -1,4 +1,4 @@
-// The instrument's preferences, as far as they tell where the preset library lies.
+// The instrument's preferences, as far as they say where the preset library is.
 //
 // In the user's preferences folder (host/files/FileSystemHelpers.h) the instrument keeps a folder
 // "Olvan Preferences", and in it
@@ -7,8 +7,8 @@
 //                 of that name is the library itself
 //   Timeout       when the instrument last ran (host/preferences/TimeoutFile.h)
 //
-// Nothing else is ever written. Whatever keeps the library from being found is told to the user
-// through host/terminal/Alerts.h, and leaves the object uninitialised.
+// Nothing else is ever written. When the library cannot be found, an alert (host/terminal/Alerts.h)
+// says why, and the object stays uninitialised.
 #pragma once
 
 #include <cstddef>
@@ -49,9 +49,9 @@ class BrumePrefs {
   /// is the path of the alias: it is the next initPrefs of a new object that follows it.
   OSErr userSelectNewItemsPath();
 
-  /// Asks for a file "BrumeKeymaps.txt". One that is chosen is opened once, with whatever result,
-  /// and makes the object initialised, although no library was looked for: getItemsFSRef may then
-  /// answer an invalid reference. Meant so.
+  /// Asks for a file "BrumeKeymaps.txt". A chosen file is opened once, and the object is then
+  /// initialised, also where opening failed and although no library was looked for: getItemsFSRef
+  /// may then return an invalid reference. On purpose.
   void askForBrumeKeymapsTxtLocation();
 
   /// Not implemented; an alert says so.
@@ -60,13 +60,13 @@ class BrumePrefs {
 
   // The last run. Only an initialised object touches the file, whose errors are ignored.
 
-  /// Takes the time from "Timeout". A file that is missing is made, empty, and says 0, and so does
-  /// one of fewer than 44 bytes; one that cannot be read says nothing.
+  /// Takes the time from "Timeout". A missing file is made, empty, and is 0, as is one of fewer
+  /// than 44 bytes; one that cannot be read leaves the time as it is.
   void readLastRunTime();
   /// Makes the time now, and writes it.
   void resetLastRunTime();
-  /// Seconds modulo 2^32, so that a last run 5 seconds ahead of the clock answers 2^32 - 5.
-  /// Differences beyond what that tells apart are taken for the nearest of -2^31 and 2^32 - 1.
+  /// Seconds modulo 2^32, so that a last run 5 seconds ahead of the clock returns 2^32 - 5.
+  /// Differences are clamped to -2^31 and 2^32 - 1 first.
   unsigned long getSecondsSinceLastRun() const;
 
   /// Shows visible folders and files named exactly "BrumeKeymaps.txt", and all there is outside the

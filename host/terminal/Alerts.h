@@ -10,7 +10,7 @@
 
 namespace cairnset {
 
-// Of these the host has no more than a name: they are stored or passed on, never looked into.
+// Opaque on this host: they are stored or passed on only.
 struct Dialog;
 struct EventRecord;
 struct TextEdit;
@@ -24,7 +24,7 @@ using TEHandle = TextEdit**;
 /// For standard output `text` is a format, as it always was: its first "%s" and every "%1$s" become
 /// the detail (an empty text where there is none), each with flags, a width of at most 4095 and a
 /// precision, as printf has them, and "%%" becomes "%". The detail is a format without arguments.
-/// Every other "%" is printed as it stands. Alerts show both texts as they are, with a blank for
+/// Every other "%" is printed unchanged. Alerts show both texts as they are, with a blank for
 /// each line break.
 void displayErrorStrings(const char* text, const char* detail, void* unused = nullptr);
 
@@ -54,7 +54,7 @@ void displayFileManagerErrorWhileOpening(long code, const FSRef* ref,
 
 void displayCantInstantiateError();
 void displayOutOfMemoryError();
-/// Spelt so by its callers.
+/// Misspelt on purpose: its callers use this name.
 void displayUnkownError();
 
 // --- Switches; none can be set back --------------------------------------------------------------
@@ -66,7 +66,7 @@ void disablePIAlertWindows();
 /// A field for messages; it is stored, and nothing is written to it.
 void setPIAlertTEHandle(TEHandle handle);
 
-/// An alert's event filter: remembers the dialog and answers false, which leaves every event to the
+/// An alert's event filter: remembers the dialog and returns false, which leaves every event to the
 /// alert.
 bool modalFilterProc(DialogRef dialog, EventRecord* event, short* item);
 

@@ -75,7 +75,7 @@ std::string pathFromAnswer(std::string_view answer) {
   return path;
 }
 
-// Asks until `accepts` takes the item at the answered path.
+// Asks until `accepts` returns true for the item at the given path.
 template <typename Accepts>
 bool choose(const char* message, const char* prompt, const char* complaint, FSRef* choice,
             Accepts accepts) {

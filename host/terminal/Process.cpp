@@ -12,17 +12,7 @@ namespace cairnset {
 
 namespace {
 
-constexpr int kHeld[] = {SIGINT, SIGTERM, SIGHUP};
-
-sigset_t heldSet() {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : kHeld)
-    sigaddset(&set, signal);
-  return set;
-}
-
-// How many HeldSignals live: the outermost alone lets signals through again.
+// How many HeldSignals live: only the outermost unblocks the signals.
 int holders = 0;
 sigset_t maskBefore;
 
@@ -30,7 +20,7 @@ sigset_t maskBefore;
 
 void prepareProcess() {
   for (int descriptor = 0; descriptor <= 2; ++descriptor) {
-    // The lowest free number is given out, which is this one, as all below it are taken.
+    // open returns the lowest free number: this one, since all below it are taken.
     if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
   }
   ::signal(SIGPIPE, SIG_DFL);
@@ -66,7 +56,10 @@ void restartOptions() {
 
 HeldSignals::HeldSignals(std::ostream* report) : _report(report) {
   if (holders++ > 0) return;
-  const sigset_t held = heldSet();
+  sigset_t held;
+  sigemptyset(&held);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    sigaddset(&held, signal);
   ::sigprocmask(SIG_BLOCK, &held, &maskBefore);
 }
 

@@ -5,24 +5,24 @@
 
 namespace cairnset {
 
-/// To be called first. Descriptors 0 to 2 that are closed are opened on nothing, so that no preset
-/// file is ever given one of their numbers and a report written into it; writing to them still
-/// fails. A reader that goes away ends the process quietly, whatever the parent had asked for. A
-/// limit on the size of files makes a write fail instead of ending the process half-way.
+/// Call this first. Opens /dev/null on those of descriptors 0 to 2 that are closed, so that no
+/// preset file gets one of these numbers and a report written into it; writing to them still fails.
+/// A reader that goes away ends the process quietly, also where the parent ignores SIGPIPE. A limit
+/// on file size makes a write fail instead of ending the process half-way.
 void prepareProcess();
 
 /// The next option letter, as the system's getopt finds it; -1 at the end, '?' for one that is not
-/// in `options`, of which standard error is told: in the same words everywhere, and by way of
-/// std::cerr, as getopt itself would send any byte to a terminal.
+/// in `options`. The complaint goes through std::cerr, in the same words everywhere; getopt itself
+/// would send any byte to a terminal.
 int nextOption(int argc, char** argv, const char* options);
 /// The argument of the option that was found last.
 const char* optionArgument();
 /// Starts over, for another set of arguments.
 void restartOptions();
 
-/// Holds SIGINT, SIGTERM and SIGHUP back as long as it lives, for steps that must not be left
-/// half-done. At the end `report` (may be null) is flushed, so that it tells of all that was done,
-/// and a signal that came meanwhile is delivered.
+/// Blocks SIGINT, SIGTERM and SIGHUP as long as it lives, for steps that must not be left
+/// half-done. At the end `report` (may be null) is flushed, so that it has all that was done, and a
+/// pending signal is delivered.
 class HeldSignals {
  public:
   explicit HeldSignals(std::ostream* report = nullptr);

@@ -8,8 +8,8 @@
 
 namespace cairnset {
 
-// All unformatted: the stream's width and fill do not count. A stream is slow to write to in small
-// pieces, so that what is printed for every preset is put together first.
+// All output is unformatted: the stream's width and fill do not count. Small writes to a stream are
+// slow, so what is printed for every preset is put together first.
 
 /// Writes a held name (Mac Roman, host/text/Names.h) as UTF-8. Every name in a report goes through
 /// here or through appendHeldName.
@@ -28,8 +28,8 @@ void appendHeldName(std::string& text, const std::ostream& os, std::string_view 
 void writeText(std::ostream& os, std::string_view text);
 
 /// As long as it lives, control bytes (C0 but line feed and tab, DEL, C1) and bytes that are not
-/// UTF-8 reach no terminal through std::cout and std::cerr: "?" is shown for each. Line feeds and
-/// tabs of names are shown as "?" too. What goes to a pipe or a file stays as it is.
+/// UTF-8 are shown as "?" where std::cout or std::cerr is a terminal, in names line feeds and tabs
+/// too. Output to a pipe or a file stays as it is.
 class MaskedTerminals {
  public:
   MaskedTerminals();

@@ -30,7 +30,7 @@ std::uint8_t combiningClass(char32_t character) {
   return run != nullptr ? run->combiningClass : std::uint8_t{0};
 }
 
-// Marks of different classes may stand in any order in a name and still be the same name.
+// Names that differ only in the order of marks of different classes are the same.
 void appendInOrder(char32_t character, std::u32string& out) {
   const std::uint8_t own = combiningClass(character);
   std::size_t at = out.size();

@@ -11,8 +11,8 @@ namespace cairnset {
 /// U+2000-U+2FFF, U+F900-U+FAFF and U+2F800-U+2FAFF stay composed. A lone surrogate stays as it is.
 std::u32string decomposed(std::u16string_view text);
 
-/// Whether the character belongs to the one before it: combining marks, and whatever else stands
-/// second in a decomposition.
+/// Whether the character belongs to the one before it: combining marks, and anything else that
+/// comes second in a decomposition.
 bool joinsPrevious(char32_t character);
 
 /// The lower-case form of a character that does not decompose; itself where it has none, or more

@@ -5,8 +5,8 @@
 namespace cairnset {
 
 /// Replaces each illegal character by "_"; the length stays. Illegal are the control bytes 0x01 to
-/// 0x1F and " * / < > ? \ |. The colon is not among them, and neither is any byte from 0x7F up:
-/// meant so.
+/// 0x1F and " * / < > ? \ |. The colon is not among them, and neither is any byte from 0x7F up,
+/// on purpose.
 void RemoveIllegalFilenameCharsInPlace(char* name);
 void RemoveIllegalFilenameCharsInPlace(unsigned char* name);
 

@@ -11,7 +11,7 @@ namespace cairnset {
 /// The host's string object.
 using CFStringRef = const std::u16string*;
 
-/// What the conversions to Unicode answer beside noErr; the name is then empty.
+/// What the conversions to Unicode return beside noErr; the name is then empty.
 enum : OSErr { kNameIsEmpty = 4, kNameNotConverted = 5 };
 
 /// The first 254 characters; those from 0x80 up count as Mac Roman, so every text converts but a

@@ -19,9 +19,9 @@ constexpr bool isAscii(char c) {
   return static_cast<unsigned char>(c) < 0x80;
 }
 
-// Nearly all characters are ASCII, and a library has 100,000 names: these need no tables. Hands a
-// volume name over piece by piece, `plain` the ASCII that stands by itself, `other` the characters
-// beyond ASCII, each run of them with the ASCII character before it, to which a mark may belong.
+// Splits a volume name, so that the many ASCII characters of a library's 100,000 names need no
+// tables: `other` gets each run of characters beyond ASCII with the ASCII character before it, to
+// which a mark may belong, and `plain` gets the rest.
 template <typename Plain, typename Other>
 void takeInPieces(std::string_view name, Plain plain, Other other) {
   while (!name.empty()) {
@@ -54,7 +54,7 @@ constexpr bool isLow(char32_t unit) {
   return unit >= 0xDC00 && unit < 0xE000;
 }
 
-// The unit that stands for a byte which is not part of valid UTF-8.
+// The unit for a byte that is not part of valid UTF-8.
 constexpr bool isEscapedByte(char16_t unit) {
   return unit >= 0xDC80 && unit <= 0xDCFF;
 }
@@ -86,8 +86,8 @@ std::optional<unsigned char> composed(char32_t base, char32_t mark) {
   return static_cast<unsigned char>(0x80 + (found - pairs.begin()));
 }
 
-// A mark swallows no punctuation, blank or control byte, which the file-name rules must still see,
-// and no byte that is not UTF-8.
+// A mark never hides punctuation, a blank or a control byte, which the file-name rules must see,
+// nor a byte that is not UTF-8.
 bool takesMarks(char32_t base) {
   const bool isLetterOrDigit =
       (base >= '0' && base <= '9') || (base >= 'A' && base <= 'Z') || (base >= 'a' && base <= 'z');

@@ -26,7 +26,7 @@ struct VolumeName {
 
 /// The volume name of a Unicode name, written as it is given. bdNamErr for a name that no directory
 /// entry can have: empty, ".", "..", more than 255 bytes, a NUL or a ":" (the volume's "/") in it,
-/// or a surrogate that stands for no byte. For any other it is the exact inverse of
+/// or a surrogate that is no escaped byte. For any other it is the exact inverse of
 /// unicodeFromVolumeName.
 [[nodiscard]] VolumeName volumeNameFromUnicode(std::u16string_view name);
 
@@ -39,7 +39,7 @@ std::string heldNameFromVolumeName(std::string_view volumeName);
 /// The same, appended to `held`.
 void appendHeldNameFromVolumeName(std::string_view volumeName, std::string& held);
 
-/// The same of a Unicode name. Here a surrogate that stands for nothing is "_" too.
+/// The same of a Unicode name. Here a surrogate that is no escaped byte is "_" too.
 std::string heldNameFromUnicode(std::u16string_view name);
 
 /// The key that puts a folder's entries in the order of the instrument's host: the Unicode name

@@ -67,7 +67,7 @@ void P2CAppendInPlace(char* dst, const unsigned char* src) {
 
 void C2PAppendInPlace(unsigned char* dst, const char* src) {
   const std::size_t length = std::strlen(src);
-  // Past 255 characters the sum wraps, and what lies beyond them is never part of the string.
+  // Past 255 characters the sum wraps; characters beyond are never part of the string.
   std::memcpy(dst + 1 + dst[0], src, std::min(length, kMostCharacters - dst[0]));
   dst[0] = static_cast<unsigned char>(dst[0] + length);
 }

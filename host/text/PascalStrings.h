@@ -23,7 +23,7 @@ void P2CCopy(char* dst, const unsigned char* src);
 void C2PCopy(unsigned char* dst, const char* src);
 void P2CAppendInPlace(char* dst, const unsigned char* src);
 /// Not clamped, unlike PStrCat: the length byte becomes the sum modulo 256, so that 200 and 200
-/// characters make a string of 144. Meant so.
+/// characters make a string of 144. On purpose.
 void C2PAppendInPlace(unsigned char* dst, const char* src);
 /// As C2PInPlace, but takes the first 255 characters of a longer string.
 void CtoPstr(char* s);
@@ -32,12 +32,12 @@ void PtoCstr(char* s);
 
 // --- Copying and appending within one form ---------------------------------------------------
 
-/// Takes as many characters as make 255 in all. Answers `dst`.
+/// Takes as many characters as make 255 in all. Returns `dst`.
 unsigned char* PStrCat(unsigned char* dst, const unsigned char* src);
-/// Answers `dst`.
+/// Returns `dst`.
 unsigned char* PStrCopy(unsigned char* dst, const unsigned char* src);
 /// Appends what fits in a buffer of `size` bytes, NUL included; nothing where either pointer is
-/// null, `size` is 0 or no room is left. Answers `dst`.
+/// null, `size` is 0 or no room is left. Returns `dst`.
 char* CStrNCat(char* dst, unsigned long size, const char* src);
 
 // --- Comparing ---------------------------------------------------------------------------------
@@ -45,7 +45,7 @@ char* CStrNCat(char* dst, unsigned long size, const char* src);
 /// Whether the strings are equal; without `caseSensitive`, "a" to "z" count as "A" to "Z", and no
 /// other letters do. False where either is null, both included.
 bool equalCString(const char* a, const char* b, bool caseSensitive);
-/// The same for Pascal strings: their lengths must agree, and what stands before the first NUL.
+/// The same for Pascal strings: their lengths must agree, and what comes before the first NUL.
 bool equalPString(const unsigned char* a, const unsigned char* b, bool caseSensitive);
 
 /// Compares file names by their first 255 bytes, ignoring case but not marks: 0 where they are

@@ -1,5 +1,5 @@
 // Paths as texts, in either syntax: with "/", or with ":" as older systems have it. No function
-// here looks at a disk. The system counts as older below version 0x1000 (host/SystemVersion.h).
+// here reads a disk. The system counts as older below version 0x1000 (host/SystemVersion.h).
 #pragma once
 
 #include "host/HostTypes.h"
