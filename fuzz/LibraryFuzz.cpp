@@ -2,7 +2,8 @@
 // the files that -s replaces, a second run changes nothing, references still resolve, and nothing
 // outside the library is touched. Files are identified by inode numbers, which must not be reused:
 // the temporary folder has to be on a tmpfs.
-#include "fuzz/Fuzz.h"
+#include <fuzzer/FuzzedDataProvider.h>
+
 #include "host/text/Names.h"
 #include "host/text/PascalStrings.h"
 #include "presets/Preset.h"
@@ -30,9 +31,9 @@ std::string takeName(Input& input) {
       "a?",      "a*",       "A?",      "a_",       "a.",    "a:b",     "a_b",      "...",
       "\u00E9?", "e\u0301?", "\u00E9_", "__",       "\xFF?", "\u65E5?", "Default?", "A"};
   const int how = input.ConsumeIntegralInRange(0, 9);
-  std::string name = how > 5 ? takeText(input, 40) : input.PickValueInArray(kNames);
+  std::string name = how > 5 ? input.ConsumeRandomLengthString(40) : input.PickValueInArray(kNames);
   if (how > 8) name.insert(0, input.ConsumeIntegralInRange<std::size_t>(50, 214), 'x');
-  std::erase(name, '/');
+  std::erase(name, '/'), std::erase(name, '\0');
   return name.empty() || name == "." || name == ".." ? "x" : name;
 }
 
