@@ -77,27 +77,21 @@ TEST_F(BrumePrefsTest, LastRun) {
     BrumePrefs prefs, next;
     prefs.initPrefs();
     EXPECT_NEAR(double(prefs.getSecondsSinceLastRun()), seconds, 10);
-    prefs.resetLastRunTime();
-    next.initPrefs();
+    prefs.resetLastRunTime(), next.initPrefs();
     EXPECT_LE(next.getSecondsSinceLastRun(), 10u);
   }
 }
 
 TEST_F(BrumePrefsTest, KeymapsAreChosenByTheirName) {
-  const std::tuple<const char*, NavFileOrFolderInfo, short, bool> cases[] = {
-      {"BrumeKeymaps.txt", {}, 0, true},
-      {"BrumeKeymaps.tx", {}, 0, false},
-      {"Brumekeymaps.txt", {}, 0, false},
-      {"BrumeKeymaps.txt2", {}, 0, false},
-      {"folder", {true, true}, 0, true},
-      {"folder", {true, false}, 0, false},
-      {"any", {}, 1, true}};
-  for (const auto& [name, kind, mode, isShown] : cases) {
+  const auto isShown = [](const char* name, NavFileOrFolderInfo info, short mode) {
     AEDesc item;
-    NavFileOrFolderInfo info = kind;
     C2PCopy(item.fsSpec.name, name);
-    EXPECT_EQ(BrumePrefs::navFilterProc(&item, &info, nullptr, mode), isShown) << name;
-  }
+    return BrumePrefs::navFilterProc(&item, &info, nullptr, mode);
+  };
+  EXPECT_TRUE(isShown("BrumeKeymaps.txt", {}, 0) && isShown("folder", {true, true}, 0));
+  EXPECT_TRUE(isShown("any", {}, 1) && !isShown("folder", {true, false}, 0));
+  for (const char* name : {"BrumeKeymaps.tx", "Brumekeymaps.txt", "BrumeKeymaps.txt2"})
+    EXPECT_FALSE(isShown(name, {}, 0)) << name;
   for (const char* name : {"other.txt", "BrumeKeymaps.txt"}) {
     write(name, "");
     BrumePrefs prefs;

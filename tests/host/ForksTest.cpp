@@ -109,13 +109,6 @@ TEST_F(ForksTest, RefusesWhatIsNoRegularFileAtOnce) {
   host().calls.fstat = [](auto...) { return failWith(EACCES); };
   EXPECT_EQ(openFork(ref("file"), fsRdPerm, &fork), permErr) << "not what the tidying met";
   EXPECT_EQ(fork, -7);
-  host().calls = real;
-  host().calls.pread = [](auto...) -> ssize_t { return failWith(EACCES); };
-  fork = opened(ref("file"), fsRdPerm);
-  EXPECT_EQ(readAll(fork), " -54");
-  host().calls = real;
-  EXPECT_EQ(readAll(fork), "123 -39") << "a failure is not remembered";
-  EXPECT_EQ(FSCloseFork(fork), noErr);
   ::alarm(0);
 }
 

@@ -1,5 +1,3 @@
-// PtrManager, and the Arena that gives its links their memory.
-#include "storage/Arena.h"
 #include "storage/PtrManager.h"
 #include "tests/Testing.h"
 
@@ -51,32 +49,8 @@ TEST(PtrManager, RandomOperationsMatchAVector) {
 TEST(PtrManager, EntriesAsNumbers) {
   PtrManager list;
   EXPECT_EQ(list.getPtr32(0) + list.iterNext32(), 0);
-  for (const std::uintptr_t value : {7u, 0xFFFFFFFEu})
-    list.addPtr(reinterpret_cast<void*>(value));
-  list.iterReset();
-  for (const std::int32_t value : {7, -2, 0})
-    EXPECT_EQ(list.iterNext32(), value);
-  EXPECT_EQ(list.getPtr32(1), -2);
-}
-
-// What is out keeps its memory when others give theirs back, up to pieces larger than a block.
-TEST(Arena, PiecesLieApart) {
-  std::vector<unsigned char*> out;
-  const auto sizeOf = [](std::size_t n) { return n * 37 % 500 + n / 4'000 * 100'000; };
-  const auto isIntact = [&](std::size_t n) {
-    return std::all_of(out[n], out[n] + sizeOf(n), [n](unsigned c) { return c == n % 256; });
-  };
-  for (std::size_t n = 0; n < 4'004; ++n) {
-    out.push_back(static_cast<unsigned char*>(Arena::take(sizeOf(n))));
-    ASSERT_EQ(reinterpret_cast<std::uintptr_t>(out[n]) % alignof(std::uint64_t), 0u);
-    std::memset(out[n], static_cast<int>(n % 256), sizeOf(n));
-    if (n % 3 == 1) Arena::give(out[n]);
-  }
-  for (std::size_t n = 0; n < out.size(); ++n) {
-    if (n % 3 == 1) continue;
-    ASSERT_TRUE(isIntact(n)) << n;
-    Arena::give(out[n]);
-  }
+  list.addPtr(reinterpret_cast<void*>(std::uintptr_t{0xFFFFFFFE})), list.iterReset();
+  EXPECT_TRUE(list.getPtr32(0) == -2 && list.iterNext32() == -2 && list.iterNext32() == 0);
 }
 
 }  // namespace cairnset
