@@ -26,7 +26,7 @@ constexpr std::size_t kFilesInABatch = 64;
 constexpr std::size_t kFilesInAForcedBatch = 4;  // so that threads have work in small libraries
 constexpr std::size_t kFewestFiles = 512;        // for fewer, starting a thread costs what it saves
 constexpr unsigned kMostThreads = 16;            // more gain nothing, also where all is waiting
-constexpr unsigned kDescriptorsAThread = 2;
+constexpr unsigned kMostSharing = 4;             // one descriptor table; each holds two at a time
 
 FileStart readFile(const SystemCalls& calls, int folder, const char* path, std::int8_t permissions,
                    char* buffer) {
@@ -69,13 +69,6 @@ unsigned processors() {
   }
 #endif
   return std::max(std::thread::hardware_concurrency(), 1u);
-}
-
-// How many threads may share one descriptor table and leave enough descriptors for other uses.
-unsigned mostSharing() {
-  struct rlimit limit;
-  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return 0;
-  return static_cast<unsigned>(std::min<rlim_t>(limit.rlim_cur / (4 * kDescriptorsAThread), 64));
 }
 
 }  // namespace
@@ -214,7 +207,7 @@ class FileReading::Readers {
   void run() noexcept {
     const bool isSharing = _calls.ownDescriptors() != 0;
     std::unique_lock lock(_mutex);
-    if (isSharing && ++_sharing > mostSharing()) return;
+    if (isSharing && ++_sharing > kMostSharing) return;
     for (;;) {
       _work.wait(lock, [this] { return _isStopping || !_waiting.empty(); });
       if (_isStopping) return;
