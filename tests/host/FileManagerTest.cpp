@@ -173,11 +173,21 @@ TEST_F(FileManagerTest, NamesFromTextAndPathsThatJustFit) {
   ASSERT_EQ(create(ref(""), u"/\u00E9", &accented), noErr);
   EXPECT_TRUE(exists(":\xC3\xA9")) << "written composed";
   EXPECT_TRUE(setCFilename(found = file, "/\x8E") == noErr && found == accented);
-  EXPECT_EQ(setCFilename(found, std::string(70, 'y').c_str()), noErr) << "64 units count";
-  EXPECT_EQ(found, file);
+  EXPECT_TRUE(setCFilename(found, std::string(70, 'y').c_str()) == noErr && found == file)
+      << "64 units count";
   std::string text(path("").size() + 65 + 1, '?');  // room for the path and its NUL
   EXPECT_EQ(FSRefMakePath(&file, text.data(), text.size() - 1), bdNamErr);
   EXPECT_EQ(FSRefMakePath(&file, text.data(), text.size()), noErr);
+}
+
+TEST_F(FileManagerTest, LiesInOneFolder) {
+  makeFolder("f/g"), write("a", ""), write("f/a", ""), write("f/b", "");
+  const auto isSame = [this](const char* a, const char* b) {
+    const FSRef refA = ref(a), refB = ref(b);
+    return isSameFolder(&refA, &refB);
+  };
+  EXPECT_TRUE(isSame("f/a", "f/b") && isSame("f", "f/a") && isSame("f/a", "f"));
+  EXPECT_FALSE(isSame("f/a", "f/g") || isSame("f/g", "f") || isSame("a", "f/a"));
 }
 
 }  // namespace cairnset

@@ -47,8 +47,7 @@ TEST_F(ForksTest, CompletesInterruptedAndShortTransfers) {
   const auto some = [&](const auto& call, int d, auto* bytes, std::size_t n, off_t at) -> ssize_t {
     return ++calls % 2 == 0 ? failWith(EINTR) : call(d, bytes, std::min<std::size_t>(n, 3), at);
   };
-  intercept(host().calls.pread, some);
-  intercept(host().calls.pwrite, some);
+  intercept(host().calls.pread, some), intercept(host().calls.pwrite, some);
   for (const std::size_t size : {0u, 1u, 1023u, 1024u, 1025u, 3000u}) {
     std::string content;
     while (content.size() < size)
@@ -71,8 +70,8 @@ TEST_F(ForksTest, OpensWhatIsAtThePlaceNow) {
     write("folder/file", "123456789");
     const FSRef file = ref("folder/file"), folder = ref("folder");
     const std::int16_t reader = opened(file, fsRdPerm), writer = opened(file, fsRdWrPerm);
-    EXPECT_EQ(readAt(reader, fsAtMark, 0, 3), "123");
-    EXPECT_EQ(readAt(writer, fsAtMark, 0, 3), "123") << "each has its own mark";
+    EXPECT_EQ(readAt(reader, fsAtMark, 0, 3) + readAt(writer, fsAtMark, 0, 3), "123123")
+        << "own marks";
     EXPECT_EQ(write(writer, "abc"), noErr);
     EXPECT_EQ(readAll(reader), "abc456789");
     ASSERT_EQ(way == 'r'   ? rename(file, u"renamed")

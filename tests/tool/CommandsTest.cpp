@@ -33,10 +33,9 @@ class CommandsTest : public FolderTest {
       {"Velocity Maps/Default", true}, {"Velocity Maps/v"},        {"Effects/?"},
       {"Effects/Default", true},       {"Programs/Default", true}, {"Programs/p", false, 0, {"?"}},
       {"Programs/q", false, 1, {"?"}}, {"Sessions/Default", true}};
-  std::ostringstream out, err;
+  std::ostringstream out;
   std::istringstream in;
-  const Redirection redirections[3] = {{std::cout, std::cout.rdbuf(out.rdbuf())},
-                                       {std::cerr, std::cerr.rdbuf(err.rdbuf())},
+  const Redirection redirections[2] = {{std::cout, std::cout.rdbuf(out.rdbuf())},
                                        {std::cin, std::cin.rdbuf(in.rdbuf())}};
 };
 
@@ -90,6 +89,11 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
       EXPECT_EQ(read("lib/Presets/" + preset.path), preset.bytes()) << preset.path;
     }
   }
+}
+
+TEST_F(CommandsTest, ReferencesThatMayNotLastAreReported) {
+  intercept(host().calls.flush, [](auto...) { return failWith(EIO); });
+  EXPECT_EQ(fixFilenames(), kReferencesNotWritten);
 }
 
 }  // namespace
