@@ -64,6 +64,18 @@ TEST_F(ItemTree, ListsAndSearchesInTheirOrder) {
   EXPECT_TRUE(root.getItem(0) == limb && loose->parent() == &root);
 }
 
+TEST_F(ItemTree, AChildLimbMayListItselfInItsOwnWay) {
+  struct Own : TreeLimb {
+    void listRecursively(std::ostream& os, unsigned long flags, int depth) const override {
+      os << depth << flags << getTreeItemName() << '\n';
+    }
+  };
+  newLimb(*add(*newLimb(root, "a"), new Own, "own"), "not shown");
+  std::ostringstream os;
+  root.listRecursively(os, 7, 0);
+  EXPECT_TRUE(os.str().ends_with(" a\n27own\n")) << os.str();
+}
+
 TEST_F(ItemTree, TheWalkFollowsItsCursorThroughRandomChanges) {
   std::mt19937 random(1);
   std::vector<TreeLimb*> limbs{&root};

@@ -120,6 +120,18 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   EXPECT_EQ(read("into/p"), bytes);
 }
 
+TEST_F(PresetFileTest, SeesTheDiskAsItIsWhileOthersHaveItOpen) {
+  const auto holder = written("p");
+  const auto preset = presetOf("VMap", ref("p"));
+  EXPECT_EQ(holder->openForWriting(), 0);
+  fs::remove(path("p"));
+  EXPECT_EQ(preset->writeOutIfDeletedFromDisk(), 0);
+  EXPECT_TRUE(exists("p"));
+  write("p", PresetFile{"Velocity Maps/p", true, 77}.bytes());
+  EXPECT_EQ(preset->readIn(), 0);
+  EXPECT_EQ(preset->index(), 77);
+}
+
 TEST_F(PresetFileTest, CopiesShareTheIndexAndAreRAM) {
   write("p", PresetFile{"Programs/p", true, 4711}.bytes());
   ProgramPreset source(nullptr, ref("p"), nullptr, false);
@@ -166,6 +178,8 @@ TEST_F(PresetFileTest, WhatAHeldPresetTakesAndGives) {
   EXPECT_TRUE(preset->equalParams(*twin)) << "no more than it is given";
   preset->setData(padded("12345678", 4096).c_str(), LONG_MAX);
   EXPECT_EQ(std::memcmp(preset->getData(), "12345678", 8), 0);
+  host().calls.close = [](int descriptor) { return ::close(descriptor), failWith(ENOSPC); };
+  EXPECT_EQ(preset->writeOut(), dskFulErr) << "some volumes report a lost write only here";
 }
 
 }  // namespace cairnset
