@@ -176,7 +176,7 @@ void PresetList::openPresets(PresetLoading& loading) {
   if (!_confirmed) return;
   setSpec(_root_folder);
   // A folder that could not be listed may contain a "Default", which making one would overwrite.
-  if (loading.build().listed == noErr) makeSureOfDefault(*this);
+  if (loading.build().listed == noErr && makeSureOfDefault(*this)) loading.discardAhead();
   reorderPresets();
 }
 

@@ -94,7 +94,7 @@ bool PresetLoading::walkOn() {
       return true;
     }
     if (const auto item = _walk->next()) {
-      if (!item->isFolder) _reading.add(item->ref);
+      if (!item->isFolder) _reading->add(item->ref);
       _ahead.push_back({false, *item});
       return true;
     }
@@ -105,6 +105,13 @@ bool PresetLoading::walkOn() {
 void PresetLoading::walkAhead() {
   while (_ahead.size() < FileReading::kMostAhead && walkOn()) {
   }
+}
+
+void PresetLoading::discardAhead() {
+  _ahead.clear();
+  _walk.reset();
+  _walked = _built;
+  _reading.emplace();
 }
 
 PresetLoading::Result PresetLoading::build() {
@@ -121,7 +128,7 @@ PresetLoading::Result PresetLoading::build() {
       building.addFolder(item);
       result.status = item.listed;
     } else {
-      const FileStart start = _reading.next();
+      const FileStart start = _reading->next();
       openIfOfThisKind(*folder.list, item.ref, start);
       if (start.opened == noErr) result.status = start.closed;
     }
@@ -129,7 +136,7 @@ PresetLoading::Result PresetLoading::build() {
   return result;
 }
 
-void makeSureOfDefault(PresetList& list) {
+bool makeSureOfDefault(PresetList& list) {
   Preset* found = findDefault(list);
   if (found == nullptr) found = openPassedDefault(list);
   if (found == nullptr) {
@@ -138,13 +145,14 @@ void makeSureOfDefault(PresetList& list) {
     list.newPreset(name, true, false);
     // If that failed this is another preset, which becomes ROM with index 0, on purpose.
     found = list.presetAt(list.count() - 1);
-    if (found == nullptr) return;
+    if (found == nullptr) return true;
   } else if (found->isROM() && found->index() == 0) {
-    return;
+    return false;
   }
   found->setIndex(0);
   found->setROM(true);
   found->writeOut();
+  return true;
 }
 
 }  // namespace cairnset

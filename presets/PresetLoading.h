@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <deque>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "host/files/FileReading.h"
@@ -31,6 +32,9 @@ class PresetLoading {
   /// read, and those of no or another kind, are skipped.
   [[nodiscard]] Result build();
 
+  /// Forgets what was read ahead, after a write: the file may have a second name there.
+  void discardAhead();
+
  private:
   struct Folder {
     PresetList* list;
@@ -50,12 +54,12 @@ class PresetLoading {
   std::size_t _walked = 0;          // how many of them the walk has started
   std::size_t _built = 0;           // how many of them were built
   std::optional<FolderWalk> _walk;  // of the last one started
-  FileReading _reading;
+  std::optional<FileReading> _reading{std::in_place};
   std::deque<Found> _ahead;  // found by the walk, not built yet
 };
 
 /// Makes the first preset named "Default", case ignored, ROM with index 0, and writes it if it was
-/// not. If there is none, makes one in the root folder.
-void makeSureOfDefault(PresetList& list);
+/// not. If there is none, makes one in the root folder. False if there was nothing to do.
+[[nodiscard]] bool makeSureOfDefault(PresetList& list);
 
 }  // namespace cairnset

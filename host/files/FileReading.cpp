@@ -247,9 +247,7 @@ class FileReading::Readers {
 
 FileReading::FileReading() : _readers(std::make_unique<Readers>()) {}
 
-FileReading::~FileReading() {
-  _readers.reset();  // its threads read the batches
-}
+FileReading::~FileReading() = default;  // the readers first, whose threads read the batches
 
 void FileReading::add(const FSRef& file) {
   if (_filling == nullptr) {

@@ -12,8 +12,7 @@
 
 namespace cairnset {
 
-/// The start of a file, as it was when it was read. The largest preset has 265 bytes, so this is
-/// all of it.
+/// The start of a file when it was read: all of a preset, of which the largest has 265 bytes.
 struct FileStart {
   static constexpr std::size_t kMost = 1024;
 
@@ -29,14 +28,12 @@ struct FileStart {
 /// which holds FileStart::kMost bytes and must live as long as what is returned.
 [[nodiscard]] FileStart readFileStart(const FSRef& file, std::int8_t permissions, char* buffer);
 
-/// Reads the starts of many files, several at a time, and hands them over in the order in which
-/// they were added. Each is opened with read/write permission, so that a file which may not be
-/// written has no start.
+/// Reads the starts of many files, several at a time, and returns them in the order in which they
+/// were added. Each is opened with read/write permission: one that may not be written has no start.
 ///
-/// To read a file is mostly to wait, for the disk or the system; so there are more threads than
-/// processors, the more files the more threads, and none for a few hundred. They touch plain bytes
-/// only. Where the system refuses a thread there are fewer, down to none: then next() does the
-/// work. The results are the same for any number of them.
+/// From some hundreds of files on there is a thread for each processor, and up to 16 while files
+/// have to be waited for, as with a cold cache. Where threads are refused there are fewer, down to
+/// none: then next() does the work. The results are the same for any number of them.
 class FileReading {
  public:
   /// How many files may be added ahead of next(), so that memory does not grow with the library.
@@ -48,8 +45,7 @@ class FileReading {
   FileReading& operator=(const FileReading&) = delete;
 
   void add(const FSRef& file);
-  /// The start of the next file; one that was added must be left. Its bytes are valid until the
-  /// next call.
+  /// The start of the next file, which must have been added. Its bytes last until the next call.
   [[nodiscard]] FileStart next();
 
  private:

@@ -120,18 +120,6 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   EXPECT_EQ(read("into/p"), bytes);
 }
 
-TEST_F(PresetFileTest, SeesTheDiskAsItIsWhileOthersHaveItOpen) {
-  const auto holder = written("p");
-  const auto preset = presetOf("VMap", ref("p"));
-  EXPECT_EQ(holder->openForWriting(), 0);
-  fs::remove(path("p"));
-  EXPECT_EQ(preset->writeOutIfDeletedFromDisk(), 0);
-  EXPECT_TRUE(exists("p"));
-  write("p", PresetFile{"Velocity Maps/p", true, 77}.bytes());
-  EXPECT_EQ(preset->readIn(), 0);
-  EXPECT_EQ(preset->index(), 77);
-}
-
 TEST_F(PresetFileTest, CopiesShareTheIndexAndAreRAM) {
   write("p", PresetFile{"Programs/p", true, 4711}.bytes());
   ProgramPreset source(nullptr, ref("p"), nullptr, false);

@@ -204,6 +204,13 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
   }
 }
 
+TEST_F(PresetListTest, WhatALoadHasWrittenIsReadAfterIt) {
+  put(*this, PresetFile{"Programs/p"}), makeFolder("lib/Presets/Effects");
+  fs::create_hard_link(path("lib/Presets/Programs/p"), path("lib/Presets/Effects/Default"));
+  manager.openAllPresets();
+  EXPECT_EQ(manager.programs().findPreset("p"), nullptr) << "an effects preset by now";
+}
+
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   manager.openAllPresets();
   const std::string bytes = read("lib/Presets/Effects/Default");
