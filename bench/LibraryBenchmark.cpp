@@ -17,7 +17,7 @@ void PutInOrder(benchmark::State& state) {
   std::vector<std::int64_t> keys;
   for (std::int64_t i = state.range(0); i > 0; --i)
     keys.push_back(i % state.range(1));
-  for (auto _ : state)
+  for ([[maybe_unused]] const auto _ : state)
     benchmark::DoNotOptimize(exchangeOrder(keys));
 }
 BENCHMARK(PutInOrder)
@@ -27,14 +27,14 @@ BENCHMARK(PutInOrder)
 const char* const kNames[] = {"Grand Piano 12", "\u00C9tude ros\u00E9e", "E\u0301tude rose\u0301e"};
 
 void HeldName(benchmark::State& state) {
-  for (auto _ : state)
+  for ([[maybe_unused]] const auto _ : state)
     benchmark::DoNotOptimize(heldNameFromVolumeName(kNames[state.range(0)]));
 }
 BENCHMARK(HeldName)->DenseRange(0, 2);
 
 void SortKey(benchmark::State& state) {
   std::string key;
-  for (auto _ : state) {
+  for ([[maybe_unused]] const auto _ : state) {
     key.clear();
     appendSortKey(kNames[state.range(0)], key);
   }

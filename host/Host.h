@@ -49,17 +49,11 @@ struct Host {
   std::map<std::uint32_t, OpenListing> listings;  // by iterator
   std::uint32_t lastIterator = 0;
   /// How many threads read files ahead, however few files; without a value the work decides.
-  std::optional<unsigned> readers = kReaders;
+  std::optional<unsigned> readers = CAIRNSET_READERS;
   GestaltAnswers gestalt;
   ChooserStreams choosers;
 
  private:
-#ifdef CAIRNSET_READERS
-  static constexpr std::optional<unsigned> kReaders = CAIRNSET_READERS;
-#else
-  static constexpr std::optional<unsigned> kReaders = std::nullopt;
-#endif
-
   std::uint32_t _path_folder = 0;
   std::string _path;
 };

@@ -60,7 +60,7 @@ class TreeItem {
   TreeItem(const TreeItem&) = default;
 
   /// setTreeItemName for constructors: an item that is in no tree or list yet changes no revision.
-  void takeTreeItemName(const char* name) { _name = SharedName(name); }
+  void takeTreeItemName(const char* name) { SharedName(name).swap(_name); }
   static void noteChange() { ++_changes; }
 
  private:
@@ -74,7 +74,8 @@ class TreeItem {
     SharedName(const SharedName& other) : _owners(other._owners) {
       if (_owners != nullptr) ++*_owners;
     }
-    SharedName& operator=(SharedName other) { return std::swap(_owners, other._owners), *this; }
+    SharedName& operator=(const SharedName&) = delete;
+    void swap(SharedName& other) { std::swap(_owners, other._owners); }
     ~SharedName() {
       if (_owners != nullptr && --*_owners == 0) Arena::give(_owners);
     }

@@ -176,6 +176,7 @@ TreeLeaf* TreeLimb::recursiveLeafIterNext() {
   return _leaf_walk->step();
 }
 
+// NOLINTNEXTLINE(misc-no-recursion)
 void TreeLimb::listRecursively(std::ostream& os, unsigned long flags, int depth) const {
   LimbWalk walk(*this);
   std::string tabs;

@@ -24,6 +24,7 @@ constexpr std::size_t kMostCharacters = PATH_MAX + 64;  // a path, quotes and bl
 enum class Answer { kNone, kLine, kLastLine };  // the last one ended with the input
 
 // Byte by byte, so that what follows the line stays for the next question, and for the menu.
+// NOLINTNEXTLINE(readability-function-cognitive-complexity)
 Answer readLine(std::string& line) {
   using Clock = std::chrono::steady_clock;
   const ChooserStreams& streams = chooserStreams();
