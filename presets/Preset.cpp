@@ -315,6 +315,17 @@ std::optional<std::uint32_t> Preset::kindOf(std::string_view start) {
   return kind;
 }
 
+bool Preset::isWhole(std::string_view start) {
+  char words[12];
+  if (start.copy(words, sizeof words) < sizeof words) return false;
+  VirtualFile file(words, sizeof words, true, kBlockSize);
+  std::uint32_t fileType = 0, kind = 0, size = 0;
+  readField(file, fileType);
+  readField(file, kind);
+  readField(file, size);
+  return fileType == _file_type && size == start.size();
+}
+
 // --- The file's image ----------------------------------------------------------------------------
 
 void Preset::fillVirtualFile(VirtualFile& file) const {

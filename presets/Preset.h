@@ -141,6 +141,8 @@ class Preset : public TreeLeaf {
   /// The kind of the preset whose file begins with these bytes, or nothing if it is no preset's.
   /// The file's name does not matter.
   [[nodiscard]] static std::optional<std::uint32_t> kindOf(std::string_view start);
+  /// Whether these bytes are as long as the preset file that they begin.
+  [[nodiscard]] static bool isWhole(std::string_view start);
 
   // --- The file's image ---
 

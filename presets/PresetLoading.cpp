@@ -6,7 +6,6 @@
 #include "host/files/FileManager.h"
 #include "host/files/FileSystemHelpers.h"
 #include "host/text/PascalStrings.h"
-#include "presets/Preset.h"
 #include "presets/PresetList.h"
 
 namespace cairnset {
@@ -111,7 +110,7 @@ void PresetLoading::discardAhead() {
   _ahead.clear();
   _walk.reset();
   _walked = _built;
-  _reading.emplace();
+  _reading.emplace(Preset::isWhole);
 }
 
 PresetLoading::Result PresetLoading::build() {

@@ -9,6 +9,7 @@
 
 #include "host/files/FileReading.h"
 #include "host/files/FolderWalk.h"
+#include "presets/Preset.h"
 
 namespace cairnset {
 
@@ -54,7 +55,7 @@ class PresetLoading {
   std::size_t _walked = 0;          // how many of them the walk has started
   std::size_t _built = 0;           // how many of them were built
   std::optional<FolderWalk> _walk;  // of the last one started
-  std::optional<FileReading> _reading{std::in_place};
+  std::optional<FileReading> _reading{std::in_place, Preset::isWhole};
   std::deque<Found> _ahead;  // found by the walk, not built yet
 };
 

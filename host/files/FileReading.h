@@ -39,7 +39,11 @@ class FileReading {
   /// How many files may be added ahead of next(), so that memory does not grow with the library.
   static constexpr std::size_t kMostAhead = 2048;
 
-  FileReading();
+  /// Whether a file ends after these bytes, by what they say. Only saves time: it is asked before a
+  /// read that would find the end, and called by several threads.
+  using IsWhole = bool(std::string_view start);
+
+  explicit FileReading(IsWhole* isWhole);
   ~FileReading();
   FileReading(const FileReading&) = delete;
   FileReading& operator=(const FileReading&) = delete;

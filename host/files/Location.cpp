@@ -93,14 +93,18 @@ OSErr failureAt(const FSRef& ref, int error) {
   return requireFolder({nodes().folder(ref.node)}) == noErr ? fnfErr : dirNFErr;
 }
 
-Opened openFile(const SystemCalls& calls, int folder, const char* path, std::int8_t permissions) {
+Opened openListedFile(const SystemCalls& calls, int folder, const char* path,
+                      std::int8_t permissions) {
   const int access = permissions == fsRdPerm   ? O_RDONLY
                      : permissions == fsWrPerm ? O_WRONLY
                                                : O_RDWR;
   // O_NONBLOCK: what was a file when it was listed may be a FIFO by now, and must not hang us.
   const int descriptor =
       calls.open(folder, path, access | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0);
-  if (descriptor < 0) return {-1, resultFromErrno(errno)};
+  return {descriptor, descriptor < 0 ? resultFromErrno(errno) : OSErr{noErr}};
+}
+
+Opened checkedFile(const SystemCalls& calls, int descriptor) {
   struct stat info;
   OSErr result = ioErr;
   if (calls.fstat(descriptor, &info) != 0) {
@@ -110,6 +114,11 @@ Opened openFile(const SystemCalls& calls, int folder, const char* path, std::int
   }
   calls.close(descriptor);
   return {-1, result};
+}
+
+Opened openFile(const SystemCalls& calls, int folder, const char* path, std::int8_t permissions) {
+  const Opened file = openListedFile(calls, folder, path, permissions);
+  return file.result == noErr ? checkedFile(calls, file.descriptor) : file;
 }
 
 OSErr closeFile(const SystemCalls& calls, int descriptor) {

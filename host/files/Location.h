@@ -101,6 +101,12 @@ struct Opened {
 [[nodiscard]] Opened openFile(const SystemCalls& calls, int folder, const char* path,
                               std::int8_t permissions);
 
+/// Its two steps. The first does not wait either, whatever took the file's place. The second closes
+/// the descriptor unless it is that of a regular file.
+[[nodiscard]] Opened openListedFile(const SystemCalls& calls, int folder, const char* path,
+                                    std::int8_t permissions);
+[[nodiscard]] Opened checkedFile(const SystemCalls& calls, int descriptor);
+
 /// Closes it. A close that fails is a write that may be lost.
 [[nodiscard]] OSErr closeFile(const SystemCalls& calls, int descriptor);
 

@@ -11,12 +11,14 @@ namespace cairnset {
 
 class FileReadingTest : public FileTest {
  protected:
+  static bool isWhole(std::string_view start) { return start == "deep"; }
+
   // Items with their depths, and the files' starts, read by so many threads, or else one by one.
   std::string load(std::optional<unsigned> readers) {
     host().readers = readers;
     std::ostringstream walked, read;
     FolderWalk walk(ref(""));
-    FileReading reading;
+    FileReading reading(isWhole);
     std::size_t ahead = 0;
     const auto show = [&read](const FileStart& start) {
       read << start.opened << start.read << start.closed << ' ' << start.size << ' ' << start.bytes
@@ -80,7 +82,7 @@ TEST_F(FileReadingTest, GoesOnWithLess) {
   std::vector<FSRef> items;
   ASSERT_NE(listed(ref(""), &items), "");
   for (std::size_t read = 0; read < items.size(); read += 3) {
-    FileReading reading;
+    FileReading reading(isWhole);
     for (const FSRef& item : items)
       reading.add(item);
     for (std::size_t i = 0; i < read; ++i)
