@@ -1,8 +1,12 @@
 #include "tool/CommandLine.h"
 
 #include <cstring>
+#include <iomanip>
 #include <iostream>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "host/terminal/Process.h"
 #include "host/terminal/ReportText.h"
@@ -16,14 +20,55 @@ namespace cairnset {
 
 namespace {
 
-// In getopt's format.
-std::string optionLetters() {
-  std::string letters;
-  for (const Option& option : kOptions) {
-    letters += option.letter;
-    if (option.takesFolder) letters += ':';
+// One for each option of the table, in its order.
+std::vector<OptionName> optionNames() {
+  std::vector<OptionName> names;
+  for (const Option& option : kOptions)
+    names.push_back({option.letter, option.word, option.argument != OptionArgument::kNone});
+  return names;
+}
+
+// As it is written on the command line, with its argument's name.
+std::string form(const Option& option) {
+  std::string text =
+      option.word != nullptr ? std::string("--") + option.word : std::string{'-', option.letter};
+  if (option.argumentName != nullptr) (text += ' ') += option.argumentName;
+  return text;
+}
+
+constexpr const char* kHowToName =
+    "name the library's folder with -e, as in: cairnset -e FOLDER -p";
+
+void complainOf(std::string_view problem, const char* given, std::string_view remedy) {
+  std::cerr << "Cairnset: " << problem << " [";
+  writeGivenText(std::cerr, given);
+  std::cerr << "]; " << remedy << '\n';
+}
+
+void complainOfArgument(const Option& option, const char* problem) {
+  std::cerr << "Cairnset: " << form(option) << ": the " << option.argumentName << ' ' << problem
+            << '\n';
+}
+
+// False, after a line on standard error, if the command line cannot be understood. Nothing may be
+// loaded then: a guess could change another library than the one that was meant.
+bool isUnderstood(const GivenOptions& given) {
+  using Fault = GivenOptions::Fault;
+  if (given.fault == Fault::kUnknownWord)
+    complainOf("there is no option", given.faulty, "cairnset --help lists all options");
+  if (given.fault == Fault::kUnwantedArgument)
+    complainOf("no argument is possible in", given.faulty, "cairnset --help lists all options");
+  if (given.fault == Fault::kNotAnOption) complainOf("not an option:", given.faulty, kHowToName);
+  if (given.fault == Fault::kMissingArgument)
+    complainOfArgument(kOptions[given.faultyIndex], "is missing");
+  if (given.fault != Fault::kNone) return false;
+  for (const auto& [index, argument, letter] : given.options) {
+    if (argument == nullptr || *argument != '\0') continue;
+    if (kOptions[index].argument == OptionArgument::kText) continue;
+    complainOfArgument(kOptions[index], "is empty");
+    return false;
   }
-  return letters;
+  return true;
 }
 
 // False if the path does not fit. It is never truncated: that could name another folder.
@@ -43,22 +88,24 @@ bool takePath(const char* path) {
   return true;
 }
 
-// Unknown options are ignored; getopt has reported them.
-bool readOptions(int argc, char** argv, unsigned& flags) {
-  const std::string letters = optionLetters();
-  restartOptions();
-  for (int letter = 0; (letter = nextOption(argc, argv, letters.c_str())) != -1;) {
-    for (const Option& option : kOptions) {
-      if (letter != option.letter) continue;
-      flags |= option.flag;
-      if (option.flag == kExplicitPath && !takePath(optionArgument())) return false;
+// False if a path does not fit. Unknown letters are reported and ignored.
+bool takeOptions(const char* program, const GivenOptions& given, unsigned& flags) {
+  for (const auto& [index, argument, letter] : given.options) {
+    if (index == GivenOptions::kUnknown) {
+      writeGivenText(std::cerr, program);
+      std::cerr << ": invalid option -- '";
+      writeGivenText(std::cerr, {&letter, 1});
+      std::cerr << "'\n";
+      continue;
     }
+    flags |= kOptions[index].flag;
+    if (kOptions[index].flag == kExplicitPath && !takePath(argument)) return false;
   }
   return true;
 }
 
 int runCommands(unsigned flags) {
-  if (flags == 0 || (flags & kShowUsage) != 0) printUsage();
+  if ((flags & ~kModifiers) == 0 || (flags & kShowUsage) != 0) printUsage();
   if ((flags & kSort) != 0) sortIntoSubdirectories();
   if ((flags & kCheckFilenames) != 0) {
     if (const int status = checkFilenames(); status != kSuccess) return status;
@@ -75,13 +122,27 @@ int runCommands(unsigned flags) {
 }
 
 int runSession(int argc, char** argv) {
+  const GivenOptions given = readOptions(argc, argv, optionNames());
+  // The first of these counts, even if what follows cannot be understood.
+  for (const auto& [index, argument, letter] : given.options) {
+    if (index == GivenOptions::kUnknown) continue;
+    if (kOptions[index].flag == kShowHelp) return printHelp(), kSuccess;
+    if (kOptions[index].flag == kShowVersion) return printVersion(), kSuccess;
+  }
+  if (!isUnderstood(given)) return kNotUnderstood;
+
   unsigned flags = 0;
   path_string[0] = '\0';
   printVersionAndCopyright();
-  if (!readOptions(argc, argv, flags)) return kPathNotResolved;
+  if (!takeOptions(argv[0], given, flags)) return kPathNotResolved;
   std::cout.flush();  // loading can take a while
   int status = instantiate();
-  if (status == kSuccess) status = runCommands(flags);
+  if (status == kSuccess) {
+    status = runCommands(flags);
+  } else if (status == kNoPreferences) {
+    std::cerr << "Cairnset: " << kHowToName << '\n';
+    if ((flags & kShowUsage) != 0) printUsage();
+  }
   deinstantiate();
   return status;
 }
@@ -111,9 +172,37 @@ void printUsage() {
                "Cairnset is a command-line utility for managing Quenholt Olvan presets.\n"
                "\n"
                "Cairnset options:\n";
-  for (const Option& option : kOptions)
-    std::cout << "\t -" << option.letter << " \t " << option.description << '\n';
+  for (const Option& option : kOptions) {
+    if (option.usage != nullptr)
+      std::cout << "\t -" << option.letter << " \t " << option.usage << '\n';
+  }
   std::cout << '\n';
+}
+
+void printVersion() {
+  std::cout << "Cairnset " CAIRNSET_VERSION "\n";
+}
+
+void printHelp() {
+  constexpr std::pair<OptionGroup, const char*> kGroups[] = {{OptionGroup::kLibrary, "Library"},
+                                                             {OptionGroup::kReports, "Reports"},
+                                                             {OptionGroup::kChanges, "Changes"},
+                                                             {OptionGroup::kOutput, "Output"},
+                                                             {OptionGroup::kHelp, "Help"}};
+  std::cout << "Usage: cairnset [OPTION]...\n"
+               "\n"
+               "Maintains a library of Quenholt Olvan presets. Without -e it is the library that\n"
+               "the preferences lead to.\n";
+  for (const auto& [group, title] : kGroups) {
+    std::cout << '\n' << title << ":\n";
+    for (const Option& option : kOptions) {
+      if (option.group != group) continue;
+      std::cout << "  " << std::left << std::setw(20) << form(option) << ' ' << option.help << '\n';
+    }
+  }
+  std::cout << "\n"
+               "Letters can be combined. The commands run in the order -h -s -y -z -p -d -r.\n"
+               "Every run can change the library, even one that only lists it: see cairnset(1).\n";
 }
 
 }  // namespace cairnset

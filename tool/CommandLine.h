@@ -9,5 +9,9 @@ namespace cairnset {
 
 void printVersionAndCopyright();
 void printUsage();
+/// One line, for --version.
+void printVersion();
+/// All options, in groups, for --help.
+void printHelp();
 
 }  // namespace cairnset

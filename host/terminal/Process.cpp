@@ -1,12 +1,14 @@
 #include "host/terminal/Process.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
-#include <iostream>
+#include <getopt.h>
+#include <ostream>
 #include <signal.h>
+#include <string>
+#include <string_view>
 #include <unistd.h>
-
-#include "host/terminal/ReportText.h"
 
 namespace cairnset {
 
@@ -27,31 +29,63 @@ void prepareProcess() {
   ::signal(SIGXFSZ, SIG_IGN);
 }
 
-int nextOption(int argc, char** argv, const char* options) {
-  ::opterr = 0;
-  const int letter = ::getopt(argc, argv, options);
-  if (letter == '?') {
-    const char option = static_cast<char>(::optopt);
-    const char* known = std::strchr(options, option);
-    writeGivenText(std::cerr, argv[0]);
-    std::cerr << (known != nullptr && option != ':' ? ": option requires an argument -- '"
-                                                    : ": invalid option -- '");
-    writeGivenText(std::cerr, {&option, 1});
-    std::cerr << "'\n";
+GivenOptions readOptions(int argc, char** argv, std::span<const OptionName> names) {
+  using Fault = GivenOptions::Fault;
+  constexpr int kFirstWord = 256;  // words are numbered from here, above all letters
+  std::string letters = "+:";      // stop at what is no option; report missing arguments as ':'
+  std::vector<struct ::option> words;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const OptionName& name = names[i];
+    if (name.letter != '\0') (letters += name.letter) += name.takesArgument ? ":" : "";
+    if (name.word != nullptr)
+      words.push_back({name.word, name.takesArgument ? required_argument : no_argument, nullptr,
+                       kFirstWord + static_cast<int>(i)});
   }
-  return letter;
-}
+  words.push_back({});
 
-const char* optionArgument() {
-  return ::optarg;
-}
-
-void restartOptions() {
 #if defined(__GLIBC__)
   ::optind = 0;
 #else
   ::optind = 1;
 #endif
+  ::opterr = 0;
+  GivenOptions given;
+  const auto stopAt = [&given](Fault fault, const char* argument, std::size_t index = 0) {
+    given.fault = fault;
+    given.faulty = argument;
+    given.faultyIndex = index;
+    return given;
+  };
+  for (int found;
+       (found = ::getopt_long(argc, argv, letters.c_str(), words.data(), nullptr)) != -1;) {
+    const bool isFault = found == '?' || found == ':';
+    const int option = isFault ? ::optopt : found;
+    const char* last = argv[::optind - 1];
+    if (option == 0) return stopAt(Fault::kUnknownWord, last);
+    if (option >= kFirstWord) {
+      const auto index = static_cast<std::size_t>(option - kFirstWord);
+      const bool isSeparate = !isFault && names[index].takesArgument && ::optarg == last;
+      const char* const word = isSeparate ? argv[::optind - 2] : last;
+      if (std::string_view(word + 2, std::strcspn(word + 2, "=")) != names[index].word)
+        return stopAt(Fault::kUnknownWord, word);
+      if (found == '?') return stopAt(Fault::kUnwantedArgument, word);
+      if (found == ':') return stopAt(Fault::kMissingArgument, word, index);
+      given.options.push_back({index, names[index].takesArgument ? ::optarg : nullptr, '\0'});
+      continue;
+    }
+    const auto letter = static_cast<char>(option);
+    const auto name = std::find_if(names.begin(), names.end(),
+                                   [letter](const OptionName& n) { return n.letter == letter; });
+    const auto index = static_cast<std::size_t>(name - names.begin());
+    if (found == '?') {
+      given.options.push_back({GivenOptions::kUnknown, nullptr, letter});
+    } else if (found == ':') {
+      return stopAt(Fault::kMissingArgument, last, index);
+    } else {
+      given.options.push_back({index, name->takesArgument ? ::optarg : nullptr, '\0'});
+    }
+  }
+  return ::optind < argc ? stopAt(Fault::kNotAnOption, argv[::optind]) : given;
 }
 
 HeldSignals::HeldSignals(std::ostream* report) : _report(report) {

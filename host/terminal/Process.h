@@ -1,7 +1,10 @@
 // What a command-line program asks of the process that it runs in.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
+#include <span>
+#include <vector>
 
 namespace cairnset {
 
@@ -11,14 +14,35 @@ namespace cairnset {
 /// on file size makes a write fail instead of ending the process half-way.
 void prepareProcess();
 
-/// The next option letter, as the system's getopt finds it; -1 at the end, '?' for one that is not
-/// in `options`. The complaint goes through std::cerr, in the same words everywhere; getopt itself
-/// would send any byte to a terminal.
-int nextOption(int argc, char** argv, const char* options);
-/// The argument of the option that was found last.
-const char* optionArgument();
-/// Starts over, for another set of arguments.
-void restartOptions();
+/// An option that a program knows: a letter, a word, or both.
+struct OptionName {
+  char letter;       // '\0' if it has none
+  const char* word;  // without the dashes; null if it has none
+  bool takesArgument;
+};
+
+/// The options that were given, up to the first thing that cannot be understood. Texts are those of
+/// the command line.
+struct GivenOptions {
+  struct Given {
+    std::size_t index;     // in the list of names; kUnknown for a letter that is not there
+    const char* argument;  // null if it takes none
+    char letter;           // only if unknown
+  };
+  enum class Fault { kNone, kUnknownWord, kMissingArgument, kUnwantedArgument, kNotAnOption };
+  static constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
+
+  std::vector<Given> options;
+  Fault fault = Fault::kNone;
+  const char* faulty = "";      // the argument at fault
+  std::size_t faultyIndex = 0;  // the option whose argument is missing
+};
+
+/// Reads a command line as the system's getopt_long does, with three differences. Words cannot be
+/// abbreviated: a new option must never change what an old command line means. Reading ends at the
+/// first argument that is no option, also where the system's getopt would go on behind it. Nothing
+/// is printed: getopt itself would send any byte to a terminal.
+[[nodiscard]] GivenOptions readOptions(int argc, char** argv, std::span<const OptionName> names);
 
 /// Blocks SIGINT, SIGTERM and SIGHUP as long as it lives, for steps that must not be left
 /// half-done. At the end `report` (may be null) is flushed, so that it has all that was done, and a
