@@ -1,6 +1,7 @@
 #include "host/ResultCodes.h"
 
 #include <cerrno>
+#include <new>
 
 namespace cairnset {
 
@@ -34,6 +35,8 @@ OSErr resultFromErrno(int error) {
       return bdNamErr;
     case EINVAL:
       return paramErr;
+    case ENOMEM:
+      throw std::bad_alloc();
     default:
       return ioErr;  // EIO among them
   }

@@ -27,7 +27,8 @@ inline constexpr OSErr errFSRefsDifferent = -1420;  // two references that denot
 inline constexpr OSErr errFSNoMoreItems = -1417;    // an iterator has come to its end
 
 /// The result code for an errno value. ENOENT becomes fnfErr: only the caller can tell whether the
-/// folder is missing too, and then returns dirNFErr instead.
+/// folder is missing too, and then returns dirNFErr instead. Throws std::bad_alloc for ENOMEM: what
+/// is missing from a report for lack of memory must not look as if it were missing on the disk.
 [[nodiscard]] OSErr resultFromErrno(int error);
 /// The result code of a system call that has returned 0, or anything else and set errno.
 [[nodiscard]] OSErr resultOf(int returned);

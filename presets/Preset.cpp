@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <new>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ namespace cairnset {
 namespace {
 
 constexpr long kBlockSize = 128;
+constexpr long kMostBytes = 512;  // no preset file is larger
 constexpr long kNameField = 64;
 constexpr long kReserved = 8;
 constexpr unsigned long kNameSize = 240;  // names are cut to this many bytes, NUL included
@@ -330,6 +332,9 @@ bool Preset::isWhole(std::string_view start) {
 
 void Preset::fillVirtualFile(VirtualFile& file) const {
   constexpr std::uint32_t kSizeNotYetKnown = 0;
+  // All of the memory first: a preset that lacks a field must never be written.
+  if (file.reserve(kMostBytes) == nullptr) throw std::bad_alloc();
+  file.resize_buffer(0);
   writeField(file, _file_type);
   writeField(file, static_cast<std::uint32_t>(getPresetType()));
   writeField(file, kSizeNotYetKnown);

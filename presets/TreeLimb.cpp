@@ -78,20 +78,23 @@ TreeItem* TreeLimb::getItem(long i) const {
 }
 
 void TreeLimb::deleteItemsRecursively() {
-  // Emptying the limbs level by level keeps their destructors from recursing.
-  std::vector<TreeLimb*> below;
-  for (TreeLimb* limb : _limbs.entriesAs<TreeLimb>())
-    below.push_back(limb);
-  for (std::size_t i = 0; i < below.size(); ++i) {
-    for (TreeLimb* limb : below[i]->_limbs.entriesAs<TreeLimb>())
-      below.push_back(limb);
-    below[i]->_limbs.removeAll();
-    below[i]->_leaves.removeAll();
-  }
-  for (TreeLimb* limb : below)
+  // Without recursion, which a deep tree would take too far, and without memory of its own:
+  // destructors call this.
+  TreeLimb* limb = this;
+  for (;;) {
+    if (limb->_limbs.count() > 0) {
+      auto* const below = static_cast<TreeLimb*>(limb->_limbs.getPtr(0));
+      below->_parent = limb;
+      limb = below;
+      continue;
+    }
+    limb->_leaves.removeAll();
+    if (limb == this) break;
+    TreeLimb* const above = limb->_parent;
+    above->_limbs.removePtr(limb);
     delete limb;
-  _limbs.removeAll();
-  _leaves.removeAll();
+    limb = above;
+  }
   ++_tree_changes;
 }
 

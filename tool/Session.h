@@ -19,6 +19,7 @@ enum ExitStatus : int {
   kMissingReferences = 11,     // -d found references that do not resolve
   kReferencesNotWritten = 20,  // -z could not write a preset that it relinked
   kNotUnderstood = 64,         // the command line; nothing was loaded
+  kOutOfMemory = 71,           // and ended on the spot, as if killed
   kReportNotWritten = 74,      // standard output could not be written
 };
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
+#include <new>
 #include <sched.h>
 #include <signal.h>
 #include <string>
@@ -106,6 +107,7 @@ struct FileReading::Batch {
   std::unique_ptr<char[]> bytes =
       std::make_unique_for_overwrite<char[]>(kFilesInABatch * FileStart::kMost);
   bool isTaken = false, isRead = false;  // guarded by the readers' mutex
+  bool isOutOfMemory = false;            // the reading ended early
 
   void add(const FSRef& file) {
     Host& h = host();
@@ -118,11 +120,11 @@ struct FileReading::Batch {
   void clear() {
     files.clear();
     names.clear();
-    isTaken = isRead = false;
+    isTaken = isRead = isOutOfMemory = false;
   }
 
   // Uses names only: the node table belongs to the thread that adds files.
-  void read(const SystemCalls& calls, IsWhole* isWhole) noexcept {
+  void read(const SystemCalls& calls, IsWhole* isWhole) {
     char* buffer = bytes.get();
     int folder = -1;
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -182,6 +184,8 @@ class FileReading::Readers {
       _threads.emplace_back([this] { run(); });
     } catch (const std::system_error&) {
       _isRefused = true;
+    } catch (const std::bad_alloc&) {
+      _isRefused = true;
     }
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
   }
@@ -238,7 +242,11 @@ class FileReading::Readers {
   // One thread for each processor is enough unless they wait for the files.
   void read(Batch& batch) noexcept {
     const long before = waits();
-    batch.read(_calls, _is_whole);
+    try {
+      batch.read(_calls, _is_whole);
+    } catch (const std::bad_alloc&) {
+      batch.isOutOfMemory = true;
+    }
     const auto waited = static_cast<std::size_t>(waits() - before);
     if (waited > batch.files.size() / 2 && _wanted < kMostThreads) ++_wanted;
   }
@@ -283,6 +291,7 @@ FileStart FileReading::next() {
   if (_handed_over == 0) {
     if (_filling == &batch) _filling = nullptr;
     _readers->finish(batch);
+    if (batch.isOutOfMemory) throw std::bad_alloc();
   }
   const Batch::File& file = batch.files[_handed_over++];
   // The threads themselves may have used up the descriptors: try once more, alone.

@@ -29,6 +29,11 @@ void prepareProcess() {
   ::signal(SIGXFSZ, SIG_IGN);
 }
 
+void writeWithoutMemory(std::string_view text) {
+  // Nothing is left to do if this fails.
+  (void)!::write(STDERR_FILENO, text.data(), text.size());
+}
+
 GivenOptions readOptions(int argc, char** argv, std::span<const OptionName> names) {
   using Fault = GivenOptions::Fault;
   constexpr int kFirstWord = 256;  // words are numbered from here, above all letters

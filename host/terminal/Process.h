@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iosfwd>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace cairnset {
@@ -13,6 +14,9 @@ namespace cairnset {
 /// A reader that goes away ends the process quietly, also where the parent ignores SIGPIPE. A limit
 /// on file size makes a write fail instead of ending the process half-way.
 void prepareProcess();
+
+/// Writes a text to standard error when there may be no memory left, not even for a stream.
+void writeWithoutMemory(std::string_view text);
 
 /// An option that a program knows: a letter, a word, or both.
 struct OptionName {

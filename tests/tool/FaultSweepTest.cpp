@@ -77,7 +77,7 @@ void guardAll(bool hasLinks) {
   guard(s.link, {EIO, ENOENT, EEXIST, EACCES, ENOSPC, EPERM, kDone + EIO});
   guard(s.unlink, {EIO, ENOENT, EACCES, kDone + EIO});
   guard(s.realpath, {EIO, ENOENT, EACCES});
-  guard(s.fdopendir, {ENOMEM});
+  guard(s.fdopendir, {EIO});
   guard(s.readdir, {EIO});
   guard(s.closedir, {kDone + EIO});
   guard(s.flush, {EIO, ENOSPC});
