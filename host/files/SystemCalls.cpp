@@ -202,6 +202,7 @@ SystemCalls::SystemCalls()
       statvfs(::statvfs),
       flush(flushDescriptor),
       flushVolume(cairnset::flushVolume),
+      flock(::flock),
       ownDescriptors(cairnset::ownDescriptors) {}
 
 }  // namespace cairnset

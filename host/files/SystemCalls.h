@@ -11,6 +11,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <functional>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/types.h>
@@ -60,6 +61,10 @@ struct SystemCalls {
   Call<int(int descriptor)> flush;
   /// The same for the whole volume that it lies on (syncfs); ENOSYS where the system cannot.
   Call<int(int descriptor)> flushVolume;
+  /// An advisory lock on the whole file or folder, which ends with its last descriptor: LOCK_EX |
+  /// LOCK_NB, EWOULDBLOCK where another has it; or LOCK_UN. Some volumes know none (ENOLCK, ENOTSUP)
+  /// or only for a descriptor that may write (EBADF).
+  Call<int(int descriptor, int operation)> flock;
   /// Gives the calling thread a descriptor table of its own, a copy of the shared one; ENOSYS where
   /// the system cannot.
   Call<int()> ownDescriptors;
