@@ -21,7 +21,8 @@ AliasTarget readAlias(const FSRef& ref) {
   const Location place(ref);
   if (place.status() != noErr) return {place.status()};
   char buffer[PATH_MAX];
-  const ssize_t n = host().calls.readlink(place.folder(), place.path(), buffer, sizeof buffer);
+  const ssize_t n = retried(
+      [&] { return host().calls.readlink(place.folder(), place.path(), buffer, sizeof buffer); });
   if (n < 0) return {failureAt(ref, errno)};
   if (n == 0) return {fnfErr};  // some systems allow an empty link; it points to nothing
   if (static_cast<std::size_t>(n) == sizeof buffer) return {bdNamErr};

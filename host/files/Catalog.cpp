@@ -82,7 +82,10 @@ bool putSpecName(std::uint32_t node, unsigned char (&out)[64]) {
 OSErr FSPathMakeRef(const char* path, FSRef* ref, bool* isDirectory) {
   if (path == nullptr) return paramErr;
   char resolved[PATH_MAX];
-  if (host().calls.realpath(path, resolved) == nullptr) {
+  const auto resolve = [&](const char* given) {
+    return retried([&] { return host().calls.realpath(given, resolved); }) != nullptr;
+  };
+  if (!resolve(path)) {
     if (errno != ENOENT) return resultFromErrno(errno);
     std::string folder = path;
     while (folder.size() > 1 && folder.back() == '/')
@@ -90,7 +93,7 @@ OSErr FSPathMakeRef(const char* path, FSRef* ref, bool* isDirectory) {
     const std::size_t slash = folder.rfind('/');
     if (slash == std::string::npos || slash == 0) return fnfErr;
     folder.resize(slash);
-    return host().calls.realpath(folder.c_str(), resolved) != nullptr ? fnfErr : dirNFErr;
+    return resolve(folder.c_str()) ? fnfErr : dirNFErr;
   }
   FSRef found{NodeTable::kRoot};
   std::string_view rest = resolved;

@@ -41,7 +41,16 @@ struct Move {
   OSErr status() const { return from.status() != noErr ? from.status() : to.status(); }
 
   int by(const SystemCalls::Call<SystemCalls::OnTwoPaths>& call) const {
-    return call(from.folder(), from.path(), to.folder(), to.path());
+    for (Retries retries;;) {
+      const int result = call(from.folder(), from.path(), to.folder(), to.path());
+      const int error = errno;
+      if (result == 0 || !retries.wants(error)) return result;
+      // It may have been done in spite of the error.
+      struct stat info;
+      const bool isStillThere = from.lstat(info) == 0;
+      errno = error;
+      if (!isStillThere) return result;
+    }
   }
   // What is at both places, if it is one item.
   std::optional<struct stat> itemAtBoth() const {
@@ -181,9 +190,8 @@ OSErr FSCreateFileUnicode(const FSRef* folder, std::size_t length, const UniChar
 OSErr FSCreateDirectoryUnicode(const FSRef* folder, std::size_t length, const UniChar* name,
                                FSRef* ref, FSSpec* fsSpec, std::uint32_t* dirID) {
   FSRef made;
-  const OSErr result = create(*folder, length, name, &made, fsSpec, [](const Location& place) {
-    return resultOf(host().calls.mkdir(place.folder(), place.path(), 0777));
-  });
+  const OSErr result = create(*folder, length, name, &made, fsSpec,
+                              [](const Location& place) { return resultOf(place.mkdir(0777)); });
   if (result != noErr) return result;
   if (ref != nullptr) *ref = made;
   if (dirID != nullptr) *dirID = made.node;

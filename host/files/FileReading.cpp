@@ -38,9 +38,10 @@ FileStart readFile(const SystemCalls& calls, int folder, const char* path, std::
   std::size_t got = 0;
   bool isChecked = false;
   while (file.result == noErr && got < FileStart::kMost) {
-    const ssize_t n =
-        calls.pread(file.descriptor, buffer + got, FileStart::kMost - got, static_cast<off_t>(got));
-    if (n < 0 && errno == EINTR) continue;
+    const ssize_t n = retried([&] {
+      return calls.pread(file.descriptor, buffer + got, FileStart::kMost - got,
+                         static_cast<off_t>(got));
+    });
     if (n < 0) start.read = resultFromErrno(errno);
     if (n > 0) got += static_cast<std::size_t>(n);
     start.size = static_cast<std::int64_t>(got);

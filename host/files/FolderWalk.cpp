@@ -57,7 +57,7 @@ struct Entries {
 };
 
 struct EntryKind {
-  OSErr result;  // fnfErr for an entry to skip
+  int error;  // ENOENT for an entry to skip
   bool isFolder = false;
 };
 
@@ -65,29 +65,44 @@ struct EntryKind {
 // entries gone since they were listed, and FIFOs, sockets and devices, which have no fork and may
 // act when opened.
 EntryKind kindOf(int folder, const struct dirent& entry) {
-  if (entry.d_type == DT_DIR) return {noErr, true};
-  if (entry.d_type == DT_REG || entry.d_type == DT_LNK) return {noErr};
-  if (entry.d_type != DT_UNKNOWN) return {fnfErr};
+  if (entry.d_type == DT_DIR) return {0, true};
+  if (entry.d_type == DT_REG || entry.d_type == DT_LNK) return {0};
+  if (entry.d_type != DT_UNKNOWN) return {ENOENT};
   struct stat info;
-  if (host().calls.lstat(folder, entry.d_name, &info) != 0) return {resultFromErrno(errno)};
-  if (S_ISDIR(info.st_mode)) return {noErr, true};
-  return {S_ISREG(info.st_mode) || S_ISLNK(info.st_mode) ? noErr : fnfErr};
+  if (host().calls.lstat(folder, entry.d_name, &info) != 0) return {errno};
+  if (S_ISDIR(info.st_mode)) return {0, true};
+  return {S_ISREG(info.st_mode) || S_ISLNK(info.st_mode) ? 0 : ENOENT};
 }
 
-OSErr readEntries(DIR* listing, Entries& entries) {
+// 0 or why it failed.
+int readEntries(DIR* listing, Entries& entries) {
   const int folder = ::dirfd(listing);
   for (;;) {
     errno = 0;
     const struct dirent* entry = host().calls.readdir(listing);
     // A listing cut short would make presets look missing, and missing ones are created.
-    if (entry == nullptr) return resultFromErrno(errno);
+    if (entry == nullptr) return errno;
     const std::string_view name = entry->d_name;
     if (name == "." || name == "..") continue;
-    const auto [result, isFolder] = kindOf(folder, *entry);
-    if (result == fnfErr) continue;
-    if (result != noErr) return result;
+    const auto [error, isFolder] = kindOf(folder, *entry);
+    if (error == ENOENT) continue;
+    if (error != 0) return error;
     entries.add(name, isFolder);
   }
+}
+
+// Lists the folder from its beginning; returns as a system call does.
+int list(const Location& place, Entries& entries) {
+  const SystemCalls& calls = host().calls;
+  entries = {};
+  const int descriptor =
+      calls.open(place.folder(), place.path(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+  if (descriptor < 0) return -1;
+  DIR* const listing = calls.fdopendir(descriptor);
+  const int error = listing == nullptr ? errno : readEntries(listing, entries);
+  listing == nullptr ? calls.close(descriptor) : calls.closedir(listing);
+  errno = error;
+  return error == 0 ? 0 : -1;
 }
 
 }  // namespace
@@ -95,20 +110,9 @@ OSErr readEntries(DIR* listing, Entries& entries) {
 FolderListing listFolder(const FSRef& folder) {
   const Location place(folder);
   if (place.status() != noErr) return {place.status(), folder, {}};
-  const SystemCalls& calls = host().calls;
-  const auto [descriptor, opened, size] =
-      openFolderAt(calls, place.folder(), place.path(), O_RDONLY);
-  if (opened != noErr) return {opened, folder, {}};
-  DIR* const entriesOf = calls.fdopendir(descriptor);
-  if (entriesOf == nullptr) {
-    const OSErr result = resultFromErrno(errno);
-    calls.close(descriptor);
-    return {result, folder, {}};
-  }
   Entries entries;
-  FolderListing listing{readEntries(entriesOf, entries), folder, {}};
-  calls.closedir(entriesOf);
-  if (listing.result != noErr) return listing;
+  if (retried([&] { return list(place, entries); }) != 0) return {folderFailure(errno), folder, {}};
+  FolderListing listing{noErr, folder, {}};
   entries.sort();
   listing.items.reserve(entries.list.size());
   NodeTable& table = nodes();

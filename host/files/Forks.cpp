@@ -35,9 +35,10 @@ Transferred transfer(const Call& call, OSErr atNone, const Fork& fork, Byte* byt
                      std::size_t count, std::int64_t position) {
   std::size_t done = 0;
   while (done < count) {
-    const ssize_t n = call(fork.descriptor, bytes + done, count - done,
-                           static_cast<off_t>(position) + static_cast<off_t>(done));
-    if (n < 0 && errno == EINTR) continue;
+    const ssize_t n = retried([&] {
+      return call(fork.descriptor, bytes + done, count - done,
+                  static_cast<off_t>(position) + static_cast<off_t>(done));
+    });
     if (n < 0) return {resultFromErrno(errno), done};
     if (n == 0) return {atNone, done};
     done += static_cast<std::size_t>(n);
@@ -75,7 +76,8 @@ Transferred writeOrTakeBack(const Fork& fork, const char* bytes, std::size_t cou
 
 OSErr sizeOf(const Fork& fork, std::int64_t& size) {
   struct stat info;
-  if (host().calls.fstat(fork.descriptor, &info) != 0) return resultFromErrno(errno);
+  const auto look = [&] { return host().calls.fstat(fork.descriptor, &info); };
+  if (retried(look) != 0) return resultFromErrno(errno);
   size = info.st_size;
   return noErr;
 }

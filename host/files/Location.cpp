@@ -99,15 +99,15 @@ Opened openListedFile(const SystemCalls& calls, int folder, const char* path,
                      : permissions == fsWrPerm ? O_WRONLY
                                                : O_RDWR;
   // O_NONBLOCK: what was a file when it was listed may be a FIFO by now, and must not hang us.
-  const int descriptor =
-      calls.open(folder, path, access | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0);
+  const int flags = access | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const int descriptor = retried([&] { return calls.open(folder, path, flags, 0); });
   return {descriptor, descriptor < 0 ? resultFromErrno(errno) : OSErr{noErr}};
 }
 
 Opened checkedFile(const SystemCalls& calls, int descriptor) {
   struct stat info;
   OSErr result = ioErr;
-  if (calls.fstat(descriptor, &info) != 0) {
+  if (retried([&] { return calls.fstat(descriptor, &info); }) != 0) {
     result = resultFromErrno(errno);
   } else if (S_ISREG(info.st_mode)) {
     return {descriptor, noErr, info.st_size};
@@ -126,10 +126,14 @@ OSErr closeFile(const SystemCalls& calls, int descriptor) {
   return calls.close(descriptor) == 0 || errno == EINTR ? noErr : resultFromErrno(errno);
 }
 
+OSErr folderFailure(int error) {
+  return error == ENOENT || error == ELOOP ? OSErr{dirNFErr} : resultFromErrno(error);
+}
+
 Opened openFolderAt(const SystemCalls& calls, int folder, const char* path, int access) {
-  const int descriptor = calls.open(folder, path, access | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
-  if (descriptor >= 0) return {descriptor};
-  return {-1, errno == ENOENT || errno == ELOOP ? OSErr{dirNFErr} : resultFromErrno(errno)};
+  const int flags = access | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+  const int descriptor = retried([&] { return calls.open(folder, path, flags, 0); });
+  return {descriptor, descriptor < 0 ? folderFailure(errno) : OSErr{noErr}};
 }
 
 // A path that is longer than the system takes is opened one stretch after the other.
@@ -143,7 +147,7 @@ Opened openFolder(const SystemCalls& calls, std::string_view path) {
     char text[PATH_MAX];
     text[stretch.copy(text, sizeof text - 1)] = '\0';
     const int before = folder.descriptor;
-    folder = openFolderAt(calls, before, text, kToFindIn);
+    folder = openFolderAt(calls, before, text);
     if (before != AT_FDCWD) calls.close(before);
     path.remove_prefix(stretch.size());
     while (!path.empty() && path.front() == '/')

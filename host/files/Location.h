@@ -12,6 +12,7 @@
 
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
+#include "host/files/Retries.h"
 #include "host/files/SystemCalls.h"
 #include "host/text/Names.h"
 
@@ -49,12 +50,19 @@ class Location {
   int folder() const { return _folder; }
   const char* path() const { return _path; }
 
-  // The system calls of these names.
-  [[nodiscard]] int lstat(struct stat& out) const { return _calls.lstat(_folder, _path, &out); }
-  [[nodiscard]] int open(int flags, mode_t mode) const {
-    return _calls.open(_folder, _path, flags, mode);
+  // The system calls of these names, repeated where they fail for a moment.
+  [[nodiscard]] int lstat(struct stat& out) const {
+    return retried([&] { return _calls.lstat(_folder, _path, &out); });
   }
-  int unlink(int flags) const { return _calls.unlink(_folder, _path, flags); }
+  [[nodiscard]] int open(int flags, mode_t mode) const {
+    return retried([=, this] { return _calls.open(_folder, _path, flags, mode); });
+  }
+  [[nodiscard]] int mkdir(mode_t mode) const {
+    return retried([=, this] { return _calls.mkdir(_folder, _path, mode); }, EEXIST);
+  }
+  int unlink(int flags) const {
+    return retried([=, this] { return _calls.unlink(_folder, _path, flags); }, ENOENT);
+  }
 
  private:
   void locate(std::string_view folderPath, std::string_view name, For purpose);
@@ -110,11 +118,13 @@ struct Opened {
 /// Closes it. A close that fails is a write that may be lost.
 [[nodiscard]] OSErr closeFile(const SystemCalls& calls, int descriptor);
 
-/// Opens a folder with the access O_RDONLY or kToFindIn. dirNFErr where it is missing, or a link is
-/// on the way.
+/// The result code for a folder that could not be opened or listed; dirNFErr where it is missing,
+/// or a link is on the way.
+[[nodiscard]] OSErr folderFailure(int error);
+/// Opens a folder to find things in, or with the access O_RDONLY.
 [[nodiscard]] Opened openFolderAt(const SystemCalls& calls, int folder, const char* path,
-                                  int access);
-/// The same, to find things in it, by an absolute path of any length.
+                                  int access = kToFindIn);
+/// The same by an absolute path of any length.
 [[nodiscard]] Opened openFolder(const SystemCalls& calls, std::string_view path);
 
 /// Opens the item for one call on its descriptor, which returns -1 and sets errno where it fails.

@@ -19,23 +19,8 @@ namespace cairnset {
 
 namespace {
 
-// Some network and user-space volumes return EINTR although no signal was caught. Retrying is right
-// for all but close, after which nobody knows whether it was done.
-template <typename Call>
-int untilDone(Call call) {
-  int result;
-  do
-    result = call();
-  while (result < 0 && errno == EINTR);
-  return result;
-}
-
-template <auto kCall>
-constexpr auto retried =
-    [](auto... arguments) { return untilDone([=] { return kCall(arguments...); }); };
-
 int openByName(int folder, const char* name, int flags, mode_t mode) {
-  return untilDone([=] { return ::openat(folder, name, flags | O_NOFOLLOW, mode); });
+  return ::openat(folder, name, flags | O_NOFOLLOW, mode);
 }
 
 // One folder after the other, for systems without an open that follows no links.
@@ -73,15 +58,14 @@ int openFile(int folder, const char* path, int flags, mode_t mode) {
   how.resolve = RESOLVE_NO_SYMLINKS;
   static std::atomic<bool> isKnown = true;  // of the system that this runs on
   if (isKnown) {
-    const int descriptor = untilDone(
-        [&] { return static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)); });
+    const auto descriptor =
+        static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how));
     // EPERM: some sandboxes forbid every call that they do not know.
     if (descriptor >= 0 || (errno != ENOSYS && errno != EPERM)) return descriptor;
     isKnown = errno == EPERM;
   }
 #elif defined(O_NOFOLLOW_ANY)
-  return untilDone(
-      [=] { return ::openat(folder, path, (flags & ~O_NOFOLLOW) | O_NOFOLLOW_ANY, mode); });
+  return ::openat(folder, path, (flags & ~O_NOFOLLOW) | O_NOFOLLOW_ANY, mode);
 #endif
   return openStepByStep(folder, path, flags, mode);
 }
@@ -89,36 +73,37 @@ int openFile(int folder, const char* path, int flags, mode_t mode) {
 int renameNoReplace([[maybe_unused]] int oldFolder, [[maybe_unused]] const char* oldPath,
                     [[maybe_unused]] int newFolder, [[maybe_unused]] const char* newPath) {
 #if defined(__linux__)
-  return retried<::renameat2>(oldFolder, oldPath, newFolder, newPath, unsigned{RENAME_NOREPLACE});
+  return ::renameat2(oldFolder, oldPath, newFolder, newPath, unsigned{RENAME_NOREPLACE});
 #elif defined(__APPLE__)
-  return retried<::renameatx_np>(oldFolder, oldPath, newFolder, newPath, unsigned{RENAME_EXCL});
+  return ::renameatx_np(oldFolder, oldPath, newFolder, newPath, unsigned{RENAME_EXCL});
 #else
   errno = ENOSYS;
   return -1;
 #endif
 }
 
-struct dirent* readEntry(DIR* listing) {
-  struct dirent* entry;
-  do {
-    errno = 0;
-    entry = ::readdir(listing);
-  } while (entry == nullptr && errno == EINTR);
-  return entry;
+// Interrupted, it is repeated here; after another failure it must not be.
+template <typename Flush>
+int untilFlushed(Flush flush) {
+  int result;
+  do
+    result = flush();
+  while (result < 0 && errno == EINTR);
+  return result;
 }
 
 int flushDescriptor(int descriptor) {
 #if defined(__APPLE__)
   // There, fsync leaves the bytes in the drive's own cache, but many network volumes know only it.
-  if (untilDone([=] { return ::fcntl(descriptor, F_FULLFSYNC); }) == 0) return 0;
+  if (untilFlushed([=] { return ::fcntl(descriptor, F_FULLFSYNC); }) == 0) return 0;
   if (errno == EIO) return -1;
 #endif
-  return retried<::fsync>(descriptor);
+  return untilFlushed([=] { return ::fsync(descriptor); });
 }
 
 int flushVolume([[maybe_unused]] int descriptor) {
 #if defined(__linux__)
-  return retried<::syncfs>(descriptor);
+  return untilFlushed([=] { return ::syncfs(descriptor); });
 #else
   errno = ENOSYS;
   return -1;
@@ -183,18 +168,18 @@ SystemCalls::SystemCalls()
       lstat([](int folder, const char* path, struct stat* out) {
         return ::fstatat(folder, path, out, AT_SYMLINK_NOFOLLOW);
       }),
-      mkdir(retried<::mkdirat>),
+      mkdir(::mkdirat),
       renameNoReplace(cairnset::renameNoReplace),
-      rename(retried<::renameat>),
+      rename(::renameat),
       link([](int oldFolder, const char* oldPath, int newFolder, const char* newPath) {
-        return retried<::linkat>(oldFolder, oldPath, newFolder, newPath, 0);
+        return ::linkat(oldFolder, oldPath, newFolder, newPath, 0);
       }),
-      unlink(retried<::unlinkat>),
+      unlink(::unlinkat),
       symlink(::symlinkat),
       readlink(::readlinkat),
       realpath(::realpath),
       fdopendir(::fdopendir),
-      readdir(readEntry),
+      readdir(::readdir),
       closedir(::closedir),
       getAttribute(cairnset::getAttribute),
       setAttribute(cairnset::setAttribute),

@@ -2,9 +2,10 @@
 //
 // Everything under the File Manager goes through the table of the host in use (host/Host.h), so
 // that a test can count the calls, fail the n-th or cut it short by putting its own functions
-// there. Each member has the signature, the result and the errno of the call that it is named for.
-// Those that FileReading makes are made by several threads at a time. For the host layer and its
-// tests only.
+// there. Each member has the signature, the result and the errno of the call that it is named for;
+// what failed for a moment is repeated above it (host/files/Retries.h), but for the flushes. Those
+// that FileReading makes are made by several threads at a time. For the host layer and its tests
+// only.
 #pragma once
 
 #include <cstddef>
@@ -46,7 +47,7 @@ struct SystemCalls {
   Call<ssize_t(int folder, const char* path, char* buffer, size_t size)> readlink;  // readlinkat
   Call<char*(const char* path, char* resolved)> realpath;
   Call<DIR*(int descriptor)> fdopendir;
-  Call<struct dirent*(DIR* listing)> readdir;
+  Call<struct dirent*(DIR* listing)> readdir;  // an error leaves the rest of the folder unknown
   Call<int(DIR* listing)> closedir;
   /// An extended attribute: the number of bytes got, or -1; ENODATA where the item has none of that
   /// name, ENOTSUP where the volume has no such attributes. By descriptor, since open follows no
@@ -57,13 +58,13 @@ struct SystemCalls {
   /// keeps none.
   Call<int(int folder, const char* path, struct timespec* out)> birthTime;
   Call<int(const char* path, struct statvfs* out)> statvfs;
-  /// Waits until the file's or folder's contents are on the disk (fsync).
+  /// Waits until the file's or folder's contents are on the disk (fsync); never EINTR.
   Call<int(int descriptor)> flush;
   /// The same for the whole volume that it lies on (syncfs); ENOSYS where the system cannot.
   Call<int(int descriptor)> flushVolume;
   /// An advisory lock on the whole file or folder, which ends with its last descriptor: LOCK_EX |
-  /// LOCK_NB, EWOULDBLOCK where another has it; or LOCK_UN. Some volumes know none (ENOLCK, ENOTSUP)
-  /// or only for a descriptor that may write (EBADF).
+  /// LOCK_NB, EWOULDBLOCK where another has it; or LOCK_UN. Some volumes know none (ENOLCK,
+  /// ENOTSUP) or only for a descriptor that may write (EBADF).
   Call<int(int descriptor, int operation)> flock;
   /// Gives the calling thread a descriptor table of its own, a copy of the shared one; ENOSYS where
   /// the system cannot.

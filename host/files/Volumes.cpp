@@ -10,6 +10,7 @@
 
 #include "host/Host.h"
 #include "host/files/FileManager.h"
+#include "host/files/Retries.h"
 
 namespace cairnset {
 
@@ -41,8 +42,8 @@ OSErr makeFolders(const std::string& path) {
   OSErr result = noErr;
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
     const std::string stretch = path.substr(0, end);
-    if (host().calls.mkdir(AT_FDCWD, stretch.c_str(), 0700) != 0 && errno != EEXIST &&
-        result == noErr) {
+    const auto make = [&] { return host().calls.mkdir(AT_FDCWD, stretch.c_str(), 0700); };
+    if (retried(make) != 0 && errno != EEXIST && result == noErr) {
       result = resultFromErrno(errno);
     }
     if (end == std::string::npos) return result;

@@ -13,10 +13,11 @@ namespace cairnset {
 
 class FileManagerTest : public FileTest {
  protected:
-  // From now on listings have so many entries and then an error, or kinds that nobody knows.
-  static void listWith(int entries, bool hideKinds) {
-    host().calls.readdir = [ entries, hideKinds ](DIR * folder) mutable -> struct dirent* {
-      if (entries-- == 0) return failWith(EIO), nullptr;
+  // From now on listings have so many entries and then an error, so often, or kinds that nobody
+  // knows.
+  static void listWith(int entries, bool hideKinds, int errors = 9) {
+    host().calls.readdir = [=](DIR* folder) mutable -> struct dirent* {
+      if (entries-- == 0 && errors-- > 0) return failWith(EIO), entries = 0, nullptr;
       struct dirent* entry = ::readdir(folder);
       if (entry != nullptr && hideKinds) entry->d_type = DT_UNKNOWN;
       return entry;
@@ -51,6 +52,8 @@ TEST_F(FileManagerTest, AListingThatFailsIsNoEnd) {
   for (int given = 0; given <= 5; ++given) {  // "." and ".." too
     listWith(given, false);
     EXPECT_EQ(listed(ref("")), "-36") << given;
+    listWith(given, false, 1);
+    EXPECT_EQ(listed(ref("")), "a/|b/|c/|") << "after one that passes";
   }
   listWith(-1, true);
   for (const int error : {EIO, ENOENT}) {  // of unknown kind, or gone

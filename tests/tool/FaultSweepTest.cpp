@@ -1,4 +1,4 @@
-// Every file operation of every changing command fails once, in each of its ways. Whatever comes of
+// Every file operation of every changing command fails, in each of its ways. Whatever comes of
 // it, a preset file is as it was or as it was meant to become, and none is gone. And before every
 // operation someone swaps a folder for a link: nothing that it leads to is opened or changed.
 
@@ -14,14 +14,19 @@
 namespace cairnset {
 namespace {
 
-// Ways to fail beside errno values: only a part is moved, no more after it, nothing at all; and an
-// error although all is done, as over a network.
-enum : int { kShort = -1, kShortThenError = -2, kNothing = -3, kDone = 1 << 16 };
+// Ways to fail beside errno values, which last as long as anyone tries again: only a part is moved,
+// no more after it, nothing at all; an error although all is done, as over a network; and an error
+// that passes.
+enum : int { kShort = -1, kShortThenError = -2, kNothing = -3, kDone = 1 << 16, kOnce = 1 << 17 };
 constexpr std::size_t kPart = 120;  // ends within the first reference of a program or session
 
 long operations, failsAt, injected;
 std::size_t way;
-bool isLastWay, failsNext;
+bool isLastWay;
+struct {
+  const void* call;
+  int error, times;
+} failsStill;
 
 // What comes before an operation in place of a fault: one of these folders becomes a link to
 // another of its kind, of which no item may ever be opened.
@@ -33,19 +38,22 @@ std::mutex deciding;  // files may be read ahead by several threads
 
 template <typename Result, typename... Args>
 void guard(std::function<Result(Args...)>& call, const std::vector<int>& ways) {
-  intercept(call, [ways](const auto& real, Args... args) -> Result {
+  intercept(call, [ways, which = &call](const auto& real, Args... args) -> Result {
     int error = 0;
     {
       const std::lock_guard lock(deciding);
-      if (std::exchange(failsNext, false)) {
-        error = ways.front();
+      if (failsStill.call == which && failsStill.times > 0) {
+        --failsStill.times;
+        error = failsStill.error;
       } else if (++operations == failsAt) {
         ++injected;
         // With several threads it may be another call than the last time.
         isLastWay = way + 1 >= (swap ? std::size(kSwapped) : ways.size());
         swap ? swap() : void(error = ways[std::min(way, ways.size() - 1)]);
+        if (error == kShortThenError)
+          failsStill = {which, ways.front(), ways.front() == EIO ? 3 : 1};
+        if (error == EIO || error == ENOMEM) failsStill = {which, error, 2};
       }
-      failsNext = error == kShortThenError;
     }
     if (error == 0) return real(args...);
     // Where ssize_t is an int, only the offset tells the reads and writes from the other calls.
@@ -203,7 +211,7 @@ class FaultSweepTest : public FolderTest {
   void run(const Command& command, bool failsLoad) {
     std::ostringstream out, err;
     const auto before = std::pair(std::cout.rdbuf(out.rdbuf()), std::cerr.rdbuf(err.rdbuf()));
-    failsNext = false;
+    failsStill = {};
     operations = failsLoad ? 0 : failsAt;
     const bool isLoaded = instantiate() == 0;
     if (!failsLoad) operations = 0;
