@@ -1,5 +1,6 @@
 #include "presets/PresetList.h"
 
+#include <utility>
 #include <vector>
 
 #include "host/files/FileManager.h"
@@ -8,6 +9,7 @@
 #include "host/text/PascalStrings.h"
 #include "presets/ExchangeOrder.h"
 #include "presets/PresetLoading.h"
+#include "presets/PresetManager.h"
 
 namespace cairnset {
 
@@ -43,6 +45,12 @@ OSStatus PresetList::findFolder(const FSRef& parent, const char* name, bool crea
       FSMakeFSRefUnicode(&folder, unicode.length, unicode.unicode, kTextEncodingUnknown, &out);
   if ((result != dirNFErr && result != fnfErr) || !create) return result;
   return FSCreateDirectoryUnicode(&folder, unicode.length, unicode.unicode, &out, nullptr, nullptr);
+}
+
+void PresetList::addFinding(Finding finding) const {
+  if (_manager == nullptr) return;
+  finding.kind = static_cast<std::uint32_t>(getPresetType());
+  _manager->findings().add(std::move(finding));
 }
 
 // --- Entries -------------------------------------------------------------------------------------

@@ -15,6 +15,7 @@ namespace cairnset {
 class PresetLoading;
 class PresetManager;
 struct FileStart;
+struct Finding;
 
 /// The list is also the root limb of its tree. It owns its presets and destroys them unsaved.
 /// Positions count from 0 in list order. Statuses are host result codes, 0 for success. A list
@@ -44,6 +45,8 @@ class PresetList : public PtrManager, public PresetLimb {
   bool confirmed() const { return _confirmed; }
   /// The folder `name` in `parent`; with `create`, made if missing. On failure `out` is no place.
   static OSStatus findFolder(const FSRef& parent, const char* name, bool create, FSRef& out);
+  /// Adds a finding of this kind to the manager's list, if there is a manager.
+  void addFinding(Finding finding) const;
 
   // --- Entries ---
 

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "host/HostTypes.h"
+#include "presets/Findings.h"
 #include "presets/PresetListOfKind.h"
 
 namespace cairnset {
@@ -42,6 +43,9 @@ class PresetManager : public VelocityMapPresetList,
 
   KeymapManager* getKeymapManager() const { return nullptr; }
   const FSRef& presetsFolder() const { return _presets_folder; }
+  /// What the last load of each kind passed over, and what the commands since then could not do.
+  Findings& findings() { return _findings; }
+  const Findings& findings() const { return _findings; }
 
   /// Sets the library's folder, and finds or makes "Presets" in it. A look-up error other than a
   /// missing folder is ignored, on purpose: it shows when nothing can be opened.
@@ -80,6 +84,7 @@ class PresetManager : public VelocityMapPresetList,
   OSStatus synchronize(PresetList& list);
 
   FSRef _presets_folder;
+  Findings _findings;
   [[maybe_unused]] BrumeSynth* _synth;
 };
 

@@ -1,0 +1,84 @@
+// What a load passed over, and what a command could not do: a list that other programs can read
+// too.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/HostTypes.h"
+#include "host/ResultCodes.h"
+#include "presets/PresetKinds.h"
+
+namespace cairnset {
+
+enum class FindingSort : std::uint8_t {
+  // Passed over by a load: nothing that is in it is in the library, and nothing in it is rewritten.
+  kFileNotOpened,      // not even for reading
+  kFileNotWritable,    // a preset of the kind that can be read, but not be opened for writing
+  kFileNotRead,        // opened, but its bytes cannot be read
+  kFolderNotListed,    // also a kind's folder that is a file or a link
+  kKindFolderNotMade,  // neither found nor made
+
+  // The rest of what a load has found.
+  kUserFolderNotMade,  // neither found nor made; the kind is read, and nothing is made in it
+  kLinkNotFollowed,    // links never are
+  kOtherKind,          // a preset of `fileKind` in the folder of another kind
+  kDamaged,            // a preset that is not whole; `result` is its status()
+  kDefaultNotMade,     // or not taken over: a file of that name is no preset of the kind
+  kDefaultNotWritten,  // "Default" is there, but could not be made ROM with index 0
+  kPresetsFolderMade,  // there was no "Presets" in the folder given
+
+  // Sorting.
+  kReplaced,  // the file at `place` was replaced by the preset that had been at `from`
+  kNotMoved,  // the preset at `from` could not be moved to `place`, and stays
+};
+
+/// True for what is missing in the library because of an error.
+[[nodiscard]] constexpr bool isPassedOver(FindingSort sort) {
+  return sort <= FindingSort::kKindFolderNotMade;
+}
+
+struct Finding {
+  FindingSort sort;
+  std::uint32_t kind = kAllKinds;  // of the list, as in PresetKind; kAllKinds for no list
+  FSRef place;                     // the item itself
+  OSErr result = noErr;            // why; a host result code unless the sort says otherwise
+  std::string name = {};           // of a preset, as held (Mac Roman); empty for anything else
+  FSRef from = {};                 // only where the sort says so, like the rest
+  std::uint32_t fileKind = kAllKinds;
+  std::int64_t size = 0, expectedSize = 0;  // kDamaged: the file's, and a whole preset's, in bytes
+};
+
+/// All findings are counted. Of a sort and kind only the first ones are kept, so that memory does
+/// not grow with the library.
+class Findings {
+ public:
+  static constexpr std::size_t kMostKept = 10;
+
+  void add(Finding finding);
+  /// Forgets what loads of a kind have found; for kAllKinds, of all kinds.
+  void forgetLoadOf(std::uint32_t kind);
+  /// Forgets everything.
+  void clear();
+
+  /// Those kept, in the order in which they were found, which within a sort is that of the library.
+  const std::vector<Finding>& kept() const { return _kept; }
+  /// How many there were of a sort, in all kinds or in one.
+  std::size_t count(FindingSort sort) const;
+  std::size_t count(FindingSort sort, std::uint32_t kind) const;
+
+  /// How many files and folders of a kind a load passed over, and the first of them (null if none;
+  /// valid until the next change).
+  std::size_t passedOver(std::uint32_t kind) const;
+  const Finding* firstPassedOver(std::uint32_t kind) const;
+
+ private:
+  std::vector<Finding> _kept;
+  std::map<std::pair<FindingSort, std::uint32_t>, std::size_t> _counts;
+};
+
+}  // namespace cairnset
