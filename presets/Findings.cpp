@@ -10,11 +10,11 @@ void Findings::add(Finding finding) {
 
 void Findings::forgetLoadOf(std::uint32_t kind) {
   const auto isForgotten = [kind](FindingSort sort, std::uint32_t of) {
-    return sort < FindingSort::kReplaced && (kind == kAllKinds || kind == of);
+    return sort < FindingSort::kReplaced && of == kind;
   };
   std::erase_if(_kept, [&](const Finding& f) { return isForgotten(f.sort, f.kind); });
-  std::erase_if(_counts, [&](const auto& entry) {
-    return isForgotten(entry.first.first, entry.first.second);
+  std::erase_if(_counts, [&](const auto& counted) {
+    return isForgotten(counted.first.first, counted.first.second);
   });
 }
 

@@ -21,20 +21,22 @@ enum class FindingSort : std::uint8_t {
   kFileNotWritable,    // a preset of the kind that can be read, but not be opened for writing
   kFileNotRead,        // opened, but its bytes cannot be read
   kFolderNotListed,    // also a kind's folder that is a file or a link
-  kKindFolderNotMade,  // neither found nor made
+  kKindFolderNotMade,  // the folder `name` in `place` was neither found nor made
 
   // The rest of what a load has found.
-  kUserFolderNotMade,  // neither found nor made; the kind is read, and nothing is made in it
+  kUserFolderNotMade,  // the same of "User": the kind is read, and nothing is made in its folder
   kLinkNotFollowed,    // links never are
   kOtherKind,          // a preset of `fileKind` in the folder of another kind
-  kDamaged,            // a preset that is not whole; `result` is its status()
-  kDefaultNotMade,     // or not taken over: a file of that name is no preset of the kind
-  kDefaultNotWritten,  // "Default" is there, but could not be made ROM with index 0
-  kPresetsFolderMade,  // there was no "Presets" in the folder given
+  kDamaged,            // a preset, or the start of one, that is not whole
+  kDefaultNotMade,     // the list has none on the disk; dupFNErr: its name is taken
+  kDefaultNotWritten,  // it is there, but could not be made ROM with index 0
+  kPresetsFolderMade,  // there was no "Presets" in `place`, the folder given
+  kInsideLibrary,      // the folder given lies in the library at `place`
+  kHoldsPresets,       // "Presets" was made in `place`, which itself looks like a library's folder
 
   // Sorting.
   kReplaced,  // the file at `place` was replaced by the preset that had been at `from`
-  kNotMoved,  // the preset at `from` could not be moved to `place`, and stays
+  kNotMoved,  // the preset at `from` could not be moved to the folder `place`, and stays
 };
 
 /// True for what is missing in the library because of an error.
@@ -43,14 +45,16 @@ enum class FindingSort : std::uint8_t {
 }
 
 struct Finding {
-  FindingSort sort;
+  FindingSort sort{};
   std::uint32_t kind = kAllKinds;  // of the list, as in PresetKind; kAllKinds for no list
-  FSRef place;                     // the item itself
-  OSErr result = noErr;            // why; a host result code unless the sort says otherwise
-  std::string name = {};           // of a preset, as held (Mac Roman); empty for anything else
-  FSRef from = {};                 // only where the sort says so, like the rest
+  FSRef place{};                   // the item itself, unless the sort says otherwise
+  OSErr result = noErr;            // why, as a host result code
+  std::string name{};              // as held (Mac Roman), of the preset or folder
+  FSRef from{};
   std::uint32_t fileKind = kAllKinds;
-  std::int64_t size = 0, expectedSize = 0;  // kDamaged: the file's, and a whole preset's, in bytes
+  // kDamaged: the file's size, and that of a whole preset, in bytes. If they are equal, its header
+  // states another size. 0 is unknown.
+  std::int64_t size = 0, expectedSize = 0;
 };
 
 /// All findings are counted. Of a sort and kind only the first ones are kept, so that memory does
@@ -60,7 +64,7 @@ class Findings {
   static constexpr std::size_t kMostKept = 10;
 
   void add(Finding finding);
-  /// Forgets what loads of a kind have found; for kAllKinds, of all kinds.
+  /// Forgets what a load has found of a kind; for kAllKinds, of the library as a whole.
   void forgetLoadOf(std::uint32_t kind);
   /// Forgets everything.
   void clear();

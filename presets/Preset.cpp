@@ -215,6 +215,7 @@ OSErr Preset::readFrom(const FileStart& start) {
   _status = noErr;
   VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
   extractImage(file, start.size);
+  _is_file_whole = _status == noErr && start.size == fileSize();
   _edited = false;
   return _status;
 }
@@ -326,6 +327,11 @@ bool Preset::isWhole(std::string_view start) {
   readField(file, kind);
   readField(file, size);
   return fileType == _file_type && size == start.size();
+}
+
+bool Preset::isCutBeforeKind(std::string_view bytes) {
+  char words[8] = "";
+  return bytes.copy(words, 4) == 4 && bytes.size() < sizeof words && kindOf({words, sizeof words});
 }
 
 // --- The file's image ----------------------------------------------------------------------------

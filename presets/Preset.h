@@ -37,6 +37,7 @@ struct FileStart;
 class Preset : public TreeLeaf {
  public:
   static constexpr std::uint32_t _file_type = 0x4F6C5073;  // 'OlPs'
+  static constexpr std::int64_t kHeaderSize = 89;
   static constexpr const char* _default_preset_name = "Default";
   /// The index of the next new preset, of any kind.
   static std::uint32_t _index_count;
@@ -77,6 +78,8 @@ class Preset : public TreeLeaf {
   /// Overwrites the first `size` bytes of the payload fields, or all of them if they are fewer.
   virtual void setData(const void* data, long size);
   virtual long getPresetType() const = 0;
+  /// The size of the whole file in bytes.
+  virtual std::int64_t fileSize() const = 0;
   virtual const char* getDefaultPresetName() const { return _default_preset_name; }
   virtual void fillVirtualFileData(VirtualFile&) const {}
   /// Returns the payload's declared length as read. It is not checked.
@@ -86,6 +89,9 @@ class Preset : public TreeLeaf {
 
   /// The result of the last file operation, or why the file is no preset of this kind.
   OSErr status() const { return _status; }
+  /// Whether the file was exactly a preset of this kind when it was read last, no byte more or
+  /// less; true if it was never read.
+  bool isFileWhole() const { return _is_file_whole; }
   const FSRef& fileRef() const { return _file_ref; }
   bool isROM() const { return _rom != 0; }
   /// The flag as stored: 0 for RAM, any other value for ROM.
@@ -126,6 +132,8 @@ class Preset : public TreeLeaf {
   /// Writes the file from its start and returns status(), but 0 if it could not be opened, as
   /// readIn. A longer file keeps its tail, and then fails the size check when it is read again.
   OSErr writeOut();
+  /// From now on every writeOut() fails with this result, and leaves the file alone.
+  void neverWrite(OSErr why) { _why_never_written = why; }
   /// Makes and writes the file again if it is gone; 0 if it exists.
   OSErr writeOutIfDeletedFromDisk();
   /// Gives the file a second name, so that rename() to it only has to remove the first. An error if
@@ -141,6 +149,8 @@ class Preset : public TreeLeaf {
   /// The kind of the preset whose file begins with these bytes, or nothing if it is no preset's.
   /// The file's name does not matter.
   [[nodiscard]] static std::optional<std::uint32_t> kindOf(std::string_view start);
+  /// Whether a file of these bytes is a preset's, but was cut before its kind.
+  [[nodiscard]] static bool isCutBeforeKind(std::string_view bytes);
   /// Whether these bytes are as long as the preset file that they begin.
   [[nodiscard]] static bool isWhole(std::string_view start);
 
@@ -180,6 +190,7 @@ class Preset : public TreeLeaf {
   std::int32_t _index = 0;
   std::int32_t _file_index = 0;
   std::uint8_t _rom = 0;
+  bool _is_file_whole = true;
   std::shared_ptr<VirtualFile> _flat_file;  // null until there is one
 };
 

@@ -20,6 +20,7 @@ PresetList::PresetList(const PresetList& other)
       _root_folder(other._root_folder),
       _user_folder(other._user_folder),
       _confirmed(other._confirmed),
+      _why_nothing_made(other._why_nothing_made),
       _current_preset(other._current_preset),
       _indexes(*this) {}
 

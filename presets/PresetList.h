@@ -40,6 +40,13 @@ class PresetList : public PtrManager, public PresetLimb {
   bool setUserFolder(const FSRef& folder) { return _user_folder = folder, confirm(); }
   void getRootFSSpec(FSRef& out) const { out = _root_folder; }
   void getUserFSSpec(FSRef& out) const { out = _user_folder; }
+  /// Anything but noErr makes newPreset and duplicatePreset fail with it: for a kind without
+  /// "User".
+  void makeNothing(OSErr why) { _why_nothing_made = why; }
+  OSErr whyNothingMade() const { return _why_nothing_made; }
+  /// Anything but noErr makes newPreset leave an existing file as it is: a preset made for it can
+  /// never be written, with this result.
+  void keepExisting(OSErr why) { _why_existing_kept = why; }
   /// Checks whether the list can work now; confirmed() returns the last result.
   bool confirm();
   bool confirmed() const { return _confirmed; }
@@ -144,6 +151,7 @@ class PresetList : public PtrManager, public PresetLimb {
   void reorderPresets();
 
  protected:
+  OSErr whyExistingKept() const { return _why_existing_kept; }
   const FSRef& newPresetFolder(bool inUserFolder) const {
     return inUserFolder ? _user_folder : _root_folder;
   }
@@ -168,6 +176,8 @@ class PresetList : public PtrManager, public PresetLimb {
   FSRef _root_folder;
   FSRef _user_folder;
   bool _confirmed = false;
+  OSErr _why_nothing_made = noErr;
+  OSErr _why_existing_kept = noErr;
   Preset* _current_preset = nullptr;
 
   mutable PresetIndexes _indexes;

@@ -39,6 +39,7 @@ class PresetListOfKind : public PresetList {
 
   OSStatus newPreset(unsigned char* name, bool /*unused*/, bool inUserFolder) override {
     if (!confirmed()) return noErr;
+    if (whyNothingMade() != noErr) return whyNothingMade();
     RemoveAllIllegalFilenameCharsInPlace(name);
     char text[256];
     P2CCopy(text, name);
@@ -48,6 +49,7 @@ class PresetListOfKind : public PresetList {
   OSStatus duplicatePreset(long index, unsigned char* newName) override {
     const auto* source = static_cast<const Kind*>(presetAt(index));
     if (!confirmed() || source == nullptr) return noErr;
+    if (whyNothingMade() != noErr) return whyNothingMade();
     RemoveAllIllegalFilenameCharsInPlace(newName);
     return keep(make(*source, static_cast<const unsigned char*>(newName), &newPresetFolder(true)));
   }
@@ -75,6 +77,7 @@ class PresetListOfKind : public PresetList {
       delete preset;
       return status;
     }
+    if (whyExistingKept() != noErr) preset->neverWrite(whyExistingKept());
     preset->writeOut();
     addPtr(static_cast<Preset*>(preset));
     return noErr;

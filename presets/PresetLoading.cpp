@@ -6,6 +6,7 @@
 #include "host/files/FileManager.h"
 #include "host/files/FileSystemHelpers.h"
 #include "host/text/PascalStrings.h"
+#include "presets/Findings.h"
 #include "presets/PresetList.h"
 
 namespace cairnset {
@@ -13,11 +14,55 @@ namespace cairnset {
 namespace {
 
 // A file of the list's kind is a preset, whatever its name.
-Preset* openIfOfThisKind(PresetList& list, const FSRef& file, const FileStart& start) {
-  if (start.opened != noErr) return nullptr;
-  const auto kind = Preset::kindOf(start.bytes);
-  return kind == static_cast<std::uint32_t>(list.getPresetType()) ? list.openPreset(file, &start)
-                                                                  : nullptr;
+bool isOfKind(const PresetList& list, const FileStart& start) {
+  return Preset::kindOf(start.bytes) == static_cast<std::uint32_t>(list.getPresetType());
+}
+
+void addFailure(const PresetList& list, FindingSort sort, const FSRef& place, OSErr why) {
+  list.addFinding({.sort = sort, .place = place, .result = why});
+}
+
+void addDamaged(const PresetList& list, const FSRef& file, const FileStart& start,
+                const Preset* preset) {
+  list.addFinding({.sort = FindingSort::kDamaged,
+                   .place = file,
+                   .name = preset != nullptr ? preset->getTreeItemName() : "",
+                   .size = start.size,
+                   .expectedSize = preset != nullptr ? preset->fileSize() : 0});
+}
+
+void passOver(const PresetList& list, const FSRef& file, const FileStart& start) {
+  if (start.read != noErr) {
+    addFailure(list, FindingSort::kFileNotRead, file, start.read);
+  } else if (const auto kind = Preset::kindOf(start.bytes)) {
+    list.addFinding({.sort = FindingSort::kOtherKind, .place = file, .fileKind = *kind});
+  } else if (Preset::isCutBeforeKind(start.bytes)) {
+    addDamaged(list, file, start, nullptr);
+  }
+}
+
+// Links and files of other programs are no finding, and what is gone by now is none either. Which
+// of these it is costs a second look at the file.
+void passOverUnopened(const PresetList& list, const FSRef& file, OSErr why) {
+  if (isAlias(&file)) return addFailure(list, FindingSort::kLinkNotFollowed, file, why);
+  const OSErr there = FSRefIsValid(file);
+  if (there == fnfErr || (there == noErr && !isRegularFile(&file))) return;
+  char buffer[FileStart::kMost];
+  const FileStart start = readFileStart(file, fsRdPerm, buffer);
+  if (start.opened != noErr) {
+    addFailure(list, FindingSort::kFileNotOpened, file, why);
+  } else if (isOfKind(list, start)) {
+    addFailure(list, FindingSort::kFileNotWritable, file, why);
+  } else {
+    passOver(list, file, start);
+  }
+}
+
+void buildPreset(PresetList& list, const FSRef& file, const FileStart& start) {
+  if (start.opened != noErr) return passOverUnopened(list, file, start.opened);
+  if (!isOfKind(list, start)) return passOver(list, file, start);
+  const Preset* preset = list.openPreset(file, &start);
+  if (preset != nullptr && !preset->isFileWhole()) addDamaged(list, file, start, preset);
 }
 
 class Building {
@@ -53,16 +98,50 @@ class Building {
   std::vector<OpenLimb> _open;  // from the top to the folder added last
 };
 
-// The preset in the root folder's file "Default", if the load skipped it because it could not be
-// opened or read at that moment: making a new one would overwrite it.
-Preset* openPassedDefault(PresetList& list) {
+struct PassedDefault {
+  Preset* preset = nullptr;   // if it is one
+  OSErr whyNotTaken = noErr;  // why a new one must not be written in its place
+};
+
+// The root folder's file "Default", if the load skipped it. It may be a preset that could not be
+// opened or read at that moment: a new one would overwrite it. An empty file may be filled; an
+// interrupted creation leaves one.
+PassedDefault openPassedDefault(PresetList& list) {
   FSRef root, file;
   list.getRootFSSpec(root);
-  const bool isThere =
-      PresetList::findFolder(root, Preset::_default_preset_name, false, file) == noErr &&
-      isRegularFile(&file);
+  if (PresetList::findFolder(root, Preset::_default_preset_name, false, file) != noErr ||
+      !isRegularFile(&file)) {
+    return {};
+  }
   char buffer[FileStart::kMost];
-  return isThere ? openIfOfThisKind(list, file, readFileStart(file, fsRdWrPerm, buffer)) : nullptr;
+  const FileStart start = readFileStart(file, fsRdWrPerm, buffer);
+  if (start.opened != noErr || start.read != noErr || start.bytes.empty()) return {};
+  if (!isOfKind(list, start)) return {nullptr, dupFNErr};
+  return {list.openPreset(file, &start)};
+}
+
+void makeDefault(PresetList& list, OSErr whyExistingKept) {
+  Str255 name;
+  C2PCopy(name, Preset::_default_preset_name);
+  list.keepExisting(whyExistingKept);
+  auto made = static_cast<OSErr>(list.newPreset(name, true, false));
+  list.keepExisting(noErr);
+  // If that failed the last one is another preset. It becomes ROM with index 0 all the same, on
+  // purpose; but in memory only, since nobody wants that on the disk.
+  Preset* last = list.presetAt(list.count() - 1);
+  if (last != nullptr) {
+    last->setIndex(0);
+    last->setROM(true);
+    if (made == noErr) {
+      last->writeOut();
+      made = last->status();
+    } else {
+      last->neverWrite(made);
+    }
+  }
+  FSRef root;
+  list.getRootFSSpec(root);
+  if (made != noErr) addFailure(list, FindingSort::kDefaultNotMade, root, made);
 }
 
 Preset* findDefault(const PresetList& list) {
@@ -119,16 +198,19 @@ PresetLoading::Result PresetLoading::build() {
   const OSErr listed = _ahead.front().item.listed;
   _ahead.pop_front();
   Result result{listed, listed};
+  if (listed != noErr) addFailure(*folder.list, FindingSort::kFolderNotListed, folder.ref, listed);
   Building building(*folder.list, *folder.limb);
   for (walkAhead(); !_ahead.empty() && !_ahead.front().isTop; walkAhead()) {
     const FolderWalk::Item item = _ahead.front().item;
     _ahead.pop_front();
     if (item.isFolder) {
       building.addFolder(item);
+      if (item.listed != noErr)
+        addFailure(*folder.list, FindingSort::kFolderNotListed, item.ref, item.listed);
       result.status = item.listed;
     } else {
       const FileStart start = _reading->next();
-      openIfOfThisKind(*folder.list, item.ref, start);
+      buildPreset(*folder.list, item.ref, start);
       if (start.opened == noErr) result.status = start.closed;
     }
   }
@@ -137,20 +219,22 @@ PresetLoading::Result PresetLoading::build() {
 
 bool makeSureOfDefault(PresetList& list) {
   Preset* found = findDefault(list);
-  if (found == nullptr) found = openPassedDefault(list);
   if (found == nullptr) {
-    Str255 name;
-    C2PCopy(name, Preset::_default_preset_name);
-    list.newPreset(name, true, false);
-    // If that failed this is another preset, which becomes ROM with index 0, on purpose.
-    found = list.presetAt(list.count() - 1);
-    if (found == nullptr) return true;
-  } else if (found->isROM() && found->index() == 0) {
-    return false;
+    const PassedDefault passed = openPassedDefault(list);
+    found = passed.preset;
+    if (found == nullptr) {
+      makeDefault(list, passed.whyNotTaken);
+      return true;
+    }
   }
+  if (found->isROM() && found->index() == 0) return false;
   found->setIndex(0);
   found->setROM(true);
+  // What is not a whole preset stays as it is on the disk: it may be all that is left of one.
+  if (!found->isFileWhole()) return false;
   found->writeOut();
+  if (found->status() != noErr)
+    addFailure(list, FindingSort::kDefaultNotWritten, found->fileRef(), found->status());
   return true;
 }
 

@@ -60,7 +60,9 @@ class PresetLoading {
 };
 
 /// Makes the first preset named "Default", case ignored, ROM with index 0, and writes it if it was
-/// not. If there is none, makes one in the root folder. False if there was nothing to do.
+/// not, unless the file is not a whole preset. If there is none, makes one in the root folder; if
+/// that fails, the last preset of the list takes its part in memory, and is never written. False if
+/// no file was touched.
 [[nodiscard]] bool makeSureOfDefault(PresetList& list);
 
 }  // namespace cairnset

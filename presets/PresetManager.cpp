@@ -1,10 +1,12 @@
 #include "presets/PresetManager.h"
 
 #include <string>
+#include <string_view>
 
 #include "host/files/FileManager.h"
 #include "host/files/FileReading.h"
 #include "host/files/FileSystemHelpers.h"
+#include "host/files/FolderWalk.h"
 #include "host/preferences/BrumePrefs.h"
 #include "presets/PresetLoading.h"
 #include "presets/PresetReferences.h"
@@ -14,6 +16,7 @@ namespace cairnset {
 namespace {
 
 constexpr const char* kPresetsFolder = "Presets";
+constexpr const char* kUserFolder = "User";
 
 const char* folderOf(const PresetList& list) {
   switch (list.getPresetType()) {
@@ -26,6 +29,39 @@ const char* folderOf(const PresetList& list) {
     default:
       return "Sessions";
   }
+}
+
+bool holdsKindFolder(const FSRef& folder) {
+  for (const char* name : {"Velocity Maps", "Effects", "Programs", "Sessions"}) {
+    FSRef found;
+    if (PresetList::findFolder(folder, name, false, found) == noErr && isFolder(&found))
+      return true;
+  }
+  return false;
+}
+
+// The items folder of the library whose "Presets" is this folder or one above it; else no place.
+FSRef libraryAround(FSRef folder) {
+  FSRef above;
+  HFSUniStr255 name;
+  for (; placeOf(folder, &above, &name); folder = above) {
+    if (std::u16string_view(name.unicode, name.length) == u"Presets" && holdsKindFolder(folder))
+      return above;
+  }
+  return {};
+}
+
+// Whether somebody has taken "Presets", or a folder of presets, for the items folder.
+bool looksLikeLibraryFolder(const FSRef& folder) {
+  constexpr std::size_t kMostRead = 64;
+  if (holdsKindFolder(folder)) return true;
+  std::size_t read = 0;
+  for (const auto& [file, isFolder] : listFolder(folder).items) {
+    char buffer[FileStart::kMost];
+    if (isFolder || ++read > kMostRead) continue;
+    if (Preset::kindOf(readFileStart(file, fsRdPerm, buffer).bytes)) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -58,20 +94,39 @@ PresetManager::~PresetManager() {
 
 OSStatus PresetManager::setOlvanItemsFSRef(const FSRef& items) {
   if (const OSErr result = FSRefIsValid(items); result != noErr) return result;
-  FSRef presets;
-  const OSStatus found = PresetList::findFolder(items, kPresetsFolder, false, presets);
-  if (found == dirNFErr || found == fnfErr) {
-    const OSStatus made = PresetList::findFolder(items, kPresetsFolder, true, presets);
-    if (made != noErr) return made;
-  }
-  _presets_folder = presets;
+  const PresetsFolder presets = findPresetsFolder(items);
+  if (presets.made != noErr) return presets.made;
+  usePresetsFolder(items, presets);
   return noErr;
+}
+
+PresetManager::PresetsFolder PresetManager::findPresetsFolder(const FSRef& items) {
+  PresetsFolder presets;
+  presets.found = PresetList::findFolder(items, kPresetsFolder, false, presets.ref);
+  presets.isMissing = presets.found == dirNFErr || presets.found == fnfErr;
+  if (presets.isMissing)
+    presets.made = PresetList::findFolder(items, kPresetsFolder, true, presets.ref);
+  return presets;
+}
+
+void PresetManager::usePresetsFolder(const FSRef& items, const PresetsFolder& presets) {
+  _items_folder = items;
+  _presets_folder = presets.ref;
+  _why_no_presets_folder = presets.isMissing ? presets.made : presets.found;
+  const bool isNew = presets.isMissing && presets.made == noErr;
+  _findings.forgetLoadOf(kAllKinds);
+  if (isNew) _findings.add({.sort = FindingSort::kPresetsFolderMade, .place = items});
+  if (const FSRef library = libraryAround(items); library != FSRef()) {
+    _findings.add({.sort = FindingSort::kInsideLibrary, .place = library});
+  } else if (isNew && looksLikeLibraryFolder(items)) {
+    _findings.add({.sort = FindingSort::kHoldsPresets, .place = items});
+  }
 }
 
 void PresetManager::openAllPresets(BrumePrefs* prefs) {
   const FSRef* items = prefs != nullptr ? prefs->getItemsFSRef() : nullptr;
   if (items == nullptr || FSRefIsValid(*items) != noErr) return;
-  PresetList::findFolder(*items, kPresetsFolder, true, _presets_folder);
+  usePresetsFolder(*items, findPresetsFolder(*items));
   openAllPresetsOfType(kAllKinds);
 }
 
@@ -87,12 +142,23 @@ void PresetManager::findFolders(PresetList& list) {
   // A folder that could be neither found nor made is no place and leaves the list unconfirmed, so
   // that it never works on another kind's folder.
   FSRef root, user;
-  PresetList::findFolder(_presets_folder, folderOf(list), true, root);
+  OSStatus found = PresetList::findFolder(_presets_folder, folderOf(list), true, root);
+  if (found == errFSBadFSRef) found = _why_no_presets_folder;
   list.setRootFolder(root);
-  if (list.getPresetType() == kSessionKind) {
+  list.makeNothing(noErr);
+  const auto addNotMade = [&list](FindingSort sort, const FSRef& in, const char* name,
+                                  OSStatus why) {
+    list.addFinding({.sort = sort, .place = in, .result = static_cast<OSErr>(why), .name = name});
+  };
+  if (found != noErr) {
+    addNotMade(FindingSort::kKindFolderNotMade, _presets_folder, folderOf(list), found);
+  } else if (list.getPresetType() == kSessionKind) {
     user = root;
-  } else {
-    PresetList::findFolder(root, "User", true, user);
+  } else if (found = PresetList::findFolder(root, kUserFolder, true, user); found != noErr) {
+    // Its presets are there all the same: read them, but make nothing in a folder like that.
+    addNotMade(FindingSort::kUserFolderNotMade, root, kUserFolder, found);
+    list.makeNothing(static_cast<OSErr>(found));
+    user = root;
   }
   list.setUserFolder(user);
 }
@@ -101,6 +167,7 @@ void PresetManager::openAllPresetsOfType(long kind) {
   const std::vector<PresetList*> lists = listsOf(kind);
   PresetLoading loading;
   for (PresetList* list : lists) {
+    _findings.forgetLoadOf(static_cast<std::uint32_t>(list->getPresetType()));
     findFolders(*list);
     list->addTo(loading);
   }

@@ -42,6 +42,8 @@ class PresetManager : public VelocityMapPresetList,
   SessionPresetList& sessions() { return *this; }
 
   KeymapManager* getKeymapManager() const { return nullptr; }
+  /// The library's own folder, in which "Presets" is; no place until it is set.
+  const FSRef& itemsFolder() const { return _items_folder; }
   const FSRef& presetsFolder() const { return _presets_folder; }
   /// What the last load of each kind passed over, and what the commands since then could not do.
   Findings& findings() { return _findings; }
@@ -81,9 +83,21 @@ class PresetManager : public VelocityMapPresetList,
   // The lists of a kind, or all for kAllKinds, in loading order.
   std::vector<PresetList*> listsOf(long kind);
   void findFolders(PresetList& list);
+
+  struct PresetsFolder {
+    FSRef ref{};
+    OSStatus found = noErr;
+    bool isMissing = false;
+    OSStatus made = noErr;  // if it was missing
+  };
+  static PresetsFolder findPresetsFolder(const FSRef& items);
+  void usePresetsFolder(const FSRef& items, const PresetsFolder& presets);
+
   OSStatus synchronize(PresetList& list);
 
+  FSRef _items_folder;
   FSRef _presets_folder;
+  OSStatus _why_no_presets_folder = noErr;
   Findings _findings;
   [[maybe_unused]] BrumeSynth* _synth;
 };

@@ -26,6 +26,14 @@ class PresetOfKind : public Preset {
   long getDataSize() const override { return sizeof fields; }
   long getPresetType() const override { return kKind; }
 
+  std::int64_t fileSize() const override {
+    std::int64_t size = kHeaderSize + sizeof Fields::kDeclaredLength;
+    Fields::forEach(fields, [&size](const auto&... field) {
+      ((size += static_cast<std::int64_t>(sizeof field)), ...);
+    });
+    return size;
+  }
+
   void fillVirtualFileData(VirtualFile& file) const override {
     writeField(file, Fields::kDeclaredLength);
     Fields::forEach(fields, [&file](const auto&... field) { (writeField(file, field), ...); });

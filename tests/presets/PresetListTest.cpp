@@ -205,10 +205,38 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
 }
 
 TEST_F(PresetListTest, WhatALoadHasWrittenIsReadAfterIt) {
-  put(*this, PresetFile{"Programs/p"}), makeFolder("lib/Presets/Effects");
+  write("lib/Presets/Programs/p", ""), makeFolder("lib/Presets/Effects");
   fs::create_hard_link(path("lib/Presets/Programs/p"), path("lib/Presets/Effects/Default"));
   manager.openAllPresets();
-  EXPECT_EQ(manager.programs().findPreset("p"), nullptr) << "an effects preset by now";
+  EXPECT_EQ(manager.findings().count(FindingSort::kOtherKind, kProgramKind), 1u)
+      << "an effects preset by now";
+}
+
+// Without a "User" or a "Default" of its own, a kind is read as it is, and no other preset is
+// spoilt.
+TEST_F(PresetListTest, WhatCannotBeMadeHarmsNothing) {
+  const std::string file = kRoot + "/mine",
+                    bytes = PresetFile{"Velocity Maps/mine", false, 7}.bytes();
+  for (const bool hasUserFolder : {false, true}) {
+    write(file, bytes);
+    if (hasUserFolder) makeFolder(kRoot + "/User");
+    list.clearPresets();
+    host().calls.mkdir = [](auto...) { return failWith(EACCES); };
+    intercept(host().calls.open,
+              [](const auto& open, int folder, auto* path, int flags, auto mode) {
+                return (flags & O_CREAT) != 0 ? failWith(EACCES) : open(folder, path, flags, mode);
+              });
+    load();
+    host().calls = SystemCalls();
+    EXPECT_EQ(shown(), "mine ROM 0; ") << "in memory alone";
+    EXPECT_TRUE(list.savePreset(0) == 0 && list.presetAt(0)->status() == permErr);
+    EXPECT_EQ(list.newPreset(pascal("new"), true, true), hasUserFolder ? noErr : permErr);
+    EXPECT_TRUE(read(file) == bytes && exists(kRoot + "/User") == hasUserFolder);
+    const Findings& findings = manager.findings();
+    EXPECT_EQ(findings.count(FindingSort::kUserFolderNotMade), hasUserFolder ? 0u : 1u);
+    EXPECT_EQ(findings.kept().back().sort, FindingSort::kDefaultNotMade);
+    EXPECT_EQ(findings.passedOver(kVelocityMapKind), 0u);
+  }
 }
 
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
