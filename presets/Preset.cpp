@@ -93,7 +93,7 @@ Preset::Preset(const Preset& source, const unsigned char* newName, long /*kind*/
 
 Preset::~Preset() {
   close();
-  if (_delete_on_destroy) FSDeleteObject(&_file_ref);
+  if (_delete_on_destroy) (void)FSDeleteObject(&_file_ref);
 }
 
 void Preset::takeFile(const FSRef& ref) {
@@ -200,11 +200,11 @@ OSErr Preset::readIn() {
   if (_fork_ref == 0) return noErr;
   char image[FileStart::kMost];
   std::size_t loaded = 0;
-  FSReadFork(_fork_ref, fsFromStart, 0, sizeof image, image, &loaded);
+  (void)FSReadFork(_fork_ref, fsFromStart, 0, sizeof image, image, &loaded);
   FileStart start;
   start.bytes = {image, loaded};
   start.size = static_cast<std::int64_t>(loaded);
-  if (loaded == sizeof image) FSGetForkSize(_fork_ref, &start.size);
+  if (loaded == sizeof image) (void)FSGetForkSize(_fork_ref, &start.size);
   readFrom(start);
   close();
   return _status;
@@ -253,9 +253,9 @@ OSErr Preset::writeOutIfDeletedFromDisk() {
 
 void Preset::deleteIfEmpty() {
   std::int64_t size = -1;
-  if (openForReading() == noErr) FSGetForkSize(_fork_ref, &size);
+  if (openForReading() == noErr) (void)FSGetForkSize(_fork_ref, &size);
   close();
-  if (size == 0) FSDeleteObject(&_file_ref);
+  if (size == 0) (void)FSDeleteObject(&_file_ref);
 }
 
 OSErr Preset::addName(const unsigned char* newName) const {

@@ -178,10 +178,11 @@ void PresetManager::openAllPresetsOfType(long kind) {
 OSStatus PresetManager::openTopLevelPresets(long kind) {
   const std::vector<PresetList*> lists = listsOf(kind);
   FSIterator iterator = 0;
-  FSOpenIterator(&_presets_folder, 0, &iterator);
+  (void)FSOpenIterator(&_presets_folder, 0, &iterator);
   FSRef file;
   std::size_t actual = 0;
-  while (FSGetCatalogInfoBulk(iterator, 1, &actual, kFSCatInfoNone, nullptr, &file), actual > 0) {
+  while ((void)FSGetCatalogInfoBulk(iterator, 1, &actual, kFSCatInfoNone, nullptr, &file),
+         actual > 0) {
     char buffer[FileStart::kMost];
     const FileStart start = readFileStart(file, fsRdPerm, buffer);
     const auto fileKind = Preset::kindOf(start.bytes);

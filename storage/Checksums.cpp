@@ -99,15 +99,15 @@ int confirmChecksum(short forkRef, ChecksumProgress progress, long refCon) {
   // Reads the next bytes of the fork, with zeros for those that cannot be read.
   const auto read = [forkRef, &buffer](std::size_t count) {
     std::fill_n(buffer.get(), kBlock, static_cast<unsigned char>(0));
-    FSReadFork(forkRef, fsAtMark, 0, count, buffer.get(), nullptr);
+    (void)FSReadFork(forkRef, fsAtMark, 0, count, buffer.get(), nullptr);
   };
   const auto cancelled = [progress, refCon](float fraction) {
     return progress != nullptr && progress(fraction, refCon) != 0;
   };
 
   std::int64_t size = 0;
-  FSSetForkPosition(forkRef, fsFromStart, 0);
-  FSGetForkSize(forkRef, &size);
+  (void)FSSetForkPosition(forkRef, fsFromStart, 0);
+  (void)FSGetForkSize(forkRef, &size);
   const auto contentSize = size - static_cast<std::int64_t>(kWord);
   const auto blocks = contentSize / static_cast<std::int64_t>(kBlock);
   if (cancelled(0.0f)) return -1;
@@ -122,7 +122,7 @@ int confirmChecksum(short forkRef, ChecksumProgress progress, long refCon) {
   // From where the reads really ended. The bounds are for a fork of fewer than 8 bytes, and for one
   // whose length changes during the check.
   std::int64_t position = 0;
-  FSGetForkPosition(forkRef, &position);
+  (void)FSGetForkPosition(forkRef, &position);
   read(static_cast<std::size_t>(
       std::clamp<std::int64_t>(contentSize - position, 0, static_cast<std::int64_t>(kBlock))));
   sum += sumOfWords(buffer.get(), kBlock, false);

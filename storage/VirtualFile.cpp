@@ -441,7 +441,7 @@ long VirtualFile::load(short forkRef, unsigned long maxBytes) {
   return loadChunks(
       [forkRef, request = kChunk](char* scratch) mutable {
         std::size_t actual = 0;
-        FSReadFork(forkRef, fsAtMark, 0, request, scratch, &actual);
+        (void)FSReadFork(forkRef, fsAtMark, 0, request, scratch, &actual);
         return request = actual;
       },
       maxBytes);

@@ -74,24 +74,29 @@ Transferred writeOrTakeBack(const Fork& fork, const char* bytes, std::size_t cou
   return written;
 }
 
-OSErr sizeOf(const Fork& fork, std::int64_t& size) {
+// An offset in a fork, in bytes from its start; only after noErr.
+struct Offset {
+  OSErr result;
+  std::int64_t bytes = 0;
+};
+
+Offset endOf(const Fork& fork) {
   struct stat info;
   const auto look = [&] { return host().calls.fstat(fork.descriptor, &info); };
-  if (retried(look) != 0) return resultFromErrno(errno);
-  size = info.st_size;
-  return noErr;
+  if (retried(look) != 0) return {resultFromErrno(errno)};
+  return {noErr, info.st_size};
 }
 
-OSErr positionFor(const Fork& fork, std::uint16_t mode, std::int64_t offset, std::int64_t& out) {
-  std::int64_t base = (mode & 3) == fsFromStart ? 0 : fork.mark;
+Offset positionFor(const Fork& fork, std::uint16_t mode, std::int64_t offset) {
+  Offset base{noErr, (mode & 3) == fsFromStart ? 0 : fork.mark};
   if ((mode & 3) == fsAtMark) offset = 0;
-  if ((mode & 3) == fsFromLEOF) {
-    if (const OSErr result = sizeOf(fork, base); result != noErr) return result;
+  if ((mode & 3) == fsFromLEOF) base = endOf(fork);
+  if (base.result != noErr) return base;
+  if (offset > 0 && base.bytes > std::numeric_limits<std::int64_t>::max() - offset) {
+    return {paramErr};
   }
-  if (offset > 0 && base > std::numeric_limits<std::int64_t>::max() - offset) return paramErr;
-  if (base + offset < 0) return paramErr;
-  out = base + offset;
-  return noErr;
+  if (base.bytes + offset < 0) return {paramErr};
+  return {noErr, base.bytes + offset};
 }
 
 }  // namespace
@@ -125,8 +130,7 @@ OSErr FSReadFork(std::int16_t number, std::uint16_t positionMode, std::int64_t o
   if (actual != nullptr) *actual = 0;
   Fork* fork = forkAt(number);
   if (fork == nullptr) return rfNumErr;
-  std::int64_t position = 0;
-  const OSErr result = positionFor(*fork, positionMode, offset, position);
+  const auto [result, position] = positionFor(*fork, positionMode, offset);
   if (result != noErr) return result;
   const Transferred got = readFully(*fork, static_cast<char*>(buffer), count, position);
   fork->mark = position + static_cast<std::int64_t>(got.count);
@@ -139,8 +143,7 @@ OSErr FSWriteFork(std::int16_t number, std::uint16_t positionMode, std::int64_t 
   if (actual != nullptr) *actual = 0;
   Fork* fork = forkAt(number);
   if (fork == nullptr) return rfNumErr;
-  std::int64_t position = 0;
-  const OSErr result = positionFor(*fork, positionMode, offset, position);
+  const auto [result, position] = positionFor(*fork, positionMode, offset);
   if (result != noErr) return result;
   const auto* bytes = static_cast<const char*>(buffer);
   const bool canTakeBack = count <= kMostTakenBack && (fork->permissions & fsRdPerm) != 0;
@@ -154,7 +157,9 @@ OSErr FSWriteFork(std::int16_t number, std::uint16_t positionMode, std::int64_t 
 OSErr FSSetForkPosition(std::int16_t number, std::uint16_t positionMode, std::int64_t offset) {
   Fork* fork = forkAt(number);
   if (fork == nullptr) return rfNumErr;
-  return positionFor(*fork, positionMode, offset, fork->mark);
+  const auto [result, position] = positionFor(*fork, positionMode, offset);
+  if (result == noErr) fork->mark = position;
+  return result;
 }
 
 OSErr FSGetForkPosition(std::int16_t number, std::int64_t* position) {
@@ -167,7 +172,9 @@ OSErr FSGetForkPosition(std::int16_t number, std::int64_t* position) {
 OSErr FSGetForkSize(std::int16_t number, std::int64_t* size) {
   const Fork* fork = forkAt(number);
   if (fork == nullptr) return rfNumErr;
-  return sizeOf(*fork, *size);
+  const auto [result, end] = endOf(*fork);
+  if (result == noErr) *size = end;
+  return result;
 }
 
 OSErr FSCloseFork(std::int16_t number) {

@@ -31,30 +31,45 @@ HFSUniStr255 hostName(const char* name) {
   return unicode;
 }
 
-OSErr findItem(const FSRef& folder, const char* name, FSRef& item) {
+struct Item {
+  OSErr result = noErr;
+  FSRef ref{};  // only after noErr
+};
+
+Item findItem(const FSRef& folder, const char* name) {
   const HFSUniStr255 unicode = hostName(name);
-  return FSMakeFSRefUnicode(&folder, unicode.length, unicode.unicode, kTextEncodingUnknown, &item);
+  Item item;
+  item.result =
+      FSMakeFSRefUnicode(&folder, unicode.length, unicode.unicode, kTextEncodingUnknown, &item.ref);
+  return item;
 }
 
-OSErr createFile(const FSRef& folder, const char* name, FSRef* file) {
+Item createFile(const FSRef& folder, const char* name) {
   const HFSUniStr255 unicode = hostName(name);
-  return FSCreateFileUnicode(&folder, unicode.length, unicode.unicode, file, nullptr);
+  Item file;
+  file.result = FSCreateFileUnicode(&folder, unicode.length, unicode.unicode, &file.ref, nullptr);
+  return file;
 }
 
-OSErr openDataFork(const FSRef& file, std::int8_t permissions, std::int16_t& fork) {
+// The open data fork, or 0.
+std::int16_t openDataFork(const FSRef& file, std::int8_t permissions) {
   HFSUniStr255 name;
   FSGetDataForkName(&name);
-  return FSOpenFork(&file, name.length, name.unicode, permissions, &fork);
+  std::int16_t fork = 0;
+  const OSErr result = FSOpenFork(&file, name.length, name.unicode, permissions, &fork);
+  return result == noErr ? fork : std::int16_t{0};
 }
 
-OSErr userPreferencesFolder(FSRef& folder) {
-  const OSErr result = getPrefsFSRef(&folder);
-  if (!isMissing(result)) return result;
+Item userPreferencesFolder() {
+  Item folder;
+  folder.result = getPrefsFSRef(&folder.ref);
+  if (!isMissing(folder.result)) return folder;
   // In a new account the folder is missing until a program makes it, perhaps this one.
   short volume = 0;
   long directory = 0;
-  const OSErr made = getPrefsVolRefNumAndDirID(&volume, &directory);
-  return made == noErr ? getPrefsFSRef(&folder) : made;
+  folder.result = getPrefsVolRefNumAndDirID(&volume, &directory);
+  if (folder.result == noErr) folder.result = getPrefsFSRef(&folder.ref);
+  return folder;
 }
 
 }  // namespace
@@ -62,10 +77,11 @@ OSErr userPreferencesFolder(FSRef& folder) {
 // --- Finding the library -------------------------------------------------------------------------
 
 OSErr BrumePrefs::openPrefsFolder() {
-  FSRef parent;
-  OSErr result = userPreferencesFolder(parent);
-  if (result != noErr) return result;
-  result = findItem(parent, kPrefsFolderName, _prefs_ref);
+  const Item parent = userPreferencesFolder();
+  if (parent.result != noErr) return parent.result;
+  const Item folder = findItem(parent.ref, kPrefsFolderName);
+  _prefs_ref = folder.ref;
+  OSErr result = folder.result;
   bool mustMake = isMissing(result);
   if (result == noErr) {
     bool isAlias = false;
@@ -77,8 +93,8 @@ OSErr BrumePrefs::openPrefsFolder() {
   }
   if (mustMake) {
     const HFSUniStr255 name = hostName(kPrefsFolderName);
-    result =
-        FSCreateDirectoryUnicode(&parent, name.length, name.unicode, &_prefs_ref, nullptr, nullptr);
+    result = FSCreateDirectoryUnicode(&parent.ref, name.length, name.unicode, &_prefs_ref, nullptr,
+                                      nullptr);
   }
   return result == noErr ? FSRefMakePath(&_prefs_ref, _prefs_path, sizeof _prefs_path) : result;
 }
@@ -90,7 +106,9 @@ void BrumePrefs::initPrefs(void* /*unused*/) {
     displayFileManagerErrorWhileOpening(result, kPrefsFolderName);
     return;
   }
-  result = findItem(_prefs_ref, kItemsName, _items_ref);
+  const Item items = findItem(_prefs_ref, kItemsName);
+  _items_ref = items.ref;
+  result = items.result;
   if (isMissing(result)) {
     displayErrorStrings("Olvan is unable to locate its library.",
                         "Please locate your installed 'Olvan Items' folder...");
@@ -117,14 +135,13 @@ OSErr BrumePrefs::makeItemsAlias(const FSRef& target) {
   const HFSUniStr255 name = hostName(kItemsName);
   OSErr result = FSCreateAliasFile(&_prefs_ref, name.length, name.unicode, &target, &_items_ref);
   if (result != dupFNErr) return result;
-  FSRef existing;
-  result = findItem(_prefs_ref, kItemsName, existing);
-  if (result != noErr) return result;
-  if (existing == target) {  // a real folder, which must not make way for an alias to itself
-    _items_ref = existing;
+  const Item existing = findItem(_prefs_ref, kItemsName);
+  if (existing.result != noErr) return existing.result;
+  if (existing.ref == target) {  // a real folder, which must not make way for an alias to itself
+    _items_ref = existing.ref;
     return noErr;
   }
-  result = FSDeleteObject(&existing);
+  result = FSDeleteObject(&existing.ref);
   if (result != noErr) return result;
   return FSCreateAliasFile(&_prefs_ref, name.length, name.unicode, &target, &_items_ref);
 }
@@ -149,8 +166,7 @@ OSErr BrumePrefs::userSelectNewItemsPath() {
 void BrumePrefs::askForBrumeKeymapsTxtLocation() {
   FSRef file;
   if (!chooseFile("Please locate the BrumeKeymaps.txt file.", navFilterUPP, &file)) return;
-  std::int16_t fork = 0;
-  if (openDataFork(file, fsRdPerm, fork) == noErr) FSCloseFork(fork);
+  if (const std::int16_t fork = openDataFork(file, fsRdPerm); fork != 0) (void)FSCloseFork(fork);
   _initialised = 1;
 }
 
@@ -166,17 +182,16 @@ void BrumePrefs::readPrefs() {
 
 void BrumePrefs::readLastRunTime() {
   if (!isInitialised()) return;
-  FSRef file;
-  OSErr result = findItem(_prefs_ref, kTimeoutName, file);
-  if (result == fnfErr) {
-    createFile(_prefs_ref, kTimeoutName, nullptr);
+  const Item file = findItem(_prefs_ref, kTimeoutName);
+  if (file.result == fnfErr) {
+    createFile(_prefs_ref, kTimeoutName);
     _last_run_time = 0;
   }
-  std::int16_t fork = 0;
-  if (result != noErr || openDataFork(file, fsRdWrPerm, fork) != noErr) return;
+  const std::int16_t fork = file.result == noErr ? openDataFork(file.ref, fsRdWrPerm) : 0;
+  if (fork == 0) return;
   TimeoutBytes bytes = {};
-  result = FSReadFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);
-  FSCloseFork(fork);
+  const OSErr result = FSReadFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);
+  (void)FSCloseFork(fork);
   if (result == noErr) _last_run_time = decodeTimeout(bytes);
   if (result == eofErr) _last_run_time = 0;  // as it was made; the instrument has not run since
 }
@@ -184,14 +199,13 @@ void BrumePrefs::readLastRunTime() {
 void BrumePrefs::resetLastRunTime() {
   if (!isInitialised()) return;
   _last_run_time = std::time(nullptr);
-  FSRef file;
-  OSErr result = findItem(_prefs_ref, kTimeoutName, file);
-  if (result == fnfErr) result = createFile(_prefs_ref, kTimeoutName, &file);
-  std::int16_t fork = 0;
-  if (result != noErr || openDataFork(file, fsRdWrPerm, fork) != noErr) return;
+  Item file = findItem(_prefs_ref, kTimeoutName);
+  if (file.result == fnfErr) file = createFile(_prefs_ref, kTimeoutName);
+  const std::int16_t fork = file.result == noErr ? openDataFork(file.ref, fsRdWrPerm) : 0;
+  if (fork == 0) return;
   const TimeoutBytes bytes = encodeTimeout(_last_run_time);
-  FSWriteFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);
-  FSCloseFork(fork);
+  (void)FSWriteFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);
+  (void)FSCloseFork(fork);
 }
 
 unsigned long BrumePrefs::getSecondsSinceLastRun() const {
