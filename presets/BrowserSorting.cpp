@@ -5,6 +5,7 @@
 
 #include "host/terminal/Process.h"
 #include "params/Keysets.h"
+#include "presets/Findings.h"
 #include "presets/PresetListOfKind.h"
 
 namespace cairnset {
@@ -13,6 +14,24 @@ namespace {
 
 constexpr const char* kFactory = "Factory";
 constexpr OSStatus kMoved = 1;  // what a successful move returns
+
+OSStatus moveTo(PresetList& list, Preset& preset, const FSRef& folder, bool replace) {
+  const FSRef from = preset.fileRef();
+  const Preset::Moved moved = preset.move(folder, replace);
+  if (moved.replaced != FSRef())
+    list.addFinding({.sort = FindingSort::kReplaced, .place = moved.replaced, .from = from});
+  return moved.result;
+}
+
+void addNotMoved(PresetList& list, const Preset& preset, const char* folder, OSStatus why) {
+  FSRef root;
+  list.getRootFSSpec(root);
+  list.addFinding({.sort = FindingSort::kNotMoved,
+                   .place = root,
+                   .result = static_cast<OSErr>(why),
+                   .name = folder,
+                   .from = preset.fileRef()});
+}
 
 }  // namespace
 
@@ -54,19 +73,27 @@ OSStatus sortLoosePresets(PresetList& list, const char* (*romFolder)(const Prese
     auto& preset = static_cast<Preset&>(*leaf);
     if (preset.isDefault()) continue;
     const HeldSignals held;  // one file is moved whole or not at all
+    if (list.whyNothingMade() != noErr) {
+      addNotMoved(list, preset, "User", status = list.whyNothingMade());
+      continue;
+    }
     if (!preset.isROM()) {
-      status = preset.moveToFolder(user, false);
+      status = moveTo(list, preset, user, false);
+      if (status != kMoved) addNotMoved(list, preset, "User", status);
       continue;
     }
     // Equivalent to a look-up for each preset. Only a successful move proves that the folder
     // exists: its name may belong to a file that this sort moves away.
     FSRef& folder = found[romFolder(preset)];
     const bool wasFound = folder != FSRef();
-    if (wasFound) status = preset.moveToFolder(folder, true);
+    if (wasFound) status = moveTo(list, preset, folder, true);
     if (!wasFound || status != kMoved) {
       status = PresetList::findFolder(root, romFolder(preset), true, folder);
-      if (status == noErr) status = preset.moveToFolder(folder, true);
-      if (status != kMoved) folder = {};
+      if (status == noErr) status = moveTo(list, preset, folder, true);
+      if (status != kMoved) {
+        addNotMoved(list, preset, romFolder(preset), status);
+        folder = {};
+      }
     }
   }
   return status;

@@ -36,7 +36,7 @@ enum class FindingSort : std::uint8_t {
 
   // Sorting.
   kReplaced,  // the file at `place` was replaced by the preset that had been at `from`
-  kNotMoved,  // the preset at `from` could not be moved to the folder `place`, and stays
+  kNotMoved,  // the preset at `from` could not be moved to the folder `name` in `place`, and stays
 };
 
 /// True for what is missing in the library because of an error.

@@ -277,7 +277,7 @@ OSErr Preset::rename(const unsigned char* newName) {
   return noErr;
 }
 
-OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
+Preset::Moved Preset::move(const FSRef& folder, bool replace) {
   HFSUniStr255 name, ownName;
   placeOf(_host_name_ref, nullptr, &name);
   placeOf(_file_ref, nullptr, &ownName);
@@ -285,6 +285,7 @@ OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
   const bool keepsName = view(name) == view(ownName);
   FSRef moved;
   OSErr result = dupFNErr;
+  FSRef replaced;
   // Try the move first: the name is nearly always free.
   if (!replace || keepsName) result = FSMoveObject(&_file_ref, &folder, &moved);
   if (replace && result == dupFNErr) {
@@ -297,14 +298,17 @@ OSErr Preset::moveToFolder(const FSRef& folder, bool replace) {
     } else if (result == noErr && !isTakenOver && areTwoItems(there, _file_ref)) {
       // Never this preset itself, which has both names on a volume that ignores case.
       result = FSDeleteObject(&there);
+      if (result == noErr) replaced = there;
     }
     if (result == noErr) {
+      const bool isReplaced = isTakenOver && areTwoItems(there, _file_ref);
       result = (isTakenOver ? FSMoveObjectReplacing : FSMoveObject)(&_file_ref, &folder, &moved);
+      if (isReplaced && result == noErr) replaced = there;
     }
   }
-  if (result != noErr) return result;
+  if (result != noErr) return {result, replaced};
   changeFile(moved);
-  return 1;
+  return {1, replaced};
 }
 
 std::optional<std::uint32_t> Preset::kindOf(std::string_view start) {

@@ -144,7 +144,15 @@ class Preset : public TreeLeaf {
   /// Moves the file. With `replace`, a file there with this preset's host name is replaced, unless
   /// it is this preset's own, under another spelling or as a hard link. Returns 1, not 0, on
   /// success, on purpose: it always has.
-  [[nodiscard]] OSErr moveToFolder(const FSRef& folder, bool replace);
+  [[nodiscard]] OSErr moveToFolder(const FSRef& folder, bool replace) {
+    return move(folder, replace).result;
+  }
+  struct Moved {
+    OSErr result;
+    FSRef replaced{};  // where another file was, also if the move failed after that; else no place
+  };
+  /// The same.
+  [[nodiscard]] Moved move(const FSRef& folder, bool replace);
 
   /// The kind of the preset whose file begins with these bytes, or nothing if it is no preset's.
   /// The file's name does not matter.

@@ -109,10 +109,8 @@ struct PassedDefault {
 PassedDefault openPassedDefault(PresetList& list) {
   FSRef root, file;
   list.getRootFSSpec(root);
-  if (PresetList::findFolder(root, Preset::_default_preset_name, false, file) != noErr ||
-      !isRegularFile(&file)) {
-    return {};
-  }
+  if (PresetList::findFolder(root, Preset::_default_preset_name, false, file) != noErr) return {};
+  if (!isRegularFile(&file)) return {nullptr, dupFNErr};
   char buffer[FileStart::kMost];
   const FileStart start = readFileStart(file, fsRdWrPerm, buffer);
   if (start.opened != noErr || start.read != noErr || start.bytes.empty()) return {};

@@ -142,23 +142,26 @@ void PresetManager::findFolders(PresetList& list) {
   // A folder that could be neither found nor made is no place and leaves the list unconfirmed, so
   // that it never works on another kind's folder.
   FSRef root, user;
+  const auto add = [&list](FindingSort sort, const FSRef& place, OSStatus why, const char* name) {
+    list.addFinding(
+        {.sort = sort, .place = place, .result = static_cast<OSErr>(why), .name = name});
+  };
   OSStatus found = PresetList::findFolder(_presets_folder, folderOf(list), true, root);
   if (found == errFSBadFSRef) found = _why_no_presets_folder;
+  if (found != noErr) add(FindingSort::kKindFolderNotMade, _presets_folder, found, folderOf(list));
   list.setRootFolder(root);
   list.makeNothing(noErr);
-  const auto addNotMade = [&list](FindingSort sort, const FSRef& in, const char* name,
-                                  OSStatus why) {
-    list.addFinding({.sort = sort, .place = in, .result = static_cast<OSErr>(why), .name = name});
-  };
-  if (found != noErr) {
-    addNotMade(FindingSort::kKindFolderNotMade, _presets_folder, folderOf(list), found);
-  } else if (list.getPresetType() == kSessionKind) {
+  if (found != noErr || list.getPresetType() == kSessionKind) {
     user = root;
   } else if (found = PresetList::findFolder(root, kUserFolder, true, user); found != noErr) {
-    // Its presets are there all the same: read them, but make nothing in a folder like that.
-    addNotMade(FindingSort::kUserFolderNotMade, root, kUserFolder, found);
-    list.makeNothing(static_cast<OSErr>(found));
-    user = root;
+    if (isFolder(&root)) {
+      // Its presets are there all the same: read them, but make nothing in a folder like that.
+      add(FindingSort::kUserFolderNotMade, root, found, kUserFolder);
+      list.makeNothing(static_cast<OSErr>(found));
+      user = root;
+    } else {
+      add(FindingSort::kFolderNotListed, root, dirNFErr, "");
+    }
   }
   list.setUserFolder(user);
 }

@@ -1,9 +1,11 @@
 #include "tool/BulkMaintenance.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "host/terminal/Process.h"
 #include "presets/PresetManager.h"
+#include "tool/Notes.h"
 #include "tool/Reports.h"
 #include "tool/Session.h"
 
@@ -16,15 +18,27 @@ void setAll(bool rom, const char* done) {
   for (PresetList* list : {_v, _e, _p, _s})
     setROM(list, rom);
   std::cout << done;
+  writeNotes(takeResultNotes());
 }
 
 }  // namespace
 
 void sortIntoSubdirectories() {
   const OutlivesReader outlives(std::cout);
-  if (_pm != nullptr) _pm->sortAllForBrowser();
-  (void)instantiate();  // on failure it has reported why, and no library is left
+  NoteLines loaded;
+  if (_pm != nullptr) {
+    loaded = notesOfLoad(*_pm);
+    _pm->sortAllForBrowser();
+    writeNotes(notesOfSorting(*_pm));
+  }
+  const int status = instantiate();  // on failure it has reported why, and no library is left
   std::cout << "Sorting presets has finished.\n";
+  if (status != kSuccess) return;
+  NoteLines notes = notesOfLoad(*_pm);
+  std::erase_if(notes, [&loaded](const std::string& note) {
+    return std::find(loaded.begin(), loaded.end(), note) != loaded.end();
+  });
+  writeNotes(notes);
 }
 
 void setROM(PresetList* list, bool rom) {

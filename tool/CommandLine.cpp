@@ -12,6 +12,7 @@
 #include "host/terminal/ReportText.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
+#include "tool/Notes.h"
 #include "tool/Options.h"
 #include "tool/Reports.h"
 #include "tool/Session.h"
@@ -137,10 +138,13 @@ int runSession(int argc, char** argv) {
   if (!takeOptions(argv[0], given, flags)) return kPathNotResolved;
   std::cout.flush();  // loading can take a while
   int status = instantiate();
+  writeNotes(takeResultNotes());
   if (status == kSuccess) {
+    writeNotes(notesOfLoad(*_pm));
     status = runCommands(flags);
   } else if (status == kNoPreferences) {
-    std::cerr << "Cairnset: " << kHowToName << '\n';
+    std::cerr << "Cairnset: " << kHowToName << '
+';
     if ((flags & kShowUsage) != 0) printUsage();
   }
   deinstantiate();

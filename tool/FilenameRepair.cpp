@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "host/text/FileNameRules.h"
 #include "presets/PresetManager.h"
 #include "presets/Renames.h"
+#include "tool/Notes.h"
 #include "tool/Reports.h"
 #include "tool/Session.h"
 
@@ -75,8 +77,15 @@ int fixFilenames() {
   }
   int status = kSuccess;
   std::string text;
-  for (const auto& [preset, oldName, newName, referrers, unnoticed] :
-       _pm != nullptr ? renamePresets(*_pm, names) : std::vector<Renamed>()) {
+  std::vector<Renamed> renames;
+  NoteLines notes;
+  if (_pm != nullptr && !names.empty()) {
+    std::optional<ReferenceTargets> before;
+    if (areNotesWanted()) before.emplace(*_pm);
+    renames = renamePresets(*_pm, names);
+    if (before) notes = notesOfRepair(*_pm, renames, *before);
+  }
+  for (const auto& [preset, oldName, newName, referrers, unnoticed] : renames) {
     text.append("renaming ").append(kindName(*preset));
     appendQuoted(text, oldName, " to ");
     appendQuoted(text, newName, "\n");
@@ -92,6 +101,8 @@ int fixFilenames() {
   }
   writeText(std::cout, text);
   std::cout << "Fixing all preset file names has finished.\n";
+  writeNotes(notes);
+  writeNotes(takeResultNotes());
   return status;
 }
 

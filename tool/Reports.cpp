@@ -7,6 +7,7 @@
 #include "host/terminal/ReportText.h"
 #include "presets/PresetManager.h"
 #include "presets/ReferrerIndex.h"
+#include "tool/Notes.h"
 #include "tool/Session.h"
 
 namespace cairnset {
@@ -81,6 +82,7 @@ void reportWriteFailure(const Preset& preset, OSErr result, const char* name) {
   std::string line = "### error " + std::to_string(result) + " occurred while writing ";
   preset.appendTreeItemInfo(line, std::cerr, name);
   writeText(std::cerr, line.append(1, '\n'));
+  addResultNote(result);
 }
 
 }  // namespace cairnset

@@ -6,6 +6,7 @@
 #include "host/preferences/BrumePrefs.h"
 #include "host/terminal/ReportText.h"
 #include "presets/PresetManager.h"
+#include "tool/Notes.h"
 
 namespace cairnset {
 
@@ -52,6 +53,7 @@ int PresetManagerFriendFunction(void* /*unused*/) {
     std::cerr << "Cairnset: system error " << result << " occurred while resolving this path: [";
     writeGivenText(std::cerr, path_string);
     std::cerr << "]\n";
+    addResultNote(result);
     return kPathNotResolved;
   }
   if (const OSStatus result = _pm->setOlvanItemsFSRef(items); result != noErr) {
@@ -59,6 +61,7 @@ int PresetManagerFriendFunction(void* /*unused*/) {
               << " occurred while resolving Presets path using: [";
     writeGivenText(std::cerr, path_string);
     std::cerr << "]\n";
+    addResultNote(static_cast<OSErr>(result));
     return kLibraryNotSetUp;
   }
   _pm->openAllPresets();

@@ -71,6 +71,14 @@ void getPlaceName(const FSRef& ref, char* name, std::size_t size) {
   name[length] = '\0';
 }
 
+std::string getPlacePath(const FSRef& ref, const FSRef& folder) {
+  const NodeTable& table = host().nodes;
+  if (!table.contains(ref.node)) return "";
+  const std::string path = table.path(ref.node);
+  const std::string start = table.contains(folder.node) ? table.path(folder.node) + '/' : "";
+  return !start.empty() && path.starts_with(start) ? path.substr(start.size()) : path;
+}
+
 void getCFilename(const FSRef& ref, char* name, unsigned long size) {
   if (name == nullptr || size == 0) return;
   name[0] = '\0';

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
@@ -29,7 +30,10 @@ bool fileExists(const FSRef* ref);
 /// The held name of a place, cut to `size` bytes (1 or more), NUL included. It is read off the
 /// reference: no system call, and the item need not exist.
 void getPlaceName(const FSRef& ref, char* name, std::size_t size);
-/// The same of an item that exists.
+/// The path of a place below a folder, relative to it, or else its absolute path; in the bytes of
+/// the volume. Read off the references likewise.
+std::string getPlacePath(const FSRef& ref, const FSRef& folder);
+/// The same as getPlaceName, of an item that exists.
 void getCFilename(const FSRef& ref, char* name, unsigned long size);
 OSErr getPFilename(const FSRef& ref, unsigned char* name);
 /// Renames nothing: makes `ref` the reference of the existing item `name` in the same folder. At
