@@ -47,17 +47,17 @@ const char* wordsFor(OSErr result) {
     case noErr:
       return "no error";
     case dskFulErr:
-      return "no space is left, or the quota is used up";
+      return "the disk, or the user's share of it, is full";
     case nsvErr:
       return "there is no such volume";
     case bdNamErr:
-      return "the name is empty, too long, or not allowed there";
+      return "the volume does not accept the name";
     case eofErr:
-      return "the file is too short";
+      return "the file ended too early";
     case tmfoErr:
       return "too many files are open";
     case fnfErr:
-      return "nothing of that name is there";
+      return "there is no such file or folder";
     case wPrErr:
     case vLckdErr:
       return "the volume is read-only";
@@ -66,17 +66,17 @@ const char* wordsFor(OSErr result) {
     case dupFNErr:
       return "the name is taken";
     case paramErr:
-      return "the system rejects the request";
+      return "an argument that makes no sense to the system";
     case permErr:
-      return "permission refused";
+      return "permission denied";
     case dirNFErr:
-      return "a folder on the way is missing, or is a link or a file";
+      return "the folder that contains it is missing, or is not a folder";
     case diffVolErr:
-      return "it is on another volume";
+      return "a move from one volume to another";
     case errFSBadFSRef:
       return "there is no such place";
     default:
-      return "the disk or the system reports an error";
+      return "an input or output error, or anything without a code of its own";
   }
 }
 

@@ -30,7 +30,7 @@ inline constexpr OSErr errFSNoMoreItems = -1417;    // an iterator has come to i
 /// folder is missing too, and then returns dirNFErr instead. Throws std::bad_alloc for ENOMEM: what
 /// is missing from a report for lack of memory must not look as if it were missing on the disk.
 [[nodiscard]] OSErr resultFromErrno(int error);
-/// A result code in words, for a person: "the name is taken". Never null.
+/// A result code in words, those of the manual. Never null.
 [[nodiscard]] const char* wordsFor(OSErr result);
 /// The result code of a system call that has returned 0, or anything else and set errno.
 [[nodiscard]] OSErr resultOf(int returned);

@@ -136,6 +136,7 @@ int runSession(int argc, char** argv) {
   path_string[0] = '\0';
   printVersionAndCopyright();
   if (!takeOptions(argv[0], given, flags)) return kPathNotResolved;
+  setNotesWanted((flags & kQuiet) == 0);
   std::cout.flush();  // loading can take a while
   int status = instantiate();
   writeNotes(takeResultNotes());
@@ -143,8 +144,7 @@ int runSession(int argc, char** argv) {
     writeNotes(notesOfLoad(*_pm));
     status = runCommands(flags);
   } else if (status == kNoPreferences) {
-    std::cerr << "Cairnset: " << kHowToName << '
-';
+    std::cerr << "Cairnset: " << kHowToName << '\n';
     if ((flags & kShowUsage) != 0) printUsage();
   }
   deinstantiate();
