@@ -20,15 +20,6 @@ Host::~Host() {
   }
 }
 
-const std::string& Host::folderPath(std::uint32_t folder) {
-  // A node's path never changes.
-  if (folder != _path_folder) {
-    _path = nodes.path(folder);
-    _path_folder = folder;
-  }
-  return _path;
-}
-
 Host& host() {
   if (inUse != nullptr) return *inUse;
   static Host programs;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/SystemVersion.h"
+#include "host/files/FolderPaths.h"
 #include "host/files/FolderWalk.h"
 #include "host/files/NodeTable.h"
 #include "host/files/SystemCalls.h"
@@ -39,12 +40,9 @@ struct Host {
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 
-  /// The absolute path of a folder that is a node; valid until the next call. The last one is
-  /// cached, since the files of a folder come one after the other.
-  const std::string& folderPath(std::uint32_t folder);
-
   SystemCalls calls;
   NodeTable nodes;
+  FolderPaths folders{calls, nodes};
   std::vector<Fork> forks;                        // by fork number - 1
   std::map<std::uint32_t, OpenListing> listings;  // by iterator
   std::uint32_t lastIterator = 0;
@@ -52,10 +50,6 @@ struct Host {
   std::optional<unsigned> readers = CAIRNSET_READERS;
   GestaltAnswers gestalt;
   ChooserStreams choosers;
-
- private:
-  std::uint32_t _path_folder = 0;
-  std::string _path;
 };
 
 /// The host in use, and its nodes.

@@ -31,7 +31,7 @@ void sortIntoSubdirectories() {
     _pm->sortAllForBrowser();
     writeNotes(notesOfSorting(*_pm));
   }
-  const int status = instantiate();  // on failure it has reported why, and no library is left
+  const int status = reload();  // on failure it has reported why, and no library is left
   std::cout << "Sorting presets has finished.\n";
   if (status != kSuccess) return;
   NoteLines notes = notesOfLoad(*_pm);

@@ -138,7 +138,8 @@ int runSession(int argc, char** argv) {
   if (!takeOptions(argv[0], given, flags)) return kPathNotResolved;
   setNotesWanted((flags & kQuiet) == 0);
   std::cout.flush();  // loading can take a while
-  int status = instantiate();
+  const bool changes = (flags & (kSort | kFixFilenames)) != 0;
+  int status = instantiate(changes ? Changes::kYes : Changes::kNo);
   writeNotes(takeResultNotes());
   if (status == kSuccess) {
     writeNotes(notesOfLoad(*_pm));

@@ -1,8 +1,11 @@
 #include "tool/Session.h"
 
+#include <chrono>
 #include <iostream>
+#include <thread>
 
 #include "host/files/FileManager.h"
+#include "host/files/HeldFolder.h"
 #include "host/preferences/BrumePrefs.h"
 #include "host/terminal/ReportText.h"
 #include "presets/PresetManager.h"
@@ -18,18 +21,53 @@ PresetList* _p = nullptr;
 PresetList* _s = nullptr;
 char path_string[kPathStringSize] = "";
 
-int instantiate() {
-  deinstantiate();
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kMostWaiting = 10s;
+constexpr auto kSilentWaiting = 500ms;  // another run's load mostly takes less
+constexpr auto kBetweenTries = 20ms;
+
+HeldFolder* library = nullptr;  // the session's, and owned
+
+// False if another run kept it for too long.
+bool lockLibrary() {
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  for (bool isTold = false; !library->lock(); std::this_thread::sleep_for(kBetweenTries)) {
+    const auto waited = Clock::now() - start;
+    if (waited >= kMostWaiting) {
+      std::cerr << "Cairnset: another run is still changing the library; nothing was done\n";
+      return false;
+    }
+    if (!isTold && waited >= kSilentWaiting) {
+      std::cerr << "Cairnset: another run is changing the library; waiting for it\n";
+      isTold = true;
+    }
+  }
+  return true;
+}
+
+// Makes the folder the session's library, unless it has one, and locks it.
+int takeLibrary(const FSRef& folder) {
+  if (library != nullptr) return kSuccess;
+  library = new HeldFolder(folder);
+  return lockLibrary() ? kSuccess : kLibraryIsBusy;
+}
+
+int load() {
   _pm = new PresetManager(nullptr);
   if (path_string[0] != '\0') {
     if (const int status = PresetManagerFriendFunction(nullptr); status != kSuccess) return status;
   } else {
-    _prefs = new BrumePrefs;
+    if (_prefs == nullptr) _prefs = new BrumePrefs;
     _prefs->initPrefs(nullptr);
     if (!_prefs->isInitialised()) {
       std::cerr << "Preferences were not inited!\n";
       return kNoPreferences;
     }
+    if (const int status = takeLibrary(*_prefs->getItemsFSRef()); status != kSuccess) return status;
     _pm->openAllPresets(_prefs);
   }
   _v = &_pm->velocityMaps();
@@ -39,23 +77,47 @@ int instantiate() {
   return kSuccess;
 }
 
-void deinstantiate() {
-  delete _prefs;
+void dropPresets() {
   delete _pm;
-  _prefs = nullptr;
   _pm = nullptr;
   _v = _p = _s = _e = nullptr;
 }
 
+}  // namespace
+
+int instantiate(Changes changes) {
+  deinstantiate();
+  const int status = load();
+  if (status == kSuccess && changes == Changes::kNo) library->unlock();
+  return status;
+}
+
+int reload() {
+  if (library == nullptr) return instantiate();
+  dropPresets();
+  return load();
+}
+
+void deinstantiate() {
+  delete _prefs;
+  _prefs = nullptr;
+  dropPresets();
+  delete library;
+  library = nullptr;
+}
+
 int PresetManagerFriendFunction(void* /*unused*/) {
   FSRef items;
-  if (const OSErr result = FSPathMakeRef(path_string, &items, nullptr); result != noErr) {
+  if (library != nullptr) {
+    items = library->ref();
+  } else if (const OSErr result = FSPathMakeRef(path_string, &items, nullptr); result != noErr) {
     std::cerr << "Cairnset: system error " << result << " occurred while resolving this path: [";
     writeGivenText(std::cerr, path_string);
     std::cerr << "]\n";
     addResultNote(result);
     return kPathNotResolved;
   }
+  if (const int status = takeLibrary(items); status != kSuccess) return status;
   if (const OSStatus result = _pm->setOlvanItemsFSRef(items); result != noErr) {
     std::cerr << "Cairnset: system error " << result
               << " occurred while resolving Presets path using: [";

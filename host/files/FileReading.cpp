@@ -99,7 +99,9 @@ FileStart readFileStart(const FSRef& file, std::int8_t permissions, char* buffer
 struct FileReading::Batch {
   struct File {
     FSRef ref;
-    std::size_t folder, name;  // where the folder's path and the file's name begin in `names`
+    int base;                  // where the folder's path starts
+    std::size_t folder, name;  // where that path and the file's name begin in `names`
+    bool isDeep;               // read by the main thread, which alone knows the base
     FileStart start;
   };
 
@@ -114,8 +116,10 @@ struct FileReading::Batch {
     Host& h = host();
     const std::uint32_t folder = h.nodes.folder(file.node);
     const bool isSameFolder = !files.empty() && h.nodes.folder(files.back().ref.node) == folder;
-    const std::size_t path = isSameFolder ? files.back().folder : put(h.folderPath(folder));
-    files.push_back({file, path, put(h.nodes.name(file.node)), {}});
+    const FolderPath& place = h.folders.of(folder);
+    const std::size_t path = isSameFolder ? files.back().folder : put(place.path);
+    const bool isDeep = place.deep != nullptr || place.result != noErr;
+    files.push_back({file, place.base, path, put(h.nodes.name(file.node)), isDeep, {}});
   }
 
   void clear() {
@@ -130,16 +134,18 @@ struct FileReading::Batch {
     int folder = -1;
     for (std::size_t i = 0; i < files.size(); ++i) {
       File& file = files[i];
+      if (file.isDeep) continue;
       const char* const path = names.data() + file.folder;
       const char* const name = names.data() + file.name;
       const bool isFirst = i == 0 || files[i - 1].folder != file.folder;
       const bool isLast = i + 1 == files.size() || files[i + 1].folder != file.folder;
       // For a single file, opening by its path costs less than opening the folder.
-      if (isFirst && !isLast) folder = openFolder(calls, path).descriptor;
+      if (isFirst && !isLast && *path != '\0')
+        folder = openFolder(calls, file.base, path).descriptor;
       if (folder >= 0) {
         file.start = readFile(calls, folder, name, fsRdWrPerm, buffer, isWhole);
       } else {
-        const Location place(calls, path, name);
+        const Location place(calls, file.base, path, name);
         file.start.opened = place.status();
         if (place.status() == noErr)
           file.start = readFile(calls, place.folder(), place.path(), fsRdWrPerm, buffer, isWhole);
@@ -296,7 +302,7 @@ FileStart FileReading::next() {
   }
   const Batch::File& file = batch.files[_handed_over++];
   // The threads themselves may have used up the descriptors: try once more, alone.
-  if (file.start.opened == tmfoErr && _readers->haveThreads()) {
+  if (file.isDeep || (file.start.opened == tmfoErr && _readers->haveThreads())) {
     return readFileStart(file.ref, fsRdWrPerm, _buffer);
   }
   return file.start;

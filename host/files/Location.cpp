@@ -14,8 +14,11 @@ Location::Location(const FSRef& ref, For purpose) : _calls(host().calls) {
     _status = errFSBadFSRef;
   } else if (ref.node == NodeTable::kRoot) {
     std::strcpy(_path, "/");
+  } else if (ref.node == host().folders.held() && purpose == For::kLooking) {
+    _folder = host().folders.descriptor();
+    std::strcpy(_path, ".");
   } else {
-    locate(host().folderPath(table.folder(ref.node)), table.name(ref.node), purpose);
+    locateIn(table.folder(ref.node), table.name(ref.node), purpose);
   }
 }
 
@@ -24,7 +27,7 @@ Location::Location(const FSRef& folder, std::string_view volumeName, For purpose
   if (!nodes().contains(folder.node)) {
     _status = errFSBadFSRef;
   } else {
-    locate(host().folderPath(folder.node), volumeName, purpose);
+    locateIn(folder.node, volumeName, purpose);
   }
 }
 
@@ -33,20 +36,30 @@ Location::Location(const Location& sibling, std::string_view volumeName)
   putName(0, volumeName);
 }
 
-Location::Location(const SystemCalls& calls, std::string_view folderPath,
-                   std::string_view volumeName, For purpose)
+Location::Location(const SystemCalls& calls, int base, std::string_view folderPath,
+                   std::string_view volumeName)
     : _calls(calls) {
-  locate(folderPath, volumeName, purpose);
+  locate(base, folderPath, volumeName, For::kLooking);
 }
 
 Location::~Location() {
   if (_descriptor >= 0) _calls.close(_descriptor);
 }
 
-void Location::locate(std::string_view folderPath, std::string_view name, For purpose) {
+void Location::locateIn(std::uint32_t folder, std::string_view name, For purpose) {
+  const FolderPath& place = host().folders.of(folder);
+  _status = place.result;
+  _deep = place.deep;
+  if (_status == noErr) locate(place.base, place.path, name, purpose);
+}
+
+void Location::locate(int base, std::string_view folderPath, std::string_view name, For purpose) {
   std::size_t start = 0;
-  if (purpose == For::kChanging || folderPath.size() + name.size() + 2 > sizeof _path) {
-    const Opened folder = openFolder(_calls, folderPath);
+  _folder = base;
+  if (folderPath.empty()) {
+    // in the base itself
+  } else if (purpose == For::kChanging || folderPath.size() + name.size() + 2 > sizeof _path) {
+    const Opened folder = openFolder(_calls, base, folderPath);
     _status = folder.result;
     _folder = _descriptor = folder.descriptor;
     if (_status != noErr) return;
@@ -137,8 +150,8 @@ Opened openFolderAt(const SystemCalls& calls, int folder, const char* path, int 
 }
 
 // A path that is longer than the system takes is opened one stretch after the other.
-Opened openFolder(const SystemCalls& calls, std::string_view path) {
-  Opened folder{AT_FDCWD};
+Opened openFolder(const SystemCalls& calls, int base, std::string_view path, int access) {
+  Opened folder{base};
   while (!path.empty() && folder.result == noErr) {
     std::string_view stretch = path;
     if (stretch.size() >= PATH_MAX) {
@@ -146,12 +159,12 @@ Opened openFolder(const SystemCalls& calls, std::string_view path) {
     }
     char text[PATH_MAX];
     text[stretch.copy(text, sizeof text - 1)] = '\0';
-    const int before = folder.descriptor;
-    folder = openFolderAt(calls, before, text);
-    if (before != AT_FDCWD) calls.close(before);
     path.remove_prefix(stretch.size());
     while (!path.empty() && path.front() == '/')
       path.remove_prefix(1);
+    const int before = folder.descriptor;
+    folder = openFolderAt(calls, before, text, path.empty() ? access : kToFindIn);
+    if (before != base) calls.close(before);
   }
   return folder;
 }

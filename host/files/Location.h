@@ -7,20 +7,22 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <functional>
+#include <memory>
 #include <string_view>
 #include <sys/stat.h>
 
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
+#include "host/files/FolderPaths.h"
 #include "host/files/Retries.h"
 #include "host/files/SystemCalls.h"
 #include "host/text/Names.h"
 
 namespace cairnset {
 
-/// A place as the pair (folder descriptor, path) that the ...at calls take. Almost always that is
-/// the absolute path alone. Where that is longer than the system takes, or the place is for a
-/// change, its folder is open as long as this object lives.
+/// A place as the pair (folder descriptor, path) that the ...at calls take: the path from the held
+/// folder or, outside it, the absolute path (host/files/FolderPaths.h). Where that is longer than
+/// the system takes, or the place is for a change, its folder is open as long as this object lives.
 class Location {
  public:
   enum class For {
@@ -37,9 +39,9 @@ class Location {
   /// The place called `volumeName` beside one that is for a change. Both use its folder, so it must
   /// live as long.
   Location(const Location& sibling, std::string_view volumeName);
-  /// A place by its folder's absolute path, for any thread.
-  Location(const SystemCalls& calls, std::string_view folderPath, std::string_view volumeName,
-           For purpose = For::kLooking);
+  /// A place by its folder's path from a base, for any thread.
+  Location(const SystemCalls& calls, int base, std::string_view folderPath,
+           std::string_view volumeName);
   ~Location();
   Location(const Location&) = delete;
   Location& operator=(const Location&) = delete;
@@ -65,13 +67,15 @@ class Location {
   }
 
  private:
-  void locate(std::string_view folderPath, std::string_view name, For purpose);
+  void locateIn(std::uint32_t folder, std::string_view name, For purpose);
+  void locate(int base, std::string_view folderPath, std::string_view name, For purpose);
   void putName(std::size_t start, std::string_view name);
 
   const SystemCalls& _calls;
   OSErr _status = noErr;
   int _folder = AT_FDCWD;
-  int _descriptor = -1;
+  int _descriptor = -1;  // to close
+  std::shared_ptr<const OpenFolder> _deep;
   char _path[PATH_MAX];
 };
 
@@ -124,8 +128,10 @@ struct Opened {
 /// Opens a folder to find things in, or with the access O_RDONLY.
 [[nodiscard]] Opened openFolderAt(const SystemCalls& calls, int folder, const char* path,
                                   int access = kToFindIn);
-/// The same by an absolute path of any length.
-[[nodiscard]] Opened openFolder(const SystemCalls& calls, std::string_view path);
+/// The same by a path of any length, which must not be empty; the folders above are only to find
+/// things in.
+[[nodiscard]] Opened openFolder(const SystemCalls& calls, int folder, std::string_view path,
+                                int access = kToFindIn);
 
 /// Opens the item for one call on its descriptor, which returns -1 and sets errno where it fails.
 [[nodiscard]] OSErr callOnOpenItem(const FSRef& ref,

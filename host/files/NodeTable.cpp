@@ -14,9 +14,9 @@ std::uint32_t hashOf(std::uint32_t folder, std::string_view name) {
 }  // namespace
 
 NodeTable::NodeTable() : _index(64, 0) {
-  _nodes.push_back({0, 0, 0});  // no node
-  _nodes.push_back({0, 0, 0});  // the root, which is found by no name
-  _nodes.push_back({0, 0, 0});  // the end mark
+  _nodes.push_back({0, 0, 0, 0});  // no node
+  _nodes.push_back({0, 0, 0, 0});  // the root, which is found by no name
+  _nodes.push_back({0, 0, 0, 0});  // the end mark
 }
 
 std::uint32_t NodeTable::intern(std::uint32_t folder, std::string_view name) {
@@ -32,7 +32,8 @@ std::uint32_t NodeTable::intern(std::uint32_t folder, std::string_view name) {
   _names.append(name);
   _nodes.back().folder = folder;
   _nodes.back().hash = hash;
-  _nodes.push_back({0, static_cast<std::uint32_t>(_names.size()), 0});
+  _nodes.back().depth = _nodes[folder].depth + 1;
+  _nodes.push_back({0, static_cast<std::uint32_t>(_names.size()), 0, 0});
   _index[slot] = node;
   if (_nodes.size() * 3 > _index.size() * 2) growIndex();
   return node;
@@ -43,18 +44,27 @@ std::string_view NodeTable::name(std::uint32_t node) const {
   return std::string_view(_names).substr(start, _nodes[node + 1].nameStart - start);
 }
 
+std::uint32_t NodeTable::ancestor(std::uint32_t node, std::uint32_t levels) const {
+  for (; levels > 0; --levels)
+    node = folder(node);
+  return node;
+}
+
 std::string NodeTable::path(std::uint32_t node) const {
-  if (node == kRoot) return "/";
+  return "/" + path(node, kRoot);
+}
+
+std::string NodeTable::path(std::uint32_t node, std::uint32_t from) const {
   std::size_t length = 0;
-  for (std::uint32_t n = node; n != kRoot; n = folder(n))
+  for (std::uint32_t n = node; n != from; n = folder(n))
     length += 1 + name(n).size();
+  if (length > 0) --length;  // one "/" less than names
   std::string path(length, '/');
-  std::size_t end = length;
-  for (std::uint32_t n = node; n != kRoot; n = folder(n)) {
+  std::size_t end = length + 1;
+  for (std::uint32_t n = node; n != from; n = folder(n)) {
     const std::string_view part = name(n);
-    end -= part.size();
+    end -= part.size() + 1;
     path.replace(end, part.size(), part);
-    --end;
   }
   return path;
 }

@@ -29,14 +29,21 @@ class NodeTable {
   std::uint32_t folder(std::uint32_t node) const { return _nodes[node].folder; }
   /// The volume name; valid until the next intern. Empty for the root.
   std::string_view name(std::uint32_t node) const;
+  /// How many folders the place is in; 0 for the root.
+  std::uint32_t depth(std::uint32_t node) const { return _nodes[node].depth; }
+  /// The folder so many levels above, which must not be more than the depth.
+  std::uint32_t ancestor(std::uint32_t node, std::uint32_t levels) const;
   /// The absolute path, "/" for the root. It can be longer than the system takes in one call.
   std::string path(std::uint32_t node) const;
+  /// The path from one of the folders that the place is in; empty for the folder itself.
+  std::string path(std::uint32_t node, std::uint32_t from) const;
 
  private:
   struct Node {
     std::uint32_t folder;
     std::uint32_t nameStart;  // in _names, whose end is the next node's start
     std::uint32_t hash;
+    std::uint32_t depth;
   };
 
   void growIndex();
