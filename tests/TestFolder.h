@@ -13,7 +13,7 @@ class TestFolder {
  public:
   explicit TestFolder(const fs::path& parent = fs::temp_directory_path()) {
     std::string pattern = (parent / "cairnset-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no folder: " + pattern);
     _path = fs::canonical(pattern).string();
   }
   ~TestFolder() {
