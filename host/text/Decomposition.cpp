@@ -5,6 +5,7 @@
 #include <span>
 
 #include "host/text/UnicodeTables.h"
+#include "host/text/Utf8.h"
 
 namespace cairnset {
 
@@ -82,7 +83,7 @@ std::u32string decomposed(std::u16string_view text) {
     char32_t character = text[i];
     if (character >= 0xD800 && character < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
         text[i + 1] < 0xE000) {
-      character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - U'\xDC00');
+      character = characterOfPair(character, text[++i]);
     }
     if (character < kFirstDecomposed) {
       out += character;

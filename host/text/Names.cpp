@@ -119,8 +119,7 @@ VolumeName volumeNameFromUnicode(std::u16string_view name) {
     const char16_t unit = name[i];
     if (unit == 0 || unit == ':') return {bdNamErr, {}};
     if (isHigh(unit) && i + 1 < name.size() && isLow(name[i + 1])) {
-      appendUtf8(0x10000 + ((unit - char32_t{0xD800}) << 10) + (name[++i] - char32_t{0xDC00}),
-                 bytes);
+      appendUtf8(characterOfPair(unit, name[++i]), bytes);
     } else if (isEscapedByte(unit)) {
       bytes += static_cast<char>(unit - 0xDC00);
       hasEscapes = true;
@@ -190,7 +189,7 @@ void appendSortKey(std::string_view volumeName, std::string& key) {
         for (const char32_t character : decomposed(unicodeFromVolumeName(other))) {
           const char32_t lower = lowerCase(character);
           if (lower >= 0x10000) appendUtf8(highOf(lower), key);
-          appendUtf8(lower >= 0x10000 ? lowOf(lower) : lower, key);
+          appendUtf8(lower >= 0x10000 ? char32_t{lowOf(lower)} : lower, key);
         }
       });
 }

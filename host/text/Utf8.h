@@ -20,4 +20,9 @@ void appendUtf8(char32_t character, std::string& out);
 /// the surrogate U+DC00 + byte, which no valid sequence gives.
 char32_t takeUtf8(std::string_view& text);
 
+/// The character that two UTF-16 surrogates stand for.
+constexpr char32_t characterOfPair(char32_t high, char32_t low) {
+  return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
+}
+
 }  // namespace cairnset
