@@ -1,4 +1,4 @@
-#include "examples/ExampleLibrary.h"
+#include "ExampleLibrary.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "examples/ExampleWords.h"
+#include "ExampleWords.h"
 #include "params/Keysets.h"
 #include "presets/EffectsPreset.h"
 #include "presets/PresetList.h"

@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <iostream>
 
-#include "examples/OpenLibrary.h"
+#include "OpenLibrary.h"
 
 int main(int argc, char** argv) {
   using namespace cairnset;

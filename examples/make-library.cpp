@@ -6,8 +6,8 @@
 #include <numeric>
 #include <system_error>
 
-#include "examples/ExampleLibrary.h"
-#include "examples/ExampleWords.h"
+#include "ExampleLibrary.h"
+#include "ExampleWords.h"
 #include "host/files/FileManager.h"
 
 namespace cairnset {

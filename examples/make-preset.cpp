@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-#include "examples/OpenLibrary.h"
+#include "OpenLibrary.h"
 #include "host/text/FileNameRules.h"
 #include "host/text/Names.h"
 #include "host/text/PascalStrings.h"

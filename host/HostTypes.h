@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// A result code as most calls give it: 0 for success, negative for a failure (host/ResultCodes.h).
@@ -44,3 +45,4 @@ inline constexpr std::uint32_t kTextEncodingUnknown = 0xFFFF;
 inline constexpr const char* kDefaultVolumeName = "Root";
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -3,6 +3,7 @@
 
 #include "host/HostTypes.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 inline constexpr OSErr noErr = 0;
@@ -36,3 +37,4 @@ inline constexpr OSErr errFSNoMoreItems = -1417;    // an iterator has come to i
 [[nodiscard]] OSErr resultOf(int returned);
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 struct KeysetRow {
@@ -30,3 +31,4 @@ int getProductIDFromKeysetID(int id);
 int getFormFromKeysetID(int id);
 
 }  // namespace cairnset
+#pragma GCC visibility pop

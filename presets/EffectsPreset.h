@@ -4,6 +4,7 @@
 #include "presets/PresetKinds.h"
 #include "presets/PresetOfKind.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// Payload in the file, 67 bytes: declared length 63 (4), then the fields below in order without
@@ -53,3 +54,4 @@ class EffectsPreset : public PresetOfKind<EffectsFields> {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

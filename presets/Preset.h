@@ -26,6 +26,7 @@
 #include "host/ResultCodes.h"
 #include "presets/TreeLeaf.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class VirtualFile;
@@ -203,3 +204,4 @@ class Preset : public TreeLeaf {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

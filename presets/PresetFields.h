@@ -12,6 +12,7 @@
 #include "storage/ByteOrder.h"
 #include "storage/VirtualFile.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// A view of the name in a field of fixed width, padded with zeros. A name that fills its field has
@@ -67,3 +68,4 @@ void readField(VirtualFile& file, T& value) {
 }
 
 }  // namespace cairnset
+#pragma GCC visibility pop

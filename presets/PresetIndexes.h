@@ -8,6 +8,7 @@
 
 #include "host/HostTypes.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class Preset;
@@ -58,3 +59,4 @@ class PresetIndexes {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// A kind code: four characters, the second word of every preset file.
@@ -15,3 +16,4 @@ enum PresetKind : std::uint32_t {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -6,6 +6,7 @@
 #include "host/HostTypes.h"
 #include "presets/TreeLimb.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class PresetLimb : public TreeLimb {
@@ -28,3 +29,4 @@ class PresetLimb : public TreeLimb {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -10,6 +10,7 @@
 #include "presets/PresetLimb.h"
 #include "storage/PtrManager.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class PresetLoading;
@@ -193,3 +194,4 @@ void forEachPreset(PresetList* list, Each each) {
 }
 
 }  // namespace cairnset
+#pragma GCC visibility pop

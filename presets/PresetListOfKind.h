@@ -11,6 +11,7 @@
 #include "presets/SessionPreset.h"
 #include "presets/VelocityMapPreset.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// The list of the presets of class `Kind`. Programs are always made without keymaps.
@@ -122,3 +123,4 @@ class SessionPresetList : public PresetListOfKind<SessionPreset> {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

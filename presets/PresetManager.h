@@ -19,6 +19,7 @@
 #include "presets/Findings.h"
 #include "presets/PresetListOfKind.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class BrumePrefs;
@@ -103,3 +104,4 @@ class PresetManager : public VelocityMapPresetList,
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

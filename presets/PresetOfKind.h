@@ -4,6 +4,7 @@
 #include "presets/Preset.h"
 #include "presets/PresetFields.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// A preset whose payload is `Fields`, a plain struct with the size and layout of getData(). The
@@ -51,3 +52,4 @@ class PresetOfKind : public Preset {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

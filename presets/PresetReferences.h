@@ -6,6 +6,7 @@
 #include "presets/Preset.h"
 #include "presets/PresetKinds.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// A preset of kind `from` names one of kind `to`.
@@ -31,3 +32,4 @@ extern const PresetReference kSessionVelocityMapReference;
 [[nodiscard]] const PresetReference* referenceTo(const Preset& preset);
 
 }  // namespace cairnset
+#pragma GCC visibility pop

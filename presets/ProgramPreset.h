@@ -4,6 +4,7 @@
 #include "presets/PresetKinds.h"
 #include "presets/PresetOfKind.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// The instrument's keymaps. This system has none: pointers to it are null and are not kept.
@@ -58,3 +59,4 @@ class ProgramPreset : public PresetOfKind<ProgramFields> {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -27,6 +27,7 @@
 
 #include "host/ResultCodes.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class Preset;
@@ -68,3 +69,4 @@ struct Renamed {
                                                  const std::vector<NewName>& names);
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -4,6 +4,7 @@
 #include "presets/PresetKinds.h"
 #include "presets/PresetOfKind.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// Payload in the file, 154 bytes: declared length 150 (4), then the fields below in order without
@@ -44,3 +45,4 @@ class SessionPreset : public PresetOfKind<SessionFields> {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -8,6 +8,7 @@
 
 #include "storage/Arena.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class TreeLimb;
@@ -97,3 +98,4 @@ class TreeItem {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

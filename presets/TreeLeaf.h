@@ -3,6 +3,7 @@
 
 #include "presets/TreeItem.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class TreeLeaf : public TreeItem {
@@ -15,3 +16,4 @@ class TreeLeaf : public TreeItem {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

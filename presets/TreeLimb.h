@@ -9,6 +9,7 @@
 #include "presets/TreeItem.h"
 #include "storage/PtrManager.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 class TreeLeaf;
@@ -100,3 +101,4 @@ class TreeLimb : public TreeItem {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -4,6 +4,7 @@
 #include "presets/PresetKinds.h"
 #include "presets/PresetOfKind.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// Payload in the file, 14 bytes: declared length 10 (4), then the fields below in order without
@@ -36,3 +37,4 @@ class VelocityMapPreset : public PresetOfKind<VelocityMapFields> {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// Pieces of memory for one thread, cut in order from large blocks. Names and links have blocks of
@@ -20,3 +21,4 @@ class Arena {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -3,6 +3,7 @@
 
 #include <bit>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// The swap flag for binary reads and writes of a VirtualFile that holds a preset. Preset files are
@@ -10,3 +11,4 @@ namespace cairnset {
 inline constexpr bool kSwapToFileOrder = std::endian::native == std::endian::little;
 
 }  // namespace cairnset
+#pragma GCC visibility pop

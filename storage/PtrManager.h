@@ -8,6 +8,7 @@
 
 #include "storage/Arena.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// One link of the circle. The last link's `next` is the first link.
@@ -139,3 +140,4 @@ class PtrManager {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

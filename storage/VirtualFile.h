@@ -8,6 +8,7 @@
 #include <limits>
 #include <string>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// What an offset counts from.
@@ -247,3 +248,4 @@ class VirtualFile {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

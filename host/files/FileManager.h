@@ -14,6 +14,7 @@
 #include "host/HostTypes.h"
 #include "host/ResultCodes.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 // --- Paths (Catalog.cpp) ---------------------------------------------------------------------
@@ -201,3 +202,4 @@ inline constexpr std::uint32_t kPreferencesFolderType = 0x70726566;  // 'pref'
                                std::int16_t* vRefNum, std::int32_t* dirID);
 
 }  // namespace cairnset
+#pragma GCC visibility pop

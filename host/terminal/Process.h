@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// Call this first. Opens /dev/null on those of descriptors 0 to 2 that are closed, so that no
@@ -77,3 +78,4 @@ class OutlivesReader {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop

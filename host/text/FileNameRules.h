@@ -2,6 +2,7 @@
 // forms do the same, and end a name that holds a NUL there.
 #pragma once
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// Replaces each illegal character by "_"; the length stays. Illegal are the control bytes 0x01 to
@@ -19,3 +20,4 @@ void RemoveAllIllegalFilenameCharsInPlace(char* name);
 void RemoveAllIllegalFilenameCharsInPlace(unsigned char* name);
 
 }  // namespace cairnset
+#pragma GCC visibility pop

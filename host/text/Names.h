@@ -14,6 +14,7 @@
 
 #include "host/HostTypes.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 /// The Unicode name of a volume name; always possible. Neither composes nor decomposes.
@@ -49,3 +50,4 @@ std::string heldNameFromUnicode(std::u16string_view name);
 void appendSortKey(std::string_view volumeName, std::string& key);
 
 }  // namespace cairnset
+#pragma GCC visibility pop

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 // --- Conversions -----------------------------------------------------------------------------
@@ -55,3 +56,4 @@ int fncmp(const char* a, const char* b);
 std::uint32_t fncmpHash(const char* name);
 
 }  // namespace cairnset
+#pragma GCC visibility pop
