@@ -13,6 +13,7 @@
 #include "host/ResultCodes.h"
 #include "presets/PresetKinds.h"
 
+#pragma GCC visibility push(default)
 namespace cairnset {
 
 enum class FindingSort : std::uint8_t {
@@ -86,3 +87,4 @@ class Findings {
 };
 
 }  // namespace cairnset
+#pragma GCC visibility pop
