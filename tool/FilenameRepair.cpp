@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <iostream>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,10 +79,10 @@ int fixFilenames() {
   std::vector<Renamed> renames;
   NoteLines notes;
   if (_pm != nullptr && !names.empty()) {
-    std::optional<ReferenceTargets> before;
-    if (areNotesWanted()) before.emplace(*_pm);
+    std::vector<ReferenceTarget> before;
+    if (areNotesWanted()) before = targetsBefore(*_pm, names);
     renames = renamePresets(*_pm, names);
-    if (before) notes = notesOfRepair(*_pm, renames, *before);
+    if (areNotesWanted()) notes = notesOfRepair(*_pm, renames, before);
   }
   for (const auto& [preset, oldName, newName, referrers, unnoticed] : renames) {
     text.append("renaming ").append(kindName(*preset));

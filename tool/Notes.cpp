@@ -6,6 +6,8 @@
 #include <map>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 
 #include "host/files/FileSystemHelpers.h"
 #include "host/terminal/ReportText.h"
@@ -40,6 +42,19 @@ const char* kindName(std::uint32_t kind) {
 
 std::string kindOf(const Preset& preset) {
   return kindName(static_cast<std::uint32_t>(preset.getPresetType()));
+}
+
+PresetList& listOf(PresetManager& library, std::uint32_t kind) {
+  switch (kind) {
+    case kVelocityMapKind:
+      return library.velocityMaps();
+    case kEffectsKind:
+      return library.effects();
+    case kProgramKind:
+      return library.programs();
+    default:
+      return library.sessions();
+  }
 }
 
 std::string quoted(const std::string& heldName) {
@@ -157,13 +172,15 @@ const char* ofTheRest(FindingSort sort) {
 // Cuts each sort of notes to ten.
 class LimitedNotes {
  public:
-  /// `all` of them there are, of which later calls may bring some.
+  /// One of `all` notes of a sort, with the words for those that do not fit.
   void add(int sort, const std::string& line, std::size_t all, const char* rest) {
     const std::size_t written = ++_written[sort];
     if (written <= kMostOfASort) _lines.push_back(line);
     if (written == kMostOfASort && all > written)
       _lines.push_back(std::to_string(all - written) + " more " + rest);
   }
+
+  bool hasRoomFor(int sort) { return _written[sort] < kMostOfASort; }
 
   NoteLines lines() { return std::move(_lines); }
 
@@ -188,8 +205,8 @@ NoteLines notesOf(const PresetManager& library, bool ofSorting) {
 std::vector<const Preset*> namesakesOf(PresetManager& library,
                                        const std::vector<Renamed>& renames) {
   std::vector<const Preset*> namesakes(renames.size(), nullptr);
-  for (const PresetList* list : std::initializer_list<const PresetList*>{
-           &library.velocityMaps(), &library.effects(), &library.programs(), &library.sessions()}) {
+  for (const PresetKind kind : {kVelocityMapKind, kEffectsKind, kProgramKind, kSessionKind}) {
+    const PresetList* list = &listOf(library, kind);
     std::unordered_multimap<std::uint32_t, std::size_t> byName;
     for (std::size_t i = 0; i < renames.size(); ++i) {
       if (renames[i].preset->getPresetType() == list->getPresetType())
@@ -220,21 +237,27 @@ NoteLines notesOfSorting(const PresetManager& library) {
   return notesOf(library, true);
 }
 
-ReferenceTargets::ReferenceTargets(PresetManager& library) {
-  const auto add = [this](PresetList& referrers, const PresetReference& reference,
-                          const PresetList& referred) {
-    forEachPreset(&referrers, [&](const Preset& preset) {
-      const std::string name(reference.name(preset));
-      _all.push_back({&reference, &preset, referred.findPreset(name.c_str())});
+std::vector<ReferenceTarget> targetsBefore(PresetManager& library,
+                                           const std::vector<NewName>& names) {
+  // By any other name than these, a reference leads to the same preset as before.
+  std::unordered_set<std::uint32_t> hashes;
+  for (const auto& [preset, name] : names)
+    hashes.insert({fncmpHash(preset->getTreeItemName()), fncmpHash(name.c_str())});
+  std::vector<ReferenceTarget> targets;
+  for (const auto* reference :
+       {&kProgramEffectsReference, &kSessionProgramReference, &kSessionVelocityMapReference}) {
+    const PresetList& referred = listOf(library, reference->to);
+    forEachPreset(&listOf(library, reference->from), [&](const Preset& preset) {
+      const std::string name(reference->name(preset));
+      if (hashes.contains(fncmpHash(name.c_str())))
+        targets.push_back({reference, &preset, referred.findPreset(name.c_str())});
     });
-  };
-  add(library.programs(), kProgramEffectsReference, library.effects());
-  add(library.sessions(), kSessionProgramReference, library.programs());
-  add(library.sessions(), kSessionVelocityMapReference, library.velocityMaps());
+  }
+  return targets;
 }
 
 NoteLines notesOfRepair(PresetManager& library, const std::vector<Renamed>& renames,
-                        const ReferenceTargets& before) {
+                        const std::vector<ReferenceTarget>& before) {
   enum { kRefused, kShared, kRedirected };
   const Wording wording(library);
   LimitedNotes notes;
@@ -259,19 +282,19 @@ NoteLines notesOfRepair(PresetManager& library, const std::vector<Renamed>& rena
                 shared, "presets have the name of another now");
     }
   }
-  const ReferenceTargets after(library);
-  std::vector<std::size_t> redirected;
-  for (std::size_t i = 0; i < before.all().size() && i < after.all().size(); ++i) {
-    const Preset *was = before.all()[i].preset, *is = after.all()[i].preset;
-    if (was != nullptr && is != nullptr && was != is) redirected.push_back(i);
+  std::vector<std::pair<const ReferenceTarget*, const Preset*>> redirected;
+  for (const ReferenceTarget& target : before) {
+    const std::string name(target.reference->name(*target.referrer));
+    const Preset* now = listOf(library, target.reference->to).findPreset(name.c_str());
+    if (target.preset != nullptr && now != nullptr && now != target.preset)
+      redirected.emplace_back(&target, now);
   }
-  for (const std::size_t i : redirected) {
-    const auto& [reference, referrer, preset] = after.all()[i];
+  for (const auto& [target, now] : redirected) {
+    if (!notes.hasRoomFor(kRedirected)) break;
     notes.add(kRedirected,
-              kindOf(*referrer) + ' ' + quoted(referrer->getTreeItemName()) + " uses " +
-                  wording.path(preset->fileRef()) + " now, no longer " +
-                  wording.path(before.all()[i].preset->fileRef()) +
-                  "; give one of them another name",
+              kindOf(*target->referrer) + ' ' + quoted(target->referrer->getTreeItemName()) +
+                  " uses " + wording.path(now->fileRef()) + " now, no longer " +
+                  wording.path(target->preset->fileRef()) + "; give one of them another name",
               redirected.size(), "references lead to another preset than before");
   }
   return notes.lines();

@@ -11,6 +11,7 @@ namespace cairnset {
 
 class Preset;
 class PresetManager;
+struct NewName;
 struct PresetReference;
 struct Renamed;
 
@@ -23,26 +24,19 @@ using NoteLines = std::vector<std::string>;
 /// What sorting has replaced or left where it was.
 [[nodiscard]] NoteLines notesOfSorting(const PresetManager& library);
 
-/// The preset that each reference of a library leads to, or null.
-class ReferenceTargets {
- public:
-  explicit ReferenceTargets(PresetManager& library);
-
-  struct Target {
-    const PresetReference* reference;
-    const Preset* referrer;
-    const Preset* preset;
-  };
-  const std::vector<Target>& all() const { return _all; }
-
- private:
-  std::vector<Target> _all;
+/// A reference, and the preset that it led to, or null.
+struct ReferenceTarget {
+  const PresetReference* reference;
+  const Preset* referrer;
+  const Preset* preset;
 };
-
+/// Those that renaming these presets can lead elsewhere.
+[[nodiscard]] std::vector<ReferenceTarget> targetsBefore(PresetManager& library,
+                                                         const std::vector<NewName>& names);
 /// Refused renames, names that two presets have by now, and references that lead to another preset
 /// than before.
 [[nodiscard]] NoteLines notesOfRepair(PresetManager& library, const std::vector<Renamed>& renames,
-                                      const ReferenceTargets& before);
+                                      const std::vector<ReferenceTarget>& before);
 
 /// Remembers to explain a result code that a line on standard error has given.
 void addResultNote(OSErr result);
