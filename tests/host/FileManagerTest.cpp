@@ -16,7 +16,7 @@ class FileManagerTest : public FileTest {
   // From now on listings have so many entries and then an error, so often, or kinds that nobody
   // knows.
   static void listWith(int entries, bool hideKinds, int errors = 9) {
-    host().calls.readdir = [=](DIR* folder) mutable -> struct dirent* {
+    host().calls.readdir = [=](DIR * folder) mutable -> struct dirent* {
       if (entries-- == 0 && errors-- > 0) return failWith(EIO), entries = 0, nullptr;
       struct dirent* entry = ::readdir(folder);
       if (entry != nullptr && hideKinds) entry->d_type = DT_UNKNOWN;
