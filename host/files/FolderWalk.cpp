@@ -75,8 +75,7 @@ EntryKind kindOf(int folder, const struct dirent& entry) {
 }
 
 // 0 or why it failed.
-int readEntries(DIR* listing, Entries& entries) {
-  const int folder = ::dirfd(listing);
+int readEntries(int folder, DIR* listing, Entries& entries) {
   for (;;) {
     errno = 0;
     const struct dirent* entry = host().calls.readdir(listing);
@@ -99,7 +98,7 @@ int list(const Location& place, Entries& entries) {
       calls.open(place.folder(), place.path(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
   if (descriptor < 0) return -1;
   DIR* const listing = calls.fdopendir(descriptor);
-  const int error = listing == nullptr ? errno : readEntries(listing, entries);
+  const int error = listing == nullptr ? errno : readEntries(descriptor, listing, entries);
   listing == nullptr ? calls.close(descriptor) : calls.closedir(listing);
   errno = error;
   return error == 0 ? 0 : -1;

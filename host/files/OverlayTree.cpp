@@ -1,0 +1,176 @@
+#include "host/files/OverlayTree.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace cairnset {
+
+namespace {
+
+// Takes the first name off a path.
+std::string_view takeName(std::string_view& path) {
+  path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
+  const std::string_view name = path.substr(0, path.find('/'));
+  path.remove_prefix(name.size());
+  path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
+  return name;
+}
+
+std::string_view folderOf(std::string_view path) {
+  return path.substr(0, path.rfind('/'));
+}
+
+}  // namespace
+
+void OverlayItem::touch(bool bytesToo) {
+  struct timespec now;
+  ::clock_gettime(CLOCK_REALTIME, &now);
+#if defined(__APPLE__)
+  info.st_ctimespec = now;
+  if (bytesToo) info.st_mtimespec = now;
+#else
+  info.st_ctim = now;
+  if (bytesToo) info.st_mtim = now;
+#endif
+}
+
+std::string OverlayItem::realPath() const {
+  if (!isInPlace) return real;
+  // From the innermost folder outwards; there may be thousands.
+  std::string reversed;
+  const OverlayItem* folder = this;
+  for (; folder->isInPlace && folder->parent != nullptr; folder = folder->parent)
+    reversed.append(folder->name.rbegin(), folder->name.rend()) += '/';
+  std::string path = folder->isInPlace ? "" : folder->real;
+  return path.append(reversed.rbegin(), reversed.rend());
+}
+
+std::string OverlayItem::path() const {
+  std::string reversed;
+  for (const OverlayItem* folder = this; folder->parent != nullptr; folder = folder->parent)
+    reversed.append(folder->name.rbegin(), folder->name.rend()) += '/';
+  return {reversed.rbegin(), reversed.rend()};
+}
+
+OverlayTree::OverlayTree() {
+  add(S_IFDIR).isInPlace = true;
+}
+
+OverlayItem& OverlayTree::add(mode_t kind) {
+  OverlayItem& item = _items.emplace_back();
+  item.info.st_mode = kind;
+  item.info.st_ino = --_last_number;  // from the far end, which no volume reaches
+  item.touch(true);
+  return item;
+}
+
+OverlayItem& OverlayTree::folderAt(OverlayItem& start, std::string_view path) {
+  OverlayItem* folder = &start;
+  while (!path.empty()) {
+    const std::string_view name = takeName(path);
+    if (name.empty() || name == ".") continue;
+    auto known = folder->entries.find(name);
+    if (known == folder->entries.end()) {
+      OverlayItem& child = add(S_IFDIR);
+      child.parent = folder;
+      child.name = name;
+      child.isInPlace = true;
+      known = folder->entries.emplace(child.name, &child).first;
+    }
+    folder = known->second;
+  }
+  return *folder;
+}
+
+OverlayTree::Found OverlayTree::find(OverlayItem& start, std::string_view path) {
+  Found found;
+  OverlayItem* folder = &start;
+  std::string_view rest = path;
+  while (!folder->entries.empty() && !rest.empty()) {
+    std::string_view after = rest;
+    const std::string_view name = takeName(after);
+    if (name.empty() || name == ".") {
+      rest = after;
+      continue;
+    }
+    const auto known = folder->entries.find(name);
+    if (known == folder->entries.end()) break;
+    OverlayItem* const item = known->second;
+    found.isStraight &= item != nullptr && item->isInPlace;
+    if (item == nullptr) {
+      found.error = ENOENT;
+    } else if (item->isFolder()) {
+      folder = item;
+      rest = after;
+      continue;
+    } else if (after.empty()) {
+      found.item = item;
+    } else {
+      found.error = item->isLink() ? ELOOP : ENOTDIR;
+    }
+    return found;
+  }
+  while (!rest.empty() && rest.front() == '/')
+    rest.remove_prefix(1);
+  if (rest.empty()) {
+    found.item = folder;
+  } else if (!folder->isReal()) {
+    found.error = ENOENT;
+  } else {
+    found.above = folder;
+    found.rest = rest;
+  }
+  return found;
+}
+
+void OverlayTree::setName(OverlayItem& folder, const std::string& name, OverlayItem& item) {
+  folder.entries[name] = &item;
+  ++item.info.st_nlink;
+  item.touch(false);
+  item.real = item.realPath();
+  item.isInPlace = false;
+  item.parent = &folder;
+  item.name = name;
+}
+
+void OverlayTree::removeName(OverlayItem& folder, const std::string& name, OverlayItem& item) {
+  folder.entries[name] = nullptr;
+  --item.info.st_nlink;
+  item.touch(false);
+}
+
+void OverlayTree::note(Step step, const OverlayItem& item, std::string path, std::string newPath) {
+  _journal.push_back({step, &item, std::move(path), std::move(newPath)});
+}
+
+// A second name, and later the first one taken away, is a rename at the time of the first step.
+std::vector<FileChange> OverlayTree::changes() const {
+  using Kind = FileChange::Kind;
+  std::map<std::pair<const OverlayItem*, std::string_view>, std::size_t> secondNames;
+  std::vector<FileChange> all;
+  const auto moved = [](const std::string& path, const std::string& newPath) {
+    const bool isRename = folderOf(path) == folderOf(newPath);
+    return FileChange{isRename ? Kind::kRename : Kind::kMove, path, newPath};
+  };
+  for (const auto& [step, item, path, newPath] : _journal) {
+    const auto second = secondNames.find({item, path});
+    if (step == Step::kMakeFolder) all.push_back({Kind::kMakeFolder, path});
+    if (step == Step::kMake) all.push_back({Kind::kMake, path});
+    if (step == Step::kRename) all.push_back(moved(path, newPath));
+    if (step == Step::kReplace) all.push_back({Kind::kReplace, path, newPath});
+    if (step == Step::kRewrite) all.push_back({Kind::kRewrite, path});
+    if (step == Step::kLink) {
+      secondNames[{item, path}] = all.size();
+      all.push_back({Kind::kMake, newPath});
+    }
+    if (step == Step::kRemove && second == secondNames.end()) all.push_back({Kind::kDelete, path});
+    if (step == Step::kRemove && second != secondNames.end()) {
+      FileChange& first = all[second->second];
+      first = moved(path, first.path);
+      secondNames.erase(second);
+    }
+  }
+  return all;
+}
+
+}  // namespace cairnset
