@@ -128,6 +128,7 @@ class Overlay::Calls {
   }
   int add(Open open);
   Item* startOf(int folder, const char* path);
+  Item* itemOf(Open& open);
 
   OverlayTree::Found find(int folder, const char* path);
   OverlayTree::Found findFollowing(int folder, const char* path);
@@ -180,13 +181,21 @@ Item* Overlay::Calls::startOf(int folder, const char* path) {
     char text[PATH_MAX];
     return ::getcwd(text, sizeof text) != nullptr ? &_tree.folderAt(_tree.root(), text) : nullptr;
   }
-  const Open* const open = opened(folder);
-  return open != nullptr ? open->item : nullptr;
+  Open* const open = opened(folder);
+  return open != nullptr ? itemOf(*open) : nullptr;
+}
+
+// Null for a file that is as on the disk.
+Item* Overlay::Calls::itemOf(Open& open) {
+  struct stat info;
+  if (open.item == nullptr && real.fstat(open.real, &info) == 0 && S_ISDIR(info.st_mode))
+    open.item = &_tree.folderAt(*open.start, open.path);
+  return open.item;
 }
 
 OverlayTree::Found Overlay::Calls::find(int folder, const char* path) {
   Item* const start = startOf(folder, path);
-  if (start == nullptr) return {folder < kFirstNumber ? 0 : EBADF};
+  if (start == nullptr) return {folder < kFirstNumber ? 0 : opened(folder) ? ENOTDIR : EBADF};
   if (!start->isFolder()) return {ENOTDIR};
   if (*path == '\0') return {ENOENT};
   return _tree.find(*start, path);
@@ -403,9 +412,9 @@ char* Overlay::Calls::realpath(const char* path, char* resolved) {
 
 DIR* Overlay::Calls::fdopendir(int number) {
   const Lock lock(_mutex);
-  const Open* const open = opened(number);
+  Open* const open = opened(number);
   if (open == nullptr) return fail(EBADF), nullptr;
-  if (open->item == nullptr || !open->item->isFolder()) return fail(ENOTDIR), nullptr;
+  if (itemOf(*open) == nullptr || !open->item->isFolder()) return fail(ENOTDIR), nullptr;
   DIR* folder = nullptr;
   if (open->real >= 0 && (folder = real.fdopendir(open->real)) == nullptr) return nullptr;
   return reinterpret_cast<DIR*>(new Listing{number, folder, open->item});

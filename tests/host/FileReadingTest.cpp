@@ -40,7 +40,7 @@ class FileReadingTest : public FileTest {
   }
 };
 
-TEST_F(FileReadingTest, GivesWhatOneByOneGives) {
+TEST_P(FileReadingTest, GivesWhatOneByOneGives) {
   const std::string deep = "d/" + std::string(250, 'x') + "/" + std::string(250, 'y');
   for (std::size_t i = 0; i < 400; ++i)
     write("f" + std::to_string(i / 30) + (i % 60 < 5 ? "/in/ner/" : "/") +
@@ -66,7 +66,7 @@ TEST_F(FileReadingTest, GivesWhatOneByOneGives) {
 
 // Neither a system that gives no thread its own descriptors, nor one that has none to spare, nor a
 // close that fails keeps a file from being read; nor does an end at any moment harm.
-TEST_F(FileReadingTest, GoesOnWithLess) {
+TEST_P(FileReadingTest, GoesOnWithLess) {
   for (int i = 0; i < 200; ++i)
     write(std::to_string(i), "bytes");
   const std::string expected = load(std::nullopt);
@@ -89,5 +89,7 @@ TEST_F(FileReadingTest, GoesOnWithLess) {
       EXPECT_EQ(reading.next().bytes, "bytes");
   }
 }
+
+ON_DISK_AND_OVERLAYS(FileReadingTest);
 
 }  // namespace cairnset

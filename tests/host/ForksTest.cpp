@@ -20,10 +20,10 @@ class ForksTest : public FileTest {
     std::int16_t fork = 0;
     return openFork(ref, permissions, &fork) == noErr ? fork : std::int16_t{-1};
   }
-  using TestFolder::write;
+  using FileTest::write;
 };
 
-TEST_F(ForksTest, ReadsFromWhereItIsTold) {
+TEST_P(ForksTest, ReadsFromWhereItIsTold) {
   constexpr std::int64_t kFar = std::numeric_limits<std::int64_t>::max();
   write("file", "0123456789");
   const std::int16_t fork = opened(ref("file"), fsRdPerm);
@@ -42,7 +42,7 @@ TEST_F(ForksTest, ReadsFromWhereItIsTold) {
 
 // At most 3 bytes a call, every other call interrupted, and sizes around the 1,024 bytes that are
 // read ahead.
-TEST_F(ForksTest, CompletesInterruptedAndShortTransfers) {
+TEST_P(ForksTest, CompletesInterruptedAndShortTransfers) {
   int calls = 0;
   const auto some = [&](const auto& call, int d, auto* bytes, std::size_t n, off_t at) -> ssize_t {
     return ++calls % 2 == 0 ? failWith(EINTR) : call(d, bytes, std::min<std::size_t>(n, 3), at);
@@ -64,7 +64,7 @@ TEST_F(ForksTest, CompletesInterruptedAndShortTransfers) {
 }
 
 // Whatever is open, a place gives the file that is there now.
-TEST_F(ForksTest, OpensWhatIsAtThePlaceNow) {
+TEST_P(ForksTest, OpensWhatIsAtThePlaceNow) {
   const FSRef top = ref("");
   for (const char way : {'r', 'm', 'd', 'f'}) {
     write("folder/file", "123456789");
@@ -90,7 +90,7 @@ TEST_F(ForksTest, OpensWhatIsAtThePlaceNow) {
   }
 }
 
-TEST_F(ForksTest, RefusesWhatIsNoRegularFileAtOnce) {
+TEST_P(ForksTest, RefusesWhatIsNoRegularFileAtOnce) {
   ::alarm(20);  // a call that waits would wait for ever
   makeFolder("folder");
   symlink("/dev/zero", "alias");
@@ -104,11 +104,13 @@ TEST_F(ForksTest, RefusesWhatIsNoRegularFileAtOnce) {
       EXPECT_EQ(openFork(item, permissions, &fork), ioErr) << item.node;
   EXPECT_EQ(openFork(items[0], 0, &fork) + openFork(items[0], 4, &fork), 2 * paramErr);
   write("file", "123");
-  host().calls.close = [](int descriptor) { return ::close(descriptor), failWith(ENOSPC); };
+  host().calls.close = [this](int descriptor) { return real.close(descriptor), failWith(ENOSPC); };
   host().calls.fstat = [](auto...) { return failWith(EACCES); };
   EXPECT_EQ(openFork(ref("file"), fsRdPerm, &fork), permErr) << "not what the tidying met";
   EXPECT_EQ(fork, -7);
   ::alarm(0);
 }
+
+ON_DISK_AND_OVERLAYS(ForksTest);
 
 }  // namespace cairnset
