@@ -3,14 +3,17 @@
 #include <cstring>
 #include <iomanip>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "host/files/DryRun.h"
 #include "host/terminal/Process.h"
 #include "host/terminal/ReportText.h"
 #include "tool/BulkMaintenance.h"
+#include "tool/DryRunReport.h"
 #include "tool/FilenameRepair.h"
 #include "tool/Notes.h"
 #include "tool/Options.h"
@@ -138,7 +141,9 @@ int runSession(int argc, char** argv) {
   if (!takeOptions(argv[0], given, flags)) return kPathNotResolved;
   setNotesWanted((flags & kQuiet) == 0);
   std::cout.flush();  // loading can take a while
-  const bool changes = (flags & (kSort | kFixFilenames)) != 0;
+  std::optional<DryRun> dryRun;
+  if ((flags & kDryRun) != 0) dryRun.emplace();
+  const bool changes = !dryRun && (flags & (kSort | kFixFilenames)) != 0;
   int status = instantiate(changes ? Changes::kYes : Changes::kNo);
   writeNotes(takeResultNotes());
   if (status == kSuccess) {
@@ -147,6 +152,14 @@ int runSession(int argc, char** argv) {
   } else if (status == kNoPreferences) {
     std::cerr << "Cairnset: " << kHowToName << '\n';
     if ((flags & kShowUsage) != 0) printUsage();
+  }
+  if (dryRun) {
+    listChanges(*dryRun);
+    if (dryRun->hasMetReadOnly() && (flags & kQuiet) == 0) {
+      std::cerr
+          << "Cairnset: note: not all of the library can be written; the dry run counts it as "
+             "if it could\n";
+    }
   }
   deinstantiate();
   return status;
@@ -205,9 +218,11 @@ void printHelp() {
       std::cout << "  " << std::left << std::setw(20) << form(option) << ' ' << option.help << '\n';
     }
   }
-  std::cout << "\n"
-               "Letters can be combined. The commands run in the order -h -s -y -z -p -d -r.\n"
-               "Every run can change the library, even one that only lists it: see cairnset(1).\n";
+  std::cout
+      << "\n"
+         "Letters can be combined. The commands run in the order -h -s -y -z -p -d -r.\n"
+         "Every run can change the library, even one that only lists it: see cairnset(1). Add\n"
+         "--dry-run to see what a run would change.\n";
 }
 
 }  // namespace cairnset

@@ -17,11 +17,12 @@ enum CommandFlag : unsigned {
   kShowHelp = 256,        // --help
   kShowVersion = 512,     // --version
   kQuiet = 1024,          // --quiet
+  kDryRun = 2048,         // --dry-run
 };
 
 /// The flags that change how a run goes and not what it does: with no others, the usage is printed
 /// as without any option.
-inline constexpr unsigned kModifiers = kQuiet;
+inline constexpr unsigned kModifiers = kQuiet | kDryRun;
 
 /// What kind of argument an option takes. An empty path is refused; an empty text is not.
 enum class OptionArgument { kNone, kFolder, kFile, kText };
@@ -59,6 +60,8 @@ inline constexpr Option kOptions[] = {
      "repair these names and the references to them"},
     {kShowUsage, OptionGroup::kHelp, 'h', nullptr, OptionArgument::kNone, nullptr,
      "Help (you're reading it)", "load the library, then list the options that are letters"},
+    {kDryRun, OptionGroup::kChanges, '\0', "dry-run", OptionArgument::kNone, nullptr, nullptr,
+     "change nothing, and list what would be changed"},
     {kQuiet, OptionGroup::kOutput, '\0', "quiet", OptionArgument::kNone, nullptr, nullptr,
      "leave out the notes on standard error"},
     {kShowHelp, OptionGroup::kHelp, '\0', "help", OptionArgument::kNone, nullptr, nullptr,

@@ -425,6 +425,7 @@ struct dirent* Overlay::Calls::readdir(DIR* handle) {
   const Lock lock(_mutex);
   if (!listing.added) {
     struct dirent* entry = nullptr;
+    errno = 0;
     while (listing.real != nullptr && (entry = real.readdir(listing.real)) != nullptr) {
       const auto known = listing.folder->entries.find(std::string_view(entry->d_name));
       if (known == listing.folder->entries.end()) return entry;
@@ -788,6 +789,10 @@ SystemCalls Overlay::Calls::table() {
   t.setAttribute = [this](auto... args) { return setAttribute(args...); };
   t.birthTime = [this](auto... args) { return birthTime(args...); };
   t.flush = t.flushVolume = [](int) { return 0; };
+  t.flock = [this](int number, int operation) {
+    const Lock lock(_mutex);
+    return real.flock(realNumber(number), operation);
+  };
   return t;
 }
 
@@ -798,6 +803,10 @@ Overlay::~Overlay() = default;
 
 const SystemCalls& Overlay::calls() const {
   return _calls;
+}
+
+const SystemCalls& Overlay::real() const {
+  return _implementation->real;
 }
 
 std::vector<FileChange> Overlay::changes() const {

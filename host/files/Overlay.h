@@ -25,6 +25,8 @@ class Overlay {
   /// The table, valid as long as the overlay. Its descriptors are numbers of its own, which only
   /// its calls understand; it also takes those of the system, to read only.
   [[nodiscard]] const SystemCalls& calls() const;
+  /// What it was laid over.
+  [[nodiscard]] const SystemCalls& real() const;
 
   /// What was changed, in order.
   [[nodiscard]] std::vector<FileChange> changes() const;

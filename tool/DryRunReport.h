@@ -1,0 +1,12 @@
+// What a dry run tells beyond the report of the real run.
+#pragma once
+
+namespace cairnset {
+
+class DryRun;
+
+/// Prints the changes that the run would have made to the session's library and, outside of it, to
+/// the preferences.
+void listChanges(const DryRun& dryRun);
+
+}  // namespace cairnset
