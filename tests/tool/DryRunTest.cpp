@@ -1,0 +1,241 @@
+// Dry runs of random libraries: each prints what the real run prints, sees what that makes of the
+// library, lists the changes that lead there, and touches nothing.
+#include <unordered_map>
+
+#include "host/files/DryRun.h"
+#include "presets/PresetManager.h"
+#include "tests/PresetFile.h"
+#include "tool/CommandLine.h"
+
+namespace cairnset {
+namespace {
+
+using Items = std::map<std::string, std::string>;
+
+class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder {
+ protected:
+  std::size_t below(std::size_t end) { return _random() % end; }
+  template <typename T, std::size_t kSize>
+  const T& anyOf(const T (&values)[kSize]) {
+    return values[below(kSize)];
+  }
+
+  std::string name() {
+    static const std::string kNames[] = {"a?b",
+                                         "a*b",
+                                         "a_b",
+                                         "?",
+                                         "_",
+                                         "x ",
+                                         "x",
+                                         "x.",
+                                         "p:q",
+                                         "P_Q",
+                                         "p_q",
+                                         "y",
+                                         "z",
+                                         "Default",
+                                         "default",
+                                         "User",
+                                         "\xC3\xA9?",
+                                         "A?B",
+                                         "e\xCC\x81\xFF*",
+                                         std::string(80, '?')};
+    return anyOf(kNames);
+  }
+
+  // Something in the library, unless there is something already.
+  void add() {
+    const KindFormat& kind = anyOf(kKinds);
+    static const std::string kFolders[] = {"",         "",       "",     "User/",
+                                           "Factory/", "Halls/", "a?b/", "deep/er/"};
+    PresetFile preset{kind.folder + "/"s + anyOf(kFolders) + name(),
+                      below(3) == 0,
+                      static_cast<unsigned>(below(40)),
+                      {name(), name()}};
+    std::replace(preset.references[0].begin(), preset.references[0].end(), ':', '/');
+    const std::string place = "lib/Presets/" + preset.path;
+    std::error_code taken;
+    fs::create_directories(fs::path(path(place)).parent_path(), taken);
+    if (taken || exists(place)) return;
+    std::string bytes = preset.bytes();
+    switch (below(16)) {
+      case 0:
+        return makeFolder(place);
+      case 1:
+        return fs::create_symlink(_last.empty() ? "nowhere" : path(_last), path(place));
+      case 2:
+        if (!_last.empty()) return fs::create_hard_link(path(_last), path(place));
+        break;
+      case 3:
+        bytes.resize(below(bytes.size()));
+        break;
+      case 4:
+        bytes[below(bytes.size())] ^= static_cast<char>(1 + below(255));
+        break;
+      case 5:
+        bytes += "tail";
+        break;
+      default:
+        break;
+    }
+    write(_last = place, bytes);
+  }
+
+  void makeLibrary() {
+    _last.clear();
+    fs::remove_all(path("lib"));
+    const std::size_t shape = below(20);
+    if (shape == 0) return;
+    makeFolder("lib");
+    if (shape == 1) write("lib/Presets", "");
+    for (std::size_t count = shape < 3 ? 0 : below(25); count > 0; --count)
+      add();
+  }
+
+  // Of files and folders, or all that can be seen of them without a look inside.
+  void setWritable(bool isWritable) {
+    for (const auto& [item, content] : items()) {
+      if (content.front() != '-')
+        fs::permissions(path(item), fs::perms::owner_write | fs::perms::group_write,
+                        isWritable ? fs::perm_options::add : fs::perm_options::remove);
+    }
+  }
+  std::string traces() {
+    std::ostringstream text;
+    for (const auto& [item, content] : items()) {
+      struct stat info;
+      ::lstat(path(item).c_str(), &info);
+      text << item << ' ' << info.st_ino << ' ' << info.st_nlink << ' ' << info.st_mode;
+      for (const auto& time : {info.st_mtim, info.st_ctim, info.st_atim})
+        if (content.front() != '-') text << ' ' << time.tv_sec << '.' << time.tv_nsec;
+      text << content << '\n';
+    }
+    return text.str();
+  }
+
+  // What the host in use sees.
+  static void look(const std::string& top, const std::string& name, Items& all) {
+    const SystemCalls& calls = host().calls;
+    std::string bytes(5000, '?');
+    struct stat info = {};
+    if (calls.lstat(AT_FDCWD, (top + name).c_str(), &info) != 0) return;
+    const int item =
+        calls.open(AT_FDCWD, (top + name).c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC, 0);
+    if (S_ISREG(info.st_mode)) {
+      bytes.resize(static_cast<std::size_t>(calls.pread(item, bytes.data(), bytes.size(), 0)));
+      all[name] = "=" + bytes;
+      calls.close(item);
+    } else if (S_ISLNK(info.st_mode)) {
+      bytes.resize(static_cast<std::size_t>(
+          calls.readlink(AT_FDCWD, (top + name).c_str(), bytes.data(), bytes.size())));
+      all[name] = "->" + bytes;
+    } else {
+      all[name] = "/";
+      DIR* const listing = calls.fdopendir(item);
+      while (const struct dirent* entry = calls.readdir(listing)) {
+        if (entry->d_name[0] == '.' && std::strchr("./", entry->d_name[1]) != nullptr) continue;
+        look(top, name + "/" + entry->d_name, all);
+      }
+      calls.closedir(listing);
+    }
+  }
+
+  struct Run {
+    std::string output;
+    Items items;
+    std::vector<FileChange> changes;
+  };
+
+  Run run(const std::vector<std::string>& options, bool isDry) {
+    Host fresh;
+    const HostInUse inUse(fresh);
+    std::optional<DryRun> dry;
+    if (isDry) dry.emplace();
+    TreeItem::_current_index = 1;
+    Preset::_index_count = 100000;
+    std::ostringstream out, err;
+    std::streambuf* const before[] = {std::cout.rdbuf(out.rdbuf()), std::cerr.rdbuf(err.rdbuf())};
+    std::vector<std::string> words{"cairnset", "-e", path("lib")};
+    words.insert(words.end(), options.begin(), options.end());
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+      arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    const int status = runCommandLine(static_cast<int>(words.size()), arguments.data());
+    std::cout.rdbuf(before[0]), std::cerr.rdbuf(before[1]);
+    Run result{out.str() + "--\n" + err.str() + "--\n" + std::to_string(status), {}, {}};
+    look(path(""), "/lib", result.items);
+    FSRef top;
+    if (isDry && FSPathMakeRef(path("").c_str(), &top, nullptr) == noErr) {
+      result.changes = dry->changesIn(top);
+    }
+    return result;
+  }
+
+  // What the changes make of the items. Of what they make or rewrite, the dry run has the bytes.
+  Items applied(const std::vector<FileChange>& changes, const Items& seen) {
+    std::map<std::string, int> files;  // one number for all names of a file
+    std::map<int, std::string> contents;
+    int last = 0;
+    std::map<ino_t, int> numbers;
+    for (const auto& [item, content] : items()) {
+      struct stat info;
+      ::lstat(path(item).c_str(), &info);
+      int& number = numbers[info.st_ino];
+      if (number == 0) number = ++last;
+      contents[files["/" + item] = number] = content;
+    }
+    for (const auto& [kind, relative, newRelative] : changes) {
+      const std::string from = "/" + relative, to = "/" + newRelative;
+      using Kind = FileChange::Kind;
+      const bool isNew = kind == Kind::kMake || kind == Kind::kMakeFolder;
+      EXPECT_EQ(files.count(from), isNew ? 0u : 1u) << from;
+      EXPECT_EQ(files.count(to), kind == Kind::kReplace ? 1u : 0u) << to;
+      if (isNew) files[from] = ++last;
+      if (isNew) contents[last] = kind == Kind::kMake ? "?" : "/";
+      if (kind == Kind::kRewrite) contents[files[from]] = "?";
+      if (!newRelative.empty()) files[to] = files[from];
+      if (!newRelative.empty() || kind == Kind::kDelete) files.erase(from);
+    }
+    Items all;
+    for (const auto& [item, number] : files) {
+      const auto content = seen.find(item);
+      all[item] =
+          contents[number] == "?" && content != seen.end() ? content->second : contents[number];
+    }
+    return all;
+  }
+
+ private:
+  std::mt19937 _random{GetParam()};
+  std::string _last;
+};
+
+TEST_P(DryRunTest, ForeseesTheRealRun) {
+  constexpr const char* kCommands[] = {"-s", "-z", "-s", "-z", "-y", "-p", "-d", "-r", "-h"};
+  for (int library = 0; library < 250; ++library) {
+    SCOPED_TRACE(testing::Message() << "library " << library << " of " << GetParam());
+    makeLibrary();
+    std::vector<std::string> options;
+    for (std::size_t count = below(4); count > 0; --count)
+      options.emplace_back(anyOf(kCommands));
+    const bool isReadOnly = below(4) == 0;
+    if (isReadOnly) setWritable(false);
+    traces();  // reads all, so that no time of an access changes after it
+    const std::string before = traces();
+    const Run dry = run(options, true);
+    ASSERT_EQ(traces(), before);
+    if (isReadOnly) setWritable(true);
+    const Items expected = applied(dry.changes, dry.items);
+    const Run real = run(options, false);
+    ASSERT_EQ(dry.output, real.output);
+    ASSERT_EQ(dry.items, real.items);
+    ASSERT_EQ(expected, real.items);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Libraries, DryRunTest, testing::Range(0u, 8u));
+
+}  // namespace
+}  // namespace cairnset
