@@ -68,12 +68,14 @@ TEST_P(ForksTest, OpensWhatIsAtThePlaceNow) {
   const FSRef top = ref("");
   for (const char way : {'r', 'm', 'd', 'f'}) {
     write("folder/file", "123456789");
+    hardLink("folder/file", "other");
     const FSRef file = ref("folder/file"), folder = ref("folder");
     const std::int16_t reader = opened(file, fsRdPerm), writer = opened(file, fsRdWrPerm);
     EXPECT_EQ(readAt(reader, fsAtMark, 0, 3) + readAt(writer, fsAtMark, 0, 3), "123123")
         << "own marks";
     EXPECT_EQ(write(writer, "abc"), noErr);
-    EXPECT_EQ(readAll(reader), "abc456789");
+    EXPECT_EQ(readAll(reader) + read("other"), "abc456789abc456789");
+    FileTest::remove("other");
     ASSERT_EQ(way == 'r'   ? rename(file, u"renamed")
               : way == 'm' ? FSMoveObject(&file, &top, nullptr)
               : way == 'd' ? FSDeleteObject(&file)
