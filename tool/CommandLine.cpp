@@ -153,14 +153,7 @@ int runSession(int argc, char** argv) {
     std::cerr << "Cairnset: " << kHowToName << '\n';
     if ((flags & kShowUsage) != 0) printUsage();
   }
-  if (dryRun) {
-    listChanges(*dryRun);
-    if (dryRun->hasMetReadOnly() && (flags & kQuiet) == 0) {
-      std::cerr
-          << "Cairnset: note: not all of the library can be written; the dry run counts it as "
-             "if it could\n";
-    }
-  }
+  if (dryRun) listChanges(*dryRun);
   deinstantiate();
   return status;
 }

@@ -5,25 +5,14 @@
 #include <vector>
 
 #include "host/files/DryRun.h"
-#include "host/files/FileManager.h"
-#include "host/preferences/BrumePrefs.h"
 #include "host/terminal/ReportText.h"
+#include "presets/PresetManager.h"
+#include "tool/Notes.h"
 #include "tool/Session.h"
 
 namespace cairnset {
 
 namespace {
-
-// Invalid where no library was found.
-FSRef libraryFolder() {
-  FSRef folder;
-  if (path_string[0] != '\0') {
-    (void)FSPathMakeRef(path_string, &folder, nullptr);
-  } else if (_prefs != nullptr && _prefs->isInitialised()) {
-    folder = *_prefs->getItemsFSRef();
-  }
-  return folder;
-}
 
 std::string lineFor(const FileChange& change) {
   switch (change.kind) {
@@ -48,13 +37,18 @@ std::string lineFor(const FileChange& change) {
 }  // namespace
 
 void listChanges(const DryRun& dryRun) {
-  const std::vector<FileChange> changes = dryRun.changesIn(libraryFolder());
+  const FSRef library = _pm != nullptr ? _pm->itemsFolder() : FSRef();
+  const std::vector<FileChange> changes = dryRun.changesIn(library);
   std::cout << "\nChanges that were not made:\n";
   for (const FileChange& change : changes) {
     writeGivenText(std::cout, lineFor(change));
     std::cout << '\n';
   }
   if (changes.empty()) std::cout << "none\n";
+  if (dryRun.hasMetReadOnly()) {
+    writeNotes(
+        {"not all of this can be written; the dry run counts what can be read as if it could"});
+  }
 }
 
 }  // namespace cairnset

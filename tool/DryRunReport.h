@@ -6,7 +6,7 @@ namespace cairnset {
 class DryRun;
 
 /// Prints the changes that the run would have made to the session's library and, outside of it, to
-/// the preferences.
+/// the preferences. A note says if some of that cannot be written, so that a real run would fail.
 void listChanges(const DryRun& dryRun);
 
 }  // namespace cairnset
