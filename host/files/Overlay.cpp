@@ -217,7 +217,7 @@ template <typename Call>
 auto Overlay::Calls::onDisk(const std::string& path, Call call) const {
   if (path.empty()) return call(AT_FDCWD, "/");
   const auto [folder, name] = split(path);
-  const Location place(real, folder.empty() ? "/" : folder, name);
+  const Location place(real, AT_FDCWD, folder.empty() ? "/" : folder, name);
   if (place.status() == noErr) return call(place.folder(), place.path());
   errno = ENOENT;
   return decltype(call(0, ""))(-1);
