@@ -24,10 +24,12 @@ std::string preferencesPath() {
   }
 #endif
   const char* home = std::getenv("HOME");
+#ifndef CAIRNSET_STATIC  // there getpwuid would load shared libraries, of the glibc that built this
   if (home == nullptr || home[0] != '/') {
     const struct passwd* user = ::getpwuid(::getuid());
     home = user != nullptr ? user->pw_dir : nullptr;
   }
+#endif
   if (home == nullptr || home[0] != '/') return {};
 #if defined(__APPLE__)
   return std::string(home) + "/Library/Preferences";
