@@ -27,7 +27,7 @@ class HeldFolderTest : public FileTest {
 };
 
 // With far fewer descriptors than levels, and at a cost that does not grow with the depth.
-TEST_F(HeldFolderTest, IsWalkedReadAndChangedHoweverDeep) {
+TEST_P(HeldFolderTest, IsWalkedReadAndChangedHoweverDeep) {
   constexpr int kDepth = 20000;
   int innermost = nest("", kDepth);
   std::optional<HeldFolder> held(ref(""));
@@ -69,7 +69,7 @@ TEST_F(HeldFolderTest, IsWalkedReadAndChangedHoweverDeep) {
 }
 
 // The way up from a folder that was moved meanwhile leads to another of the same depth.
-TEST_F(HeldFolderTest, WhatIsMovedMisleadsNobody) {
+TEST_P(HeldFolderTest, WhatIsMovedMisleadsNobody) {
   makeFolder("held/e");
   ::close(nest("held", 140)), ::close(nest("held/e", 140));
   const HeldFolder held(ref("held"));
@@ -87,5 +87,8 @@ TEST_F(HeldFolderTest, WhatIsMovedMisleadsNobody) {
   char buffer[FileStart::kMost];
   EXPECT_EQ(readFileStart(file, fsRdPerm, buffer).bytes, "z");
 }
+
+// On the disk only, whose own calls make and move what is below.
+INSTANTIATE_TEST_SUITE_P(On, HeldFolderTest, testing::Values(On::kDisk));
 
 }  // namespace cairnset
