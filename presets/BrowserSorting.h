@@ -4,6 +4,9 @@
 // folder, where a file of the same name makes the move fail; ROM presets into a folder chosen by
 // their data, where a file of the same name is deleted first. The "Default" preset stays. The tree
 // in memory is not updated: reload the library afterwards.
+//
+// A sort that was stopped ends in the same places when it is repeated, also if in between a repair
+// of names was stopped.
 #pragma once
 
 #include <cstdint>

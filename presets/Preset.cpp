@@ -22,6 +22,7 @@ namespace {
 
 constexpr long kBlockSize = 128;
 constexpr long kMostBytes = 512;  // no preset file is larger
+constexpr std::size_t kNameAt = 12, kIndexAt = 85, kPayloadAt = 89;
 constexpr long kNameField = 64;
 constexpr long kReserved = 8;
 constexpr unsigned long kNameSize = 240;  // names are cut to this many bytes, NUL included
@@ -33,6 +34,21 @@ OSErr whyNotRead(const FSRef& file) {
   char buffer[FileStart::kMost];
   const FileStart start = readFileStart(file, fsRdWrPerm, buffer);
   return start.opened != noErr ? start.opened : start.read;
+}
+
+// What a write overwrites, as a number: that the file still holds it can be seen without keeping
+// it. Unlike a file's number and times this works on every volume, and a new link or mode is no
+// change.
+std::uint64_t fingerprintOf(std::string_view bytes) {
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
+  std::uint64_t hash = bytes.size();
+  for (std::size_t i = 0; i < bytes.size(); i += sizeof hash) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes.data() + i, std::min(sizeof word, bytes.size() - i));
+    hash = (hash ^ word) * kMultiplier;
+    hash ^= hash >> 29;
+  }
+  return hash != 0 ? hash : 1;
 }
 
 }  // namespace
@@ -216,6 +232,9 @@ OSErr Preset::readFrom(const FileStart& start) {
   VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
   extractImage(file, start.size);
   _is_file_whole = _status == noErr && start.size == fileSize();
+  const std::string_view image(file.buffer(),
+                               static_cast<std::size_t>(file.rptr() - file.buffer()));
+  _fingerprint = _status == noErr ? fingerprintOf(image) : 0;
   _edited = false;
   return _status;
 }
@@ -225,12 +244,49 @@ OSErr Preset::writeOut() {
   if (_fork_ref == 0) return noErr;
   VirtualFile file(kBlockSize);
   fillVirtualFile(file);
-  _status = static_cast<OSErr>(file.dump(_fork_ref, true));
-  _edited = false;
+  const std::string_view image(file.buffer(), file.size());
+  _status = checkUnchanged(image);
+  const bool isToWrite = _status == noErr;
+  if (isToWrite) {
+    _status = static_cast<OSErr>(file.dump(_fork_ref, true));
+    _edited = false;
+  }
   const OSErr closed = close();  // where some volumes first report a lost write
   if (_status == noErr) _status = closed;
+  if (isToWrite) _fingerprint = _status == noErr ? fingerprintOf(image) : 0;
   if (_status == noErr) _file_index = _index;
   return _status;
+}
+
+// Compares the open file with what was read. `image` is what this preset would write.
+OSErr Preset::checkUnchanged(std::string_view image) {
+  if (_fingerprint == 0) return noErr;
+  char bytes[FileStart::kMost];
+  std::size_t got = 0;
+  const OSErr read =
+      FSReadFork(_fork_ref, fsFromStart, 0, std::min(image.size(), sizeof bytes), bytes, &got);
+  if (read != noErr && read != eofErr) return read;
+  const std::string_view file(bytes, got);
+  // Nothing can be lost of an empty file.
+  if (file.empty() || fingerprintOf(file) == _fingerprint) return noErr;
+  // Another preset of this process may have written it, under the file's second name. It differs in
+  // its name and, if it is RAM, in its place.
+  const std::size_t afterName = kNameAt + kNameField, index = isROM() ? kPayloadAt : kIndexAt;
+  const bool isOurs =
+      file.size() == image.size() && file.size() > kPayloadAt &&
+      file.substr(0, kNameAt) == image.substr(0, kNameAt) &&
+      file.substr(afterName, index - afterName) == image.substr(afterName, index - afterName) &&
+      file.substr(kPayloadAt) == image.substr(kPayloadAt);
+  return isOurs ? noErr : catChangedErr;
+}
+
+bool Preset::isChangedByOthers() {
+  if (openForReading() != noErr) return false;
+  VirtualFile file(kBlockSize);
+  fillVirtualFile(file);
+  const OSErr result = checkUnchanged({file.buffer(), file.size()});
+  close();
+  return result == catChangedErr;
 }
 
 OSErr Preset::writeOutIfDeletedFromDisk() {
@@ -246,6 +302,7 @@ OSErr Preset::writeOutIfDeletedFromDisk() {
   const OSErr made = FSCreateFileUnicode(&_parent_ref, name.length, name.unicode, &file, nullptr);
   if (made != noErr) return made;
   changeFile(file);
+  _fingerprint = 0;
   const OSErr written = writeOut();
   if (_status != noErr) deleteIfEmpty();  // or the next call would not find it missing
   return written;
@@ -261,7 +318,16 @@ void Preset::deleteIfEmpty() {
 OSErr Preset::addName(const unsigned char* newName) const {
   HFSUniStr255 name;
   ConvertPStringToHFSUniStr(newName, &name);
-  return FSAddNameUnicode(&_file_ref, name.length, name.unicode);
+  return FSAddNameUnicode(&_file_ref, name.length, name.unicode, nullptr);
+}
+
+OSErr Preset::switchToAddedName(const unsigned char* newName) {
+  HFSUniStr255 name;
+  ConvertPStringToHFSUniStr(newName, &name);
+  FSRef added;
+  _status = FSAddNameUnicode(&_file_ref, name.length, name.unicode, &added);
+  if (_status == noErr) changeName(added);
+  return _status;
 }
 
 OSErr Preset::rename(const unsigned char* newName) {
@@ -269,12 +335,21 @@ OSErr Preset::rename(const unsigned char* newName) {
   ConvertPStringToHFSUniStr(newName, &name);
   FSRef renamed;
   _status = FSRenameUnicode(&_file_ref, name.length, name.unicode, kTextEncodingUnknown, &renamed);
-  if (_status != noErr) return _status;
-  changeFile(renamed);
+  if (_status == noErr) changeName(renamed);
+  return _status;
+}
+
+OSErr Preset::renameBack(const FSRef& place) {
+  _status = FSMoveToPlace(&_file_ref, &place);
+  if (_status == noErr) changeName(place);
+  return _status;
+}
+
+void Preset::changeName(const FSRef& ref) {
+  changeFile(ref);
   FileName held;
-  getPlaceName(renamed, held, sizeof held);
+  getPlaceName(ref, held, sizeof held);
   setTreeItemName(held);
-  return noErr;
 }
 
 Preset::Moved Preset::move(const FSRef& folder, bool replace) {

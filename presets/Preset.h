@@ -132,16 +132,24 @@ class Preset : public TreeLeaf {
   OSErr readFrom(const FileStart& start);
   /// Writes the file from its start and returns status(), but 0 if it could not be opened, as
   /// readIn. A longer file keeps its tail, and then fails the size check when it is read again.
+  /// catChangedErr if others have changed or replaced the file since it was read or written here:
+  /// it is left alone, until it is read again.
   OSErr writeOut();
   /// From now on every writeOut() fails with this result, and leaves the file alone.
   void neverWrite(OSErr why) { _why_never_written = why; }
+  /// Whether writeOut() would return catChangedErr.
+  [[nodiscard]] bool isChangedByOthers();
   /// Makes and writes the file again if it is gone; 0 if it exists.
   OSErr writeOutIfDeletedFromDisk();
   /// Gives the file a second name, so that rename() to it only has to remove the first. An error if
   /// the name is taken or the volume has no hard links.
   [[nodiscard]] OSErr addName(const unsigned char* newName) const;
+  /// Gives the file a second name, if it has not got it yet, and takes that as the preset's.
+  OSErr switchToAddedName(const unsigned char* newName);
   /// Renames the file and the preset; the name inside the file changes at the next writeOut.
   OSErr rename(const unsigned char* newName);
+  /// Undoes a rename: `place` is the file's reference before it.
+  [[nodiscard]] OSErr renameBack(const FSRef& place);
   /// Moves the file. With `replace`, a file there with this preset's host name is replaced, unless
   /// it is this preset's own, under another spelling or as a hard link. Returns 1, not 0, on
   /// success, on purpose: it always has.
@@ -182,6 +190,8 @@ class Preset : public TreeLeaf {
   OSErr open(std::int8_t permissions);
   void takeFile(const FSRef& ref);
   void changeFile(const FSRef& ref);
+  void changeName(const FSRef& ref);
+  OSErr checkUnchanged(std::string_view image);
   void takeNamesFromFile();
   void deleteIfEmpty();
   long extractImage(VirtualFile& file, std::int64_t size);
@@ -200,6 +210,7 @@ class Preset : public TreeLeaf {
   std::int32_t _file_index = 0;
   std::uint8_t _rom = 0;
   bool _is_file_whole = true;
+  std::uint64_t _fingerprint = 0;           // of the file as last read or written; 0 if not known
   std::shared_ptr<VirtualFile> _flat_file;  // null until there is one
 };
 

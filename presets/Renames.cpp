@@ -1,7 +1,6 @@
 #include "presets/Renames.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <set>
 #include <utility>
@@ -29,6 +28,11 @@ bool writesBefore(const Relinked* a, const Relinked* b) {
                              : a->preset->index() < b->preset->index();
 }
 
+struct PascalName {
+  explicit PascalName(const std::string& name) { C2PCopy(text, name.c_str()); }
+  Str255 text;
+};
+
 bool flushVolumeIfMany(std::size_t items, const FSRef& one) {
   return items >= kManyItems && FSFlushVolume(&one) == noErr;
 }
@@ -54,6 +58,11 @@ void flushFiles(const std::vector<Relinked*>& rewrites) {
   }
 }
 
+OSErr rewrite(Preset& preset) {
+  (void)preset.writeOut();  // only the status reports a file that could not be opened
+  return preset.status();
+}
+
 std::vector<Relinked*> rewriteReferrers(const std::vector<Renamed*>& presets) {
   std::vector<Relinked*> rewrites;
   for (Renamed* renamed : presets) {
@@ -64,44 +73,113 @@ std::vector<Relinked*> rewriteReferrers(const std::vector<Renamed*>& presets) {
     }
   }
   std::stable_sort(rewrites.begin(), rewrites.end(), writesBefore);
-  for (Relinked* relinked : rewrites) {
-    // Only the status reports a file that could not be opened.
-    (void)relinked->preset->writeOut();
-    relinked->written = relinked->preset->status();
-  }
+  for (Relinked* relinked : rewrites)
+    relinked->written = rewrite(*relinked->preset);
   return rewrites;
 }
 
-// Renames presets whose referrers are all of one kind, a kind that none of the presets has.
-void renameTogether(const std::vector<Renamed*>& presets) {
-  const auto pascal = [](const Renamed& renamed) {
-    Str255 name;
-    C2PCopy(name, renamed.newName.c_str());
-    return std::to_array(name);
-  };
-  const auto rename = [&pascal](Renamed& renamed) {
-    renamed.result = renamed.preset->rename(pascal(renamed).data());
-  };
-  std::vector<Renamed*> linked, alone;
-  for (Renamed* renamed : presets) {
-    OSErr result = paramErr;
-    if (referenceTo(*renamed->preset) != nullptr)
-      result = renamed->preset->addName(pascal(*renamed).data());
-    // A taken or invalid name makes the rename fail too, whenever it is tried.
-    const bool canRewriteFirst = result == noErr || result == dupFNErr || result == bdNamErr;
-    (canRewriteFirst ? linked : alone).push_back(renamed);
-  }
-  flushFolders(linked);
-  flushFiles(rewriteReferrers(linked));
-  for (Renamed* renamed : linked)
-    rename(*renamed);
-  for (Renamed* renamed : alone) {
-    rename(*renamed);
-    rewriteReferrers({renamed});
+bool isNotSafe(const Relinked& relinked) {
+  return relinked.written != noErr || relinked.flushed != noErr;
+}
+
+// Takes back the rename of a file that cannot have two names, and the rewriting of its referrers.
+// As far as that fails, the next call completes the rename.
+void undo(Renamed& renamed, const FSRef& place) {
+  if (renamed.preset->renameBack(place) != noErr) return;
+  const PresetReference* reference = referenceTo(*renamed.preset);
+  for (Relinked& relinked : renamed.referrers) {
+    reference->setName(*relinked.preset, renamed.oldName.c_str());
+    if (relinked.written == noErr) relinked.written = rewrite(*relinked.preset);
   }
 }
 
+// Renames presets whose referrers are all of one kind, a kind that none of the presets has.
+class RenamingTogether {
+ public:
+  explicit RenamingTogether(const PresetManager& library) : _library(library) {}
+
+  void operator()(const std::vector<Renamed*>& presets) {
+    std::vector<Renamed*> linked, alone;
+    for (Renamed* renamed : presets) {
+      if (renamed->preset->isChangedByOthers()) {
+        renamed->result = catChangedErr;
+        keepOldName(*renamed);
+        renamed->referrers.clear();
+        continue;
+      }
+      renamed->result = paramErr;
+      if (referenceTo(*renamed->preset) != nullptr)
+        renamed->result = renamed->preset->addName(PascalName(renamed->newName).text);
+      // A taken or invalid name makes the rename fail too, whenever it is tried.
+      const bool canRewriteFirst = renamed->result == noErr || isNameRefused(renamed->result);
+      (canRewriteFirst ? linked : alone).push_back(renamed);
+    }
+    flushFolders(linked);
+    flushFiles(rewriteReferrers(linked));
+    for (const Renamed* renamed : linked)
+      keepOldNameIfNeeded(*renamed);
+    for (Renamed* renamed : linked)
+      removeOldName(*renamed);
+    for (Renamed* renamed : alone)
+      renameAlone(*renamed);
+  }
+
+ private:
+  // Presets of one old name share their referrers.
+  using OldName = std::pair<const PresetReference*, std::string>;
+
+  static OldName oldNameOf(const Renamed& renamed) {
+    return {referenceTo(*renamed.preset), renamed.oldName};
+  }
+  void keepOldName(const Renamed& renamed) { _kept.insert(oldNameOf(renamed)); }
+  void keepOldNameIfNeeded(const Renamed& renamed) {
+    if (std::any_of(renamed.referrers.begin(), renamed.referrers.end(), isNotSafe))
+      keepOldName(renamed);
+  }
+  bool keepsOldName(const Renamed& renamed) const {
+    const PresetReference* reference = referenceTo(*renamed.preset);
+    return reference != nullptr && (_library.findings().passedOver(reference->from) > 0 ||
+                                    _kept.contains(oldNameOf(renamed)));
+  }
+
+  void removeOldName(Renamed& renamed) const {
+    const PascalName newName(renamed.newName);
+    renamed.keepsOldName = keepsOldName(renamed);
+    if (isNameRefused(renamed.result)) {
+      if (!renamed.keepsOldName) renamed.result = renamed.preset->rename(newName.text);
+    } else if (renamed.keepsOldName) {
+      renamed.result = renamed.preset->switchToAddedName(newName.text);
+    } else {
+      renamed.result = renamed.preset->rename(newName.text);
+      // Both names led to the file; one of them no longer does.
+      if (renamed.result == dupFNErr) renamed.result = catChangedErr;
+    }
+  }
+
+  void renameAlone(Renamed& renamed) {
+    renamed.keepsOldName = keepsOldName(renamed);
+    if (renamed.keepsOldName) {
+      renamed.result = noErr;
+      renamed.referrers.clear();
+      return;
+    }
+    const FSRef place = renamed.preset->fileRef();
+    renamed.result = renamed.preset->rename(PascalName(renamed.newName).text);
+    rewriteReferrers({&renamed});
+    keepOldNameIfNeeded(renamed);
+    renamed.keepsOldName = keepsOldName(renamed);
+    if (renamed.keepsOldName && renamed.result == noErr) undo(renamed, place);
+  }
+
+  const PresetManager& _library;
+  std::set<OldName> _kept;
+};
+
 }  // namespace
+
+bool isNameRefused(OSErr result) {
+  return result == dupFNErr || result == bdNamErr;
+}
 
 std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<NewName>& names) {
   std::vector<Renamed> presets;
@@ -120,6 +198,7 @@ std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<New
   }
   // Rewrite the references held by a kind before renaming that kind. Sessions, which name two
   // kinds, are rewritten together; no preset names them.
+  RenamingTogether renameTogether(library);
   for (const PresetKind referrers : {kProgramKind, kSessionKind, kAllKinds}) {
     std::vector<Renamed*> together;
     for (Renamed& renamed : presets) {

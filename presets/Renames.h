@@ -7,7 +7,10 @@
 //      to the disk.
 //   2. Those that named it are rewritten, each by one write that no stop can cut in two, and
 //      flushed.
-//   3. The old names are removed.
+//   3. The old names are removed. One that a referrer may still need is not: if a referrer could
+//   not
+//      be written or flushed, or the load has passed over files of its kind. The next call goes on
+//      from there.
 //
 // Old and new name both lead to the file until nothing needs the old one. After a stop, the next
 // call still finds the preset under its old name, and sees that the new name is the same file.
@@ -18,8 +21,9 @@
 // two RAM presets have one index, such an order may not exist; then their places can differ, and
 // nothing else.
 //
-// If a file cannot have a second name it is simply renamed, one preset after the other. A stop
-// between such a rename and the last rewrite leaves references to a name that is gone.
+// If a file cannot have a second name it is simply renamed, one preset after the other. If one of
+// its referrers cannot be written, all is undone; if one may have been passed over, nothing is
+// done. A stop between such a rename and the last rewrite leaves references to a name that is gone.
 #pragma once
 
 #include <string>
@@ -52,13 +56,23 @@ struct Renamed {
   std::string oldName;
   std::string newName;
   std::vector<Relinked> referrers;  // in the order of their list's leaf walk
-  OSErr result = noErr;             // of the rename; the referrers are relinked even if it failed
+  /// Of the rename. catChangedErr if others have changed the file or its names meanwhile. The
+  /// referrers are relinked even if it failed, but not after catChangedErr.
+  OSErr result = noErr;
+  /// The old name stays, since a referrer was not written or may have been passed over: beside the
+  /// new one, or alone if the file cannot have two. Another call completes it.
+  bool keepsOldName = false;
 };
 
+/// True if that result of a rename says that the file cannot have the name, and not that something
+/// went wrong.
+[[nodiscard]] bool isNameRefused(OSErr result);
+
 /// Renames these presets of the library, of any kinds and each once, and rewrites all presets that
-/// name them exactly. Returns the results in the order of `names`. No failure ends it early or
-/// undoes anything. Referrers are relinked even if the rename failed, on purpose: it has always
-/// been so, and shows as a missing reference.
+/// name them exactly. Returns the results in the order of `names`. No failure ends it early. In
+/// memory presets and references have their new names even if a file keeps its old one or could not
+/// be written. Referrers are relinked even if the rename failed, on purpose: it has always been so,
+/// and shows as a missing reference.
 ///
 /// Every reference is updated once: if presets of one kind share a name, the first in `names` gets
 /// the referrers. A rename to a name that another preset gives up in the same call may fail.

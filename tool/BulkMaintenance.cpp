@@ -46,7 +46,7 @@ void setROM(PresetList* list, bool rom) {
     if (preset.romByte() == (rom ? 1 : 0)) return;
     preset.setROM(rom);
     (void)preset.writeOut();  // 0 also if the file could not be opened
-    reportWriteFailure(preset, preset.status());
+    reportFailure("writing", preset, preset.status());
   });
 }
 

@@ -2,14 +2,17 @@
 
 #include <cstring>
 #include <iostream>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "host/files/FileSystemHelpers.h"
 #include "host/terminal/Process.h"
 #include "host/terminal/ReportText.h"
 #include "host/text/FileNameRules.h"
 #include "presets/PresetManager.h"
+#include "presets/PresetReferences.h"
 #include "presets/Renames.h"
 #include "tool/Notes.h"
 #include "tool/Reports.h"
@@ -36,6 +39,21 @@ const char* kindName(const Preset& preset) {
     default:
       return "session ";
   }
+}
+
+// Says why old names are kept, if it is because of presets of this kind that were not loaded.
+void reportPassedOver(PresetKind kind) {
+  const std::size_t count = _pm->findings().passedOver(kind);
+  const Finding* first = _pm->findings().firstPassedOver(kind);
+  if (first == nullptr) return;
+  char place[4096];
+  if (convertFSRefToPath(&first->place, place, sizeof place) != noErr)
+    getPlaceName(first->place, place, sizeof place);
+  std::cerr << "### error " << first->result << " occurred while loading " << count
+            << (count == 1 ? " file or folder of " : " files or folders of ")
+            << (kind == kProgramKind ? "programs" : "sessions") << ", the first of them [";
+  writeGivenText(std::cerr, place);
+  std::cerr << "]; the old names of what may be used there are kept\n";
 }
 
 }  // namespace
@@ -76,6 +94,7 @@ int fixFilenames() {
   }
   int status = kSuccess;
   std::string text;
+  std::set<PresetKind> needed;  // the kinds for which old names were kept
   std::vector<Renamed> renames;
   NoteLines notes;
   if (_pm != nullptr && !names.empty()) {
@@ -84,7 +103,7 @@ int fixFilenames() {
     renames = renamePresets(*_pm, names);
     if (areNotesWanted()) notes = notesOfRepair(*_pm, renames, before);
   }
-  for (const auto& [preset, oldName, newName, referrers, unnoticed] : renames) {
+  for (const auto& [preset, oldName, newName, referrers, renamed, keepsOldName] : renames) {
     text.append("renaming ").append(kindName(*preset));
     appendQuoted(text, oldName, " to ");
     appendQuoted(text, newName, "\n");
@@ -95,10 +114,21 @@ int fixFilenames() {
       if (result == noErr) continue;
       status = kReferencesNotWritten;
       writeText(std::cout, std::exchange(text, {}));
-      reportWriteFailure(*referrer.preset, result, referrer.name.c_str());
+      reportFailure("writing", *referrer.preset, result, referrer.name.c_str());
+    }
+    if (renamed != noErr && !isNameRefused(renamed)) {
+      status = kReferencesNotWritten;
+      writeText(std::cout, std::exchange(text, {}));
+      reportFailure("renaming", *preset, renamed, oldName.c_str());
+    }
+    if (keepsOldName) {
+      status = kReferencesNotWritten;
+      needed.insert(referenceTo(*preset)->from);
     }
   }
   writeText(std::cout, text);
+  for (const PresetKind kind : needed)
+    reportPassedOver(kind);
   std::cout << "Fixing all preset file names has finished.\n";
   writeNotes(notes);
   writeNotes(takeResultNotes());

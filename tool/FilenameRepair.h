@@ -12,8 +12,9 @@ namespace cairnset {
 int checkFilenames();
 
 /// Renames each preset whose name Windows rejects, and rewrites those that named it. Returns
-/// kReferencesNotWritten if one of these could not be written (reported on standard error; the rest
-/// goes on), else kSuccess. Signals are held back until all is done; presets/Renames.h says what a
+/// kReferencesNotWritten if one of these could not be written or was not loaded, or if a rename
+/// failed for another reason than its name (reported on standard error; the rest goes on), else
+/// kSuccess. Signals are held back until all is done; presets/Renames.h says what a
 /// SIGKILL leaves.
 int fixFilenames();
 

@@ -77,9 +77,9 @@ void listParents() {
   listReferrers(_p, _s, kSessionProgramReference);
 }
 
-void reportWriteFailure(const Preset& preset, OSErr result, const char* name) {
+void reportFailure(const char* doing, const Preset& preset, OSErr result, const char* name) {
   if (result == noErr) return;
-  std::string line = "### error " + std::to_string(result) + " occurred while writing ";
+  std::string line = "### error " + std::to_string(result) + " occurred while " + doing + ' ';
   preset.appendTreeItemInfo(line, std::cerr, name);
   writeText(std::cerr, line.append(1, '\n'));
   addResultNote(result);

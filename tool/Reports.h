@@ -19,8 +19,9 @@ int listAllDependencies();
 /// exact name counts, unlike for listAllDependencies, on purpose.
 void listParents();
 
-/// Prints a line on standard error with the result code and the preset, under `name` if it is not
-/// null. Does nothing for noErr.
-void reportWriteFailure(const Preset& preset, OSErr result, const char* name = nullptr);
+/// Prints a line on standard error with the result code, what was being done ("writing") and the
+/// preset, under `name` if it is not null. Does nothing for noErr.
+void reportFailure(const char* doing, const Preset& preset, OSErr result,
+                   const char* name = nullptr);
 
 }  // namespace cairnset

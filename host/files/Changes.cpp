@@ -203,8 +203,15 @@ OSErr FSRenameUnicode(const FSRef* ref, std::size_t length, const UniChar* name,
   return moveToName(*ref, {name, length}, renameWithoutReplacing, newRef);
 }
 
-OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name) {
-  return moveToName(*ref, {name, length}, addSecondName, nullptr);
+OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name, FSRef* newRef) {
+  return moveToName(*ref, {name, length}, addSecondName, newRef);
+}
+
+OSErr FSMoveToPlace(const FSRef* ref, const FSRef* place) {
+  FSRef folder;
+  if (!placeOf(*ref, nullptr, nullptr) || !placeOf(*place, &folder, nullptr)) return errFSBadFSRef;
+  return moveItem(*ref, folder, std::string(nodes().name(place->node)), renameWithoutReplacing,
+                  nullptr);
 }
 
 OSErr FSMoveObject(const FSRef* ref, const FSRef* folder, FSRef* newRef) {

@@ -12,6 +12,7 @@
 //   ~ ITEM            a file that was written to, even to no effect, and what it holds now
 //   - PATH            an item that is gone
 //   - PATH to PATH    a file that was renamed or moved, perhaps to a new folder, but not written to
+//   = PATH to PATH    a file that has got a second name
 //   end               the last line
 //
 // Of items and paths there can be several in a line, with " ; " between them.
@@ -139,6 +140,7 @@ class TranscriptTest : public testing::TestWithParam<std::string>, protected Tes
   }
 
   static void change(Items& items, char sign, const Words& words) {
+    if (sign == '=') return void(items[words.at(2)] = items.at(words[0]));
     auto before = items.extract(words.at(0));
     if (before.empty() != (sign == '+')) throw std::runtime_error("not so before: " + words[0]);
     if (sign == '-' && words.size() == 1) return;
@@ -198,7 +200,7 @@ TEST_P(TranscriptTest, GoesAsWritten) {
       }
     } else if (sign == '>' || sign == '!') {
       (sign == '>' ? runs.back().out : runs.back().err) += text + '\n';
-    } else if (std::strchr(":+~-", sign) != nullptr) {
+    } else if (std::strchr(":+~-=", sign) != nullptr) {
       for (const Words& words : itemsIn(text))
         sign == ':' ? make(itemFrom(words)) : void(runs.back().changes.emplace_back(sign, words));
     } else {
