@@ -232,9 +232,9 @@ OSErr Preset::readFrom(const FileStart& start) {
   VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
   extractImage(file, start.size);
   _is_file_whole = _status == noErr && start.size == fileSize();
-  const std::string_view image(file.buffer(),
-                               static_cast<std::size_t>(file.rptr() - file.buffer()));
-  _fingerprint = _status == noErr ? fingerprintOf(image) : 0;
+  _fingerprint = _status == noErr
+                     ? fingerprintOf(start.bytes.substr(0, static_cast<std::size_t>(fileSize())))
+                     : 0;
   _edited = false;
   return _status;
 }
@@ -336,12 +336,6 @@ OSErr Preset::rename(const unsigned char* newName) {
   FSRef renamed;
   _status = FSRenameUnicode(&_file_ref, name.length, name.unicode, kTextEncodingUnknown, &renamed);
   if (_status == noErr) changeName(renamed);
-  return _status;
-}
-
-OSErr Preset::renameBack(const FSRef& place) {
-  _status = FSMoveToPlace(&_file_ref, &place);
-  if (_status == noErr) changeName(place);
   return _status;
 }
 

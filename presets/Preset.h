@@ -148,8 +148,6 @@ class Preset : public TreeLeaf {
   OSErr switchToAddedName(const unsigned char* newName);
   /// Renames the file and the preset; the name inside the file changes at the next writeOut.
   OSErr rename(const unsigned char* newName);
-  /// Undoes a rename: `place` is the file's reference before it.
-  [[nodiscard]] OSErr renameBack(const FSRef& place);
   /// Moves the file. With `replace`, a file there with this preset's host name is replaced, unless
   /// it is this preset's own, under another spelling or as a hard link. Returns 1, not 0, on
   /// success, on purpose: it always has.
@@ -205,12 +203,12 @@ class Preset : public TreeLeaf {
   /// A place whose last part is the preset's host name: the file's exact name when this preset was
   /// made. A rename does not change it, on purpose.
   FSRef _host_name_ref;
-  FSRef _parent_ref;  // the folder that the file is, or was, in
+  FSRef _parent_ref;               // the folder that the file is, or was, in
+  std::uint64_t _fingerprint = 0;  // of the file as last read or written; 0 if not known
   std::int32_t _index = 0;
   std::int32_t _file_index = 0;
   std::uint8_t _rom = 0;
   bool _is_file_whole = true;
-  std::uint64_t _fingerprint = 0;           // of the file as last read or written; 0 if not known
   std::shared_ptr<VirtualFile> _flat_file;  // null until there is one
 };
 

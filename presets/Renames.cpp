@@ -82,10 +82,9 @@ bool isNotSafe(const Relinked& relinked) {
   return relinked.written != noErr || relinked.flushed != noErr;
 }
 
-// Takes back the rename of a file that cannot have two names, and the rewriting of its referrers.
-// As far as that fails, the next call completes the rename.
-void undo(Renamed& renamed, const FSRef& place) {
-  if (renamed.preset->renameBack(place) != noErr) return;
+// Takes back the rewriting of the referrers of one preset. As far as that fails, they name it by
+// its next name, which the next call gives it.
+void putBack(Renamed& renamed) {
   const PresetReference* reference = referenceTo(*renamed.preset);
   for (Relinked& relinked : renamed.referrers) {
     reference->setName(*relinked.preset, renamed.oldName.c_str());
@@ -163,12 +162,15 @@ class RenamingTogether {
       renamed.referrers.clear();
       return;
     }
-    const FSRef place = renamed.preset->fileRef();
-    renamed.result = renamed.preset->rename(PascalName(renamed.newName).text);
     rewriteReferrers({&renamed});
     keepOldNameIfNeeded(renamed);
     renamed.keepsOldName = keepsOldName(renamed);
-    if (renamed.keepsOldName && renamed.result == noErr) undo(renamed, place);
+    renamed.result = noErr;
+    if (renamed.keepsOldName) {
+      putBack(renamed);
+    } else {
+      renamed.result = renamed.preset->rename(PascalName(renamed.newName).text);
+    }
   }
 
   const PresetManager& _library;

@@ -21,9 +21,10 @@
 // two RAM presets have one index, such an order may not exist; then their places can differ, and
 // nothing else.
 //
-// If a file cannot have a second name it is simply renamed, one preset after the other. If one of
-// its referrers cannot be written, all is undone; if one may have been passed over, nothing is
-// done. A stop between such a rename and the last rewrite leaves references to a name that is gone.
+// If a file cannot have a second name, its referrers are rewritten first and then it is renamed,
+// one preset after the other. A stop in between leaves references to a name that the next call
+// gives. If a referrer cannot be written, the others are put back; if one may have been passed
+// over, nothing is done.
 #pragma once
 
 #include <string>

@@ -207,13 +207,6 @@ OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name
   return moveToName(*ref, {name, length}, addSecondName, newRef);
 }
 
-OSErr FSMoveToPlace(const FSRef* ref, const FSRef* place) {
-  FSRef folder;
-  if (!placeOf(*ref, nullptr, nullptr) || !placeOf(*place, &folder, nullptr)) return errFSBadFSRef;
-  return moveItem(*ref, folder, std::string(nodes().name(place->node)), renameWithoutReplacing,
-                  nullptr);
-}
-
 OSErr FSMoveObject(const FSRef* ref, const FSRef* folder, FSRef* newRef) {
   return moveToFolder(*ref, *folder, renameWithoutReplacing, newRef);
 }

@@ -104,10 +104,8 @@ bool placeOf(const FSRef& ref, FSRef* folder, HFSUniStr255* name);
 /// removes the first one; in between both names lead to the file. Never replaces: dupFNErr where
 /// the name is taken, unless by the file itself. An error where the volume has no hard links.
 /// `newRef`, which may be null, is the place of the second name.
-[[nodiscard]] OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name, FSRef* newRef);
-/// Renames or moves an item to a place, by the exact name of the place: undoes a rename. Never
-/// replaces.
-[[nodiscard]] OSErr FSMoveToPlace(const FSRef* ref, const FSRef* place);
+[[nodiscard]] OSErr FSAddNameUnicode(const FSRef* ref, std::size_t length, const UniChar* name,
+                                     FSRef* newRef);
 /// Deletes a file, an alias, or an empty folder (fBsyErr where it is not empty).
 [[nodiscard]] OSErr FSDeleteObject(const FSRef* ref);
 /// Waits until the file's contents, or the folder's names, are on the disk, safe from a loss of

@@ -168,7 +168,7 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
       {"", "LLFFWWFFRRULLFFWWFFRURUR s 0 e -48 p 0 0 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"},
       {"LLFFWW", "LLFFWWFLLLFFWWFFRURUR s 0 e -48 p 0 0 q -46 0 v 0 s 0 0 p 0 s 0 0 e 0"},
       {"LLFFWWF", "LLFFWWFFLLLFFWWFFRURUR s 0 e -48 p 0 -46 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"},
-      {"LLFFWWFFRRUL", "LLFFWWFFRRULLFWFRURWR s 0 e -48 p 0 0 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"}};
+      {"LLFFWWFFRRUL", "LLFFWWFFRRULLFWFRUWRR s 0 e -48 p 0 0 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"}};
   for (const auto& [fails, report] : cases) {
     fs::remove_all(path("lib/Presets"));
     for (const char* name : {"Velocity Maps/v", "Effects/e", "Effects/User/e", "Programs/p",
