@@ -15,7 +15,7 @@ using Fails = std::function<bool()>;
 template <typename Result, typename... Args>
 void failIf(std::function<Result(Args...)>& call, const Fails& fails) {
   intercept(call, [=](const auto& real, Args... args) -> Result {
-    return fails() ? failWith(EIO) : real(args...);
+    return fails() ? failWith(EROFS) : real(args...);
   });
 }
 
@@ -34,7 +34,7 @@ void failChangesIf(const Fails& fails) {
   failIf(s.renameNoReplace, fails), failIf(s.rename, fails), failIf(s.link, fails);
   failIf(s.unlink, fails);
   intercept(s.open, [=](const auto& open, int folder, const char* path, int flags, mode_t mode) {
-    return (flags & O_CREAT) != 0 && fails() ? failWith(EIO) : open(folder, path, flags, mode);
+    return (flags & O_CREAT) != 0 && fails() ? failWith(EROFS) : open(folder, path, flags, mode);
   });
 }
 
@@ -106,7 +106,7 @@ class StoppedRunsTest : public FolderTest {
 };
 
 TEST_F(StoppedRunsTest, ARepeatedRunEndsAsIfItHadNotBeenStopped) {
-  for (unsigned seed = 0; seed < 8; ++seed) {
+  for (unsigned seed = 0; seed < 5; ++seed) {
     choose(seed);
     for (const char* options : {"-p", "-s", "-z", "-sz"}) {
       setVolume(1), make();
@@ -178,10 +178,11 @@ TEST_F(StoppedRunsTest, NothingIsLostThatOthersPutThere) {
       const auto act = [&, at] {
         return ++calls == at && (fs::rename(path("theirs"), path("lib/Presets/" + place)), false);
       };
+      // Not before unlink: no system removes a name only as long as it leads to one file.
       SystemCalls& s = host().calls;
       failIf(s.open, act), failIf(s.fstat, act), failIf(s.pread, act), failIf(s.pwrite, act);
       failIf(s.lstat, act), failIf(s.renameNoReplace, act), failIf(s.link, act);
-      failIf(s.unlink, act), failIf(s.flush, act), failIf(s.close, act);
+      failIf(s.flush, act), failIf(s.close, act);
       const Items items = run("-z");
       isMet = calls >= at;
       EXPECT_TRUE(!isMet || std::any_of(items.begin(), items.end(),
