@@ -23,8 +23,8 @@ inline constexpr OSErr rfNumErr = -51;      // a fork number that is not open
 inline constexpr OSErr permErr = -54;       // permission refused
 inline constexpr OSErr dirNFErr = -120;     // the folder itself is missing, or is no folder
 inline constexpr OSErr diffVolErr = -1303;  // a move between volumes
-inline constexpr OSErr catChangedErr = -1304;      // it is no longer what was read: others changed it
-inline constexpr OSErr errFSBadFSRef = -1401;       // a reference to nothing that was ever there
+inline constexpr OSErr catChangedErr = -1304;  // it is no longer what was read: others changed it
+inline constexpr OSErr errFSBadFSRef = -1401;  // a reference to nothing that was ever there
 inline constexpr OSErr errFSRefsDifferent = -1420;  // two references that denote different places
 inline constexpr OSErr errFSNoMoreItems = -1417;    // an iterator has come to its end
 

@@ -218,7 +218,8 @@ std::vector<const Preset*> namesakesOf(PresetManager& library,
       const auto [first, last] = byName.equal_range(fncmpHash(preset->getTreeItemName()));
       for (auto entry = first; entry != last; ++entry) {
         const Preset* renamed = renames[entry->second].preset;
-        if (preset == renamed || namesakes[entry->second] != nullptr) continue;
+        if (preset->fileRef() == renamed->fileRef() || namesakes[entry->second] != nullptr)
+          continue;
         if (fncmp(preset->getTreeItemName(), renamed->getTreeItemName()) == 0)
           namesakes[entry->second] = preset;
       }
@@ -286,7 +287,8 @@ NoteLines notesOfRepair(PresetManager& library, const std::vector<Renamed>& rena
   for (const ReferenceTarget& target : before) {
     const std::string name(target.reference->name(*target.referrer));
     const Preset* now = listOf(library, target.reference->to).findPreset(name.c_str());
-    if (target.preset != nullptr && now != nullptr && now != target.preset)
+    // Two presets of one place: a repair was stopped when its file had both names.
+    if (target.preset != nullptr && now != nullptr && now->fileRef() != target.preset->fileRef())
       redirected.emplace_back(&target, now);
   }
   for (const auto& [target, now] : redirected) {
