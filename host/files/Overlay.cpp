@@ -89,6 +89,7 @@ class Overlay::Calls {
     int error = 0;
     Item* folder = nullptr;
     std::string name = {};
+    int real = -1;  // a descriptor of the folder on the disk, if there is one
   };
   static std::string pathOf(const Spot& spot) { return spot.folder->path() + "/" + spot.name; }
 
@@ -136,6 +137,8 @@ class Overlay::Calls {
   auto onDisk(const OverlayTree::Found& found, int folder, const char* path, Call call);
   template <typename Call>
   auto onDisk(const std::string& path, Call call) const;
+  template <typename Call>
+  auto onDisk(const Spot& spot, Call call) const;
 
   Spot spotFor(int folder, const char* path);
   Item* itemAt(const Spot& spot);
@@ -148,8 +151,9 @@ class Overlay::Calls {
   void bind(const Spot& spot, Item& item);
   bool load(Item& file, int descriptor);
   void changed(Item& file);
-  void checkFolder(const Item& folder);
-  void checkFile(const struct stat& info, const std::string& path);
+  void checkFolder(const Spot& spot);
+  void checkOpened(int descriptor, int folder, const char* path, int flags);
+  void checkAccess(int folder, const char* path);
 
   std::recursive_mutex _mutex;
   OverlayTree _tree;
@@ -223,6 +227,12 @@ auto Overlay::Calls::onDisk(const std::string& path, Call call) const {
   return decltype(call(0, ""))(-1);
 }
 
+template <typename Call>
+auto Overlay::Calls::onDisk(const Spot& spot, Call call) const {
+  if (spot.real >= 0) return call(spot.real, spot.name.c_str());
+  return onDisk(spot.folder->realPath() + "/" + spot.name, call);
+}
+
 // As given, wherever that leads to the right place.
 template <typename Call>
 auto Overlay::Calls::onDisk(const OverlayTree::Found& found, int folder, const char* path,
@@ -236,7 +246,7 @@ auto Overlay::Calls::onDisk(const OverlayTree::Found& found, int folder, const c
 
 // Never to write, and if possible without a new time of the last access.
 int Overlay::Calls::openReal(int folder, const char* path, int flags) const {
-  flags = (flags & ~O_ACCMODE & ~O_TRUNC) | O_RDONLY;
+  flags = (flags & ~(O_ACCMODE | O_CREAT | O_TRUNC)) | O_RDONLY;
 #if defined(O_NOATIME)
   if ((flags & O_PATH) == 0) {
     const int descriptor = real.open(folder, path, flags | O_NOATIME, 0);
@@ -253,6 +263,7 @@ int Overlay::Calls::open(int folder, const char* path, int flags, mode_t mode) {
     if (found.item == nullptr) {
       const int number = create(folder, path, S_IFREG | (mode & 0777), {}, flags & O_ACCMODE);
       if (number >= 0 || errno != EEXIST || (flags & O_EXCL) != 0) return number;
+      found = find(folder, path);
     } else if ((flags & O_EXCL) != 0) {
       return fail(EEXIST);
     }
@@ -278,28 +289,25 @@ int Overlay::Calls::openThere(const OverlayTree::Found& found, int folder, const
   }
   result.start = startOf(folder, path);
   result.path = path;
-  if (found.isStraight) {
-    const int descriptor = realNumber(folder);
-    lock.unlock();
-    result.real = openReal(descriptor, path, flags);
-  } else {
-    result.real = onDisk(found, folder, path,
-                         [=, this](int at, const char* way) { return openReal(at, way, flags); });
-    lock.unlock();
-  }
+  const auto openAndCheck = [=, this](int at, const char* way) {
+    const int descriptor = openReal(at, way, flags);
+    if (descriptor >= 0) checkOpened(descriptor, at, way, flags);
+    return descriptor;
+  };
+  const int base = realNumber(folder);
+  if (found.isStraight) lock.unlock();
+  result.real =
+      found.isStraight ? openAndCheck(base, path) : onDisk(found, folder, path, openAndCheck);
   if (result.real < 0 || result.start == nullptr) return result.real;
-  struct stat info = {};
-  const bool isToWrite = result.canWrite && _user != 0;
-  const bool isFile = (flags & O_DIRECTORY) == 0;
-  if (isToWrite && real.fstat(result.real, &info) == 0) lock.lock();
   if (!lock.owns_lock()) lock.lock();
-  if (!isFile && result.item == nullptr) result.item = &_tree.folderAt(*result.start, path);
-  if (!isFile) checkFolder(*result.item);
-  if (isToWrite) checkFile(info, result.start->realPath() + "/" + result.path);
-  if (isFile && !_linked.empty() && result.item == nullptr && real.fstat(result.real, &info) == 0 &&
-      info.st_nlink > 1) {
-    const auto known = _linked.find({info.st_dev, info.st_ino});
-    if (known != _linked.end()) result.item = known->second;
+  if (result.item == nullptr && (flags & O_DIRECTORY) != 0) {
+    result.item = &_tree.folderAt(*result.start, path);
+  } else if (result.item == nullptr && !_linked.empty()) {
+    struct stat info;
+    if (real.fstat(result.real, &info) == 0 && info.st_nlink > 1) {
+      const auto known = _linked.find({info.st_dev, info.st_ino});
+      if (known != _linked.end()) result.item = known->second;
+    }
   }
   return add(std::move(result));
 }
@@ -487,6 +495,7 @@ Overlay::Calls::Spot Overlay::Calls::spotFor(int folder, const char* path) {
   if (std::strchr(path, '/') == nullptr) {
     spot.folder = startOf(folder, path);
     spot.name = path;
+    spot.real = realNumber(folder);
   } else {
     std::string whole(path, length);
     while (whole.size() > 1 && whole.back() == '/')
@@ -517,9 +526,8 @@ Item* Overlay::Calls::itemAt(const Spot& spot) {
     return known->second;
   }
   if (!spot.folder->isReal()) return fail(ENOENT), nullptr;
-  std::string path = spot.folder->realPath() + "/" + spot.name;
   struct stat info;
-  if (onDisk(path, [&](int at, const char* way) { return real.lstat(at, way, &info); }) != 0) {
+  if (onDisk(spot, [&](int at, const char* path) { return real.lstat(at, path, &info); }) != 0) {
     return nullptr;
   }
   if (S_ISDIR(info.st_mode)) return &_tree.folderAt(*spot.folder, spot.name);
@@ -531,7 +539,7 @@ Item* Overlay::Calls::itemAt(const Spot& spot) {
   } else {
     item = &_tree.add(0);
     item->info = info;
-    item->real = std::move(path);
+    item->real = spot.folder->realPath() + "/" + spot.name;
     if (info.st_nlink > 1) _linked[number] = item;
   }
   item->parent = spot.folder;
@@ -584,22 +592,25 @@ bool Overlay::Calls::isEmpty(const Item& folder) {
   return isEmpty;
 }
 
-void Overlay::Calls::checkFolder(const Item& folder) {
-  if (hasMetReadOnly || !folder.isReal()) return;
-  onDisk(folder.realPath(), [this](int at, const char* way) {
-    const int result = ::faccessat(at, way, W_OK, AT_EACCESS);
-    if (result != 0 && (errno == EROFS || errno == EACCES)) hasMetReadOnly = true;
-    return result;
-  });
+// Remembers what could not be written. For a file that its owner may write, fstat says enough;
+// root may write all that is not on a volume that nobody may write, as its folder tells.
+void Overlay::Calls::checkOpened(int descriptor, int folder, const char* path, int flags) {
+  if (hasMetReadOnly) return;
+  if ((flags & O_DIRECTORY) != 0) return checkAccess(descriptor, ".");
+  struct stat info;
+  if (_user == 0 || (flags & O_ACCMODE) == O_RDONLY || real.fstat(descriptor, &info) != 0) return;
+  if (info.st_uid != _user || (info.st_mode & S_IWUSR) == 0) checkAccess(folder, path);
 }
 
-void Overlay::Calls::checkFile(const struct stat& info, const std::string& path) {
-  if (hasMetReadOnly || (info.st_uid == _user && (info.st_mode & S_IWUSR) != 0)) return;
-  onDisk(path, [this](int at, const char* way) {
-    const int result = ::faccessat(at, way, W_OK, AT_EACCESS);
-    if (result != 0 && errno == EACCES) hasMetReadOnly = true;
-    return result;
-  });
+void Overlay::Calls::checkAccess(int folder, const char* path) {
+  if (::faccessat(folder, path, W_OK, AT_EACCESS) != 0 && (errno == EROFS || errno == EACCES))
+    hasMetReadOnly = true;
+}
+
+void Overlay::Calls::checkFolder(const Spot& spot) {
+  if (hasMetReadOnly || !spot.folder->isReal()) return;
+  const auto check = [this](int at, const char* path) { return checkAccess(at, path), 0; };
+  spot.real >= 0 ? check(spot.real, ".") : onDisk(spot.folder->realPath(), check);
 }
 
 int Overlay::Calls::create(int folder, const char* path, mode_t kind, std::string_view target,
@@ -608,7 +619,7 @@ int Overlay::Calls::create(int folder, const char* path, mode_t kind, std::strin
   if (spot.error != 0) return fail(spot.error);
   if (itemAt(spot) != nullptr) return fail(EEXIST);
   if (errno != ENOENT) return -1;
-  checkFolder(*spot.folder);
+  checkFolder(spot);
   Item& item = _tree.add(kind);
   item.info.st_dev = deviceOf(*spot.folder);
   item.info.st_uid = _user;
@@ -705,8 +716,8 @@ int Overlay::Calls::rename(int oldFolder, const char* oldPath, int newFolder, co
     if (there->isFolder() && !isEmpty(*there)) return fail(ENOTEMPTY);
   }
   if (!isOneVolume(*from.folder, *to.folder)) return fail(EXDEV);
-  checkFolder(*from.folder);
-  checkFolder(*to.folder);
+  checkFolder(from);
+  checkFolder(to);
   _tree.note(there != nullptr ? Step::kReplace : Step::kRename, *item, pathOf(from), pathOf(to));
   if (there != nullptr) _tree.removeName(*to.folder, to.name, *there);
   _tree.setName(*to.folder, to.name, *item);
@@ -724,7 +735,7 @@ int Overlay::Calls::link(int oldFolder, const char* oldPath, int newFolder, cons
   if (errno != ENOENT) return -1;
   if (!isOneVolume(*from.folder, *to.folder)) return fail(EXDEV);
   if (item->isFolder()) return fail(EPERM);
-  checkFolder(*to.folder);
+  checkFolder(to);
   _tree.note(Step::kLink, *item, pathOf(from), pathOf(to));
   _tree.setName(*to.folder, to.name, *item);
   return 0;
@@ -739,7 +750,7 @@ int Overlay::Calls::unlink(int folder, const char* path, int flags) {
   const bool isForFolders = (flags & AT_REMOVEDIR) != 0;
   if (item->isFolder() != isForFolders) return fail(isForFolders ? ENOTDIR : EISDIR);
   if (isForFolders && !isEmpty(*item)) return fail(ENOTEMPTY);
-  checkFolder(*spot.folder);
+  checkFolder(spot);
   _tree.note(Step::kRemove, *item, pathOf(spot));
   _tree.removeName(*spot.folder, spot.name, *item);
   return 0;

@@ -69,6 +69,10 @@ OverlayItem& OverlayTree::folderAt(OverlayItem& start, std::string_view path) {
   while (!path.empty()) {
     const std::string_view name = takeName(path);
     if (name.empty() || name == ".") continue;
+    if (name == "..") {
+      if (folder->parent != nullptr) folder = folder->parent;
+      continue;
+    }
     auto known = folder->entries.find(name);
     if (known == folder->entries.end()) {
       OverlayItem& child = add(S_IFDIR);
@@ -86,10 +90,12 @@ OverlayTree::Found OverlayTree::find(OverlayItem& start, std::string_view path) 
   Found found;
   OverlayItem* folder = &start;
   std::string_view rest = path;
-  while (!folder->entries.empty() && !rest.empty()) {
+  while (!rest.empty()) {
     std::string_view after = rest;
     const std::string_view name = takeName(after);
-    if (name.empty() || name == ".") {
+    if (name.empty() || name == "." || name == "..") {
+      if (name == "..") found.isStraight &= folder->isInPlace;
+      if (name == ".." && folder->parent != nullptr) folder = folder->parent;
       rest = after;
       continue;
     }
