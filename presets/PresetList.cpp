@@ -1,5 +1,6 @@
 #include "presets/PresetList.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -88,6 +89,25 @@ void PresetList::removePtr(void* entry) {
 void PresetList::removeAll() {
   PtrManager::removeAll();
   deleteItemsRecursively();
+}
+
+void PresetList::forget(Preset* preset) {
+  removePtr(preset);
+  delete preset;
+  // The order of equal indexes depends on that of loading, which is that of the tree indexes.
+  std::vector<void*> loaded;
+  for (Preset* other : presets())
+    loaded.push_back(other);
+  const auto loadedAt = [](const void* entry) {
+    return entry != nullptr ? static_cast<const Preset*>(entry)->getTreeItemIndex() : 0;
+  };
+  std::stable_sort(loaded.begin(), loaded.end(),
+                   [&](const void* a, const void* b) { return loadedAt(a) < loadedAt(b); });
+  setEntries(loaded);
+  for (Preset* other : presets()) {
+    if (other != nullptr && !other->isROM()) other->setIndex(other->fileIndex());
+  }
+  reorderPresets();
 }
 
 void PresetList::clearPresets() {

@@ -64,6 +64,9 @@ class PresetList : public PtrManager, public PresetLimb {
   void removePtr(void* preset) override;
   /// Empties list and tree; no preset is destroyed.
   void removeAll() override;
+  /// Removes and destroys a preset, and orders the list as if that had never been loaded. The file
+  /// stays.
+  void forget(Preset* preset);
   /// Destroys all presets and empties list and tree.
   void clearPresets();
   PtrEntries<Preset> presets() const { return entriesAs<Preset>(); }

@@ -42,6 +42,9 @@ class PresetManager : public VelocityMapPresetList,
   ProgramPresetList& programs() { return *this; }
   SessionPresetList& sessions() { return *this; }
 
+  /// The list of a kind, or all four for kAllKinds, in loading order; none for any other code.
+  std::vector<PresetList*> listsOf(long kind);
+
   KeymapManager* getKeymapManager() const { return nullptr; }
   /// The library's own folder, in which "Presets" is; no place until it is set.
   const FSRef& itemsFolder() const { return _items_folder; }
@@ -81,8 +84,6 @@ class PresetManager : public VelocityMapPresetList,
   static std::int32_t _count;
 
  private:
-  // The lists of a kind, or all for kAllKinds, in loading order.
-  std::vector<PresetList*> listsOf(long kind);
   void findFolders(PresetList& list);
 
   struct PresetsFolder {

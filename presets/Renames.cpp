@@ -58,12 +58,29 @@ void flushFiles(const std::vector<Relinked*>& rewrites) {
   }
 }
 
-OSErr rewrite(Preset& preset) {
+OSErr rewrite(Preset& preset, Relinks relinks) {
+  const std::int32_t place = preset.index();
+  // Places as indexes can change the order of presets, and so which of two of one name comes first.
+  if (relinks == Relinks::kLedToIt) preset.setIndex(preset.fileIndex());
   (void)preset.writeOut();  // only the status reports a file that could not be opened
+  preset.setIndex(place);
   return preset.status();
 }
 
-std::vector<Relinked*> rewriteReferrers(const std::vector<Renamed*>& presets) {
+void rewriteInOrder(std::vector<Relinked*>& rewrites, Relinks relinks) {
+  std::stable_sort(rewrites.begin(), rewrites.end(), writesBefore);
+  for (Relinked* relinked : rewrites)
+    relinked->written = rewrite(*relinked->preset, relinks);
+}
+
+std::vector<Relinked> asRelinked(const std::vector<Preset*>& referrers) {
+  std::vector<Relinked> relinked;
+  for (Preset* preset : referrers)
+    relinked.push_back({preset, preset->getTreeItemName()});
+  return relinked;
+}
+
+std::vector<Relinked*> rewriteReferrers(const std::vector<Renamed*>& presets, Relinks relinks) {
   std::vector<Relinked*> rewrites;
   for (Renamed* renamed : presets) {
     const PresetReference* reference = referenceTo(*renamed->preset);
@@ -72,9 +89,7 @@ std::vector<Relinked*> rewriteReferrers(const std::vector<Renamed*>& presets) {
       rewrites.push_back(&relinked);
     }
   }
-  std::stable_sort(rewrites.begin(), rewrites.end(), writesBefore);
-  for (Relinked* relinked : rewrites)
-    relinked->written = rewrite(*relinked->preset);
+  rewriteInOrder(rewrites, relinks);
   return rewrites;
 }
 
@@ -84,18 +99,19 @@ bool isNotSafe(const Relinked& relinked) {
 
 // Takes back the rewriting of the referrers of one preset. As far as that fails, they name it by
 // its next name, which the next call gives it.
-void putBack(Renamed& renamed) {
+void putBack(Renamed& renamed, Relinks relinks) {
   const PresetReference* reference = referenceTo(*renamed.preset);
   for (Relinked& relinked : renamed.referrers) {
     reference->setName(*relinked.preset, renamed.oldName.c_str());
-    if (relinked.written == noErr) relinked.written = rewrite(*relinked.preset);
+    if (relinked.written == noErr) relinked.written = rewrite(*relinked.preset, relinks);
   }
 }
 
 // Renames presets whose referrers are all of one kind, a kind that none of the presets has.
 class RenamingTogether {
  public:
-  explicit RenamingTogether(const PresetManager& library) : _library(library) {}
+  RenamingTogether(const PresetManager& library, Relinks relinks)
+      : _library(library), _relinks(relinks) {}
 
   void operator()(const std::vector<Renamed*>& presets) {
     std::vector<Renamed*> linked, alone;
@@ -107,14 +123,21 @@ class RenamingTogether {
         continue;
       }
       renamed->result = paramErr;
-      if (referenceTo(*renamed->preset) != nullptr)
+      if (isChangeOfCase(*renamed)) {
+        renamed->result = dupFNErr;
+      } else if (referenceTo(*renamed->preset) != nullptr) {
         renamed->result = renamed->preset->addName(PascalName(renamed->newName).text);
+        if (isNameRefused(renamed->result) && _relinks == Relinks::kLedToIt) {
+          renamed->referrers.clear();
+          continue;
+        }
+      }
       // A taken or invalid name makes the rename fail too, whenever it is tried.
       const bool canRewriteFirst = renamed->result == noErr || isNameRefused(renamed->result);
       (canRewriteFirst ? linked : alone).push_back(renamed);
     }
     flushFolders(linked);
-    flushFiles(rewriteReferrers(linked));
+    flushFiles(rewriteReferrers(linked, _relinks));
     for (const Renamed* renamed : linked)
       keepOldNameIfNeeded(*renamed);
     for (Renamed* renamed : linked)
@@ -124,6 +147,12 @@ class RenamingTogether {
   }
 
  private:
+  // Both names lead to the preset, whichever the file has; and where the volume ignores case, it
+  // cannot have both.
+  static bool isChangeOfCase(const Renamed& renamed) {
+    return fncmp(renamed.oldName.c_str(), renamed.newName.c_str()) == 0;
+  }
+
   // Presets of one old name share their referrers.
   using OldName = std::pair<const PresetReference*, std::string>;
 
@@ -137,8 +166,9 @@ class RenamingTogether {
   }
   bool keepsOldName(const Renamed& renamed) const {
     const PresetReference* reference = referenceTo(*renamed.preset);
-    return reference != nullptr && (_library.findings().passedOver(reference->from) > 0 ||
-                                    _kept.contains(oldNameOf(renamed)));
+    return reference != nullptr && !isChangeOfCase(renamed) &&
+           (_library.findings().passedOver(reference->from) > 0 ||
+            _kept.contains(oldNameOf(renamed)));
   }
 
   void removeOldName(Renamed& renamed) const {
@@ -162,18 +192,23 @@ class RenamingTogether {
       renamed.referrers.clear();
       return;
     }
-    rewriteReferrers({&renamed});
+    rewriteReferrers({&renamed}, _relinks);
     keepOldNameIfNeeded(renamed);
     renamed.keepsOldName = keepsOldName(renamed);
     renamed.result = noErr;
     if (renamed.keepsOldName) {
-      putBack(renamed);
+      putBack(renamed, _relinks);
     } else {
       renamed.result = renamed.preset->rename(PascalName(renamed.newName).text);
+      if (renamed.result != noErr && _relinks == Relinks::kLedToIt) {
+        putBack(renamed, _relinks);
+        renamed.referrers.clear();
+      }
     }
   }
 
   const PresetManager& _library;
+  const Relinks _relinks;
   std::set<OldName> _kept;
 };
 
@@ -183,7 +218,8 @@ bool isNameRefused(OSErr result) {
   return result == dupFNErr || result == bdNamErr;
 }
 
-std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<NewName>& names) {
+std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<NewName>& names,
+                                   Relinks relinks) {
   std::vector<Renamed> presets;
   std::map<const PresetReference*, ReferrerIndex> indexes;
   std::set<std::pair<const PresetReference*, std::string>> relinked;
@@ -191,6 +227,11 @@ std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<New
     Renamed& renamed = presets.emplace_back(Renamed{preset, preset->getTreeItemName(), name, {}});
     const PresetReference* reference = referenceTo(*preset);
     if (reference == nullptr || !relinked.emplace(reference, renamed.oldName).second) continue;
+    if (relinks == Relinks::kLedToIt) {
+      if (library.listsOf(reference->to).front()->findPreset(renamed.oldName.c_str()) == preset)
+        renamed.referrers = asRelinked(referrersTo(library, *reference, renamed.oldName));
+      continue;
+    }
     PresetList* list = &library.sessions();
     if (reference->from == kProgramKind) list = &library.programs();
     const ReferrerIndex& index = indexes.try_emplace(reference, list, *reference).first->second;
@@ -200,7 +241,7 @@ std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<New
   }
   // Rewrite the references held by a kind before renaming that kind. Sessions, which name two
   // kinds, are rewritten together; no preset names them.
-  RenamingTogether renameTogether(library);
+  RenamingTogether renameTogether(library, relinks);
   for (const PresetKind referrers : {kProgramKind, kSessionKind, kAllKinds}) {
     std::vector<Renamed*> together;
     for (Renamed& renamed : presets) {
@@ -211,6 +252,32 @@ std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<New
     renameTogether(together);
   }
   return presets;
+}
+
+std::vector<Relinked> relinkReferences(PresetManager& library, const PresetReference& reference,
+                                       const std::string& oldName, const std::string& newName) {
+  std::vector<Preset*> referrers = referrersTo(library, reference, oldName);
+  std::erase_if(referrers, [&](Preset* preset) { return reference.name(*preset) == newName; });
+  std::vector<Relinked> relinked = asRelinked(referrers);
+  std::vector<Relinked*> rewrites;
+  for (Relinked& referrer : relinked) {
+    reference.setName(*referrer.preset, newName.c_str());
+    rewrites.push_back(&referrer);
+  }
+  rewriteInOrder(rewrites, Relinks::kLedToIt);
+  flushFiles(rewrites);
+  return relinked;
+}
+
+std::vector<Preset*> referrersTo(PresetManager& library, const PresetReference& reference,
+                                 const std::string& name) {
+  std::vector<Preset*> referrers;
+  forEachPreset(library.listsOf(reference.from).front(), [&](Preset& preset) {
+    const std::string referred(reference.name(preset));
+    const bool isKnown = !referred.empty() || preset.isFileWhole();
+    if (isKnown && fncmp(referred.c_str(), name.c_str()) == 0) referrers.push_back(&preset);
+  });
+  return referrers;
 }
 
 }  // namespace cairnset

@@ -37,6 +37,7 @@ namespace cairnset {
 
 class Preset;
 class PresetManager;
+struct PresetReference;
 
 struct NewName {
   Preset* preset;
@@ -69,11 +70,17 @@ struct Renamed {
 /// went wrong.
 [[nodiscard]] bool isNameRefused(OSErr result);
 
+/// Which references a rename updates.
+enum class Relinks {
+  kExactName,  // those that have exactly the old name
+  kLedToIt,    // those that lead to the preset, as findPreset resolves them; indexes stay
+};
+
 /// Renames these presets of the library, of any kinds and each once, and rewrites all presets that
-/// name them exactly. Returns the results in the order of `names`. No failure ends it early. In
+/// refer to them. Returns the results in the order of `names`. No failure ends it early. In
 /// memory presets and references have their new names even if a file keeps its old one or could not
-/// be written. Referrers are relinked even if the rename failed, on purpose: it has always been so,
-/// and shows as a missing reference.
+/// be written. With kExactName, referrers are relinked even if the new name is taken, on purpose:
+/// it has always been so, and shows as a missing reference. With kLedToIt nothing is changed then.
 ///
 /// Every reference is updated once: if presets of one kind share a name, the first in `names` gets
 /// the referrers. A rename to a name that another preset gives up in the same call may fail.
@@ -81,7 +88,23 @@ struct Renamed {
 /// Any signal can end the process between two steps, unless the caller holds signals back
 /// (host/terminal/Process.h).
 [[nodiscard]] std::vector<Renamed> renamePresets(PresetManager& library,
-                                                 const std::vector<NewName>& names);
+                                                 const std::vector<NewName>& names,
+                                                 Relinks relinks = Relinks::kExactName);
+
+/// Rewrites each reference of this sort whose name is `oldName`, case ignored, to `newName`, which
+/// may be the same name in other letters. Indexes stay. A reference that has exactly `newName` is
+/// left alone.
+[[nodiscard]] std::vector<Relinked> relinkReferences(PresetManager& library,
+                                                     const PresetReference& reference,
+                                                     const std::string& oldName,
+                                                     const std::string& newName);
+
+/// The presets whose reference of this sort is to `name`, case ignored, in the order of their
+/// list's leaf walk. A preset whose file is not whole and whose name is empty does not count: the
+/// name may not have been read.
+[[nodiscard]] std::vector<Preset*> referrersTo(PresetManager& library,
+                                               const PresetReference& reference,
+                                               const std::string& name);
 
 }  // namespace cairnset
 #pragma GCC visibility pop

@@ -15,8 +15,10 @@
 #include "tool/BulkMaintenance.h"
 #include "tool/DryRunReport.h"
 #include "tool/FilenameRepair.h"
+#include "tool/NameChanging.h"
 #include "tool/Notes.h"
 #include "tool/Options.h"
+#include "tool/RenameReport.h"
 #include "tool/Reports.h"
 #include "tool/Session.h"
 
@@ -108,7 +110,48 @@ bool takeOptions(const char* program, const GivenOptions& given, unsigned& flags
   return true;
 }
 
-int runCommands(unsigned flags) {
+// KIND/OLD, where OLD is the rest, separators included. Nothing for another kind.
+std::optional<NameChange> parseRelink(const std::string& text) {
+  for (const PresetKind kind : {kVelocityMapKind, kEffectsKind, kProgramKind}) {
+    const std::string start = std::string(kindWord(kind)) + '/';
+    if (text.starts_with(start)) return NameChange{kind, text.substr(start.size()), {}};
+  }
+  return std::nullopt;
+}
+
+// The changes that --rename, --relink and --to ask for; nothing, after a line on standard error, if
+// they are not in pairs.
+std::optional<std::vector<NameChange>> takeChanges(const GivenOptions& given) {
+  constexpr const char* kPair = "each --rename or --relink needs one --to after it";
+  std::vector<NameChange> changes;
+  const char* open = nullptr;  // the argument of one that lacks its --to
+  for (const auto& [index, argument, letter] : given.options) {
+    const unsigned flag = index == GivenOptions::kUnknown ? 0u : kOptions[index].flag;
+    if (flag == kRename || flag == kRelink) {
+      if (open != nullptr) break;
+      const auto change =
+          flag == kRename ? NameChange{kAllKinds, argument, {}} : parseRelink(argument);
+      if (!change) {
+        complainOf("not KIND/OLD:", argument, "KIND is velmap, effect or program");
+        return std::nullopt;
+      }
+      changes.push_back(*change);
+      open = argument;
+    } else if (flag == kNewName) {
+      if (open == nullptr) {
+        complainOf("a new name for nothing:", argument, kPair);
+        return std::nullopt;
+      }
+      changes.back().newName = argument;
+      open = nullptr;
+    }
+  }
+  if (open == nullptr) return changes;
+  complainOf("no new name for", open, kPair);
+  return std::nullopt;
+}
+
+int runCommands(unsigned flags, const std::vector<NameChange>& changes) {
   if ((flags & ~kModifiers) == 0 || (flags & kShowUsage) != 0) printUsage();
   if ((flags & kSort) != 0) sortIntoSubdirectories();
   if ((flags & kCheckFilenames) != 0) {
@@ -116,6 +159,9 @@ int runCommands(unsigned flags) {
   }
   if ((flags & kFixFilenames) != 0) {
     if (const int status = fixFilenames(); status != kSuccess) return status;
+  }
+  if (!changes.empty()) {
+    if (const int status = changeNames(changes); status != kSuccess) return status;
   }
   if ((flags & kListPresets) != 0) listPresets();
   if ((flags & kListDependencies) != 0) {
@@ -134,6 +180,8 @@ int runSession(int argc, char** argv) {
     if (kOptions[index].flag == kShowVersion) return printVersion(), kSuccess;
   }
   if (!isUnderstood(given)) return kNotUnderstood;
+  const auto changes = takeChanges(given);
+  if (!changes) return kNotUnderstood;
 
   unsigned flags = 0;
   path_string[0] = '\0';
@@ -148,7 +196,7 @@ int runSession(int argc, char** argv) {
   writeNotes(takeResultNotes());
   if (status == kSuccess) {
     writeNotes(notesOfLoad(*_pm));
-    status = runCommands(flags);
+    status = runCommands(flags, *changes);
   } else if (status == kNoPreferences) {
     std::cerr << "Cairnset: " << kHowToName << '\n';
     if ((flags & kShowUsage) != 0) printUsage();
@@ -213,7 +261,8 @@ void printHelp() {
   }
   std::cout
       << "\n"
-         "Letters can be combined. The commands run in the order -h -s -y -z -p -d -r.\n"
+         "Letters can be combined. The commands run in the order -h -s -y -z, --rename and\n"
+         "--relink as they are given, -p -d -r.\n"
          "Every run can change the library, even one that only lists it: see cairnset(1). Add\n"
          "--dry-run to see what a run would change.\n";
 }

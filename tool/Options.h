@@ -18,6 +18,9 @@ enum CommandFlag : unsigned {
   kShowVersion = 512,     // --version
   kQuiet = 1024,          // --quiet
   kDryRun = 2048,         // --dry-run
+  kRename = 4096,         // --rename PRESET
+  kRelink = 8192,         // --relink KIND/OLD
+  kNewName = 16384,       // --to NAME
 };
 
 /// The flags that change how a run goes and not what it does: with no others, the usage is printed
@@ -58,6 +61,12 @@ inline constexpr Option kOptions[] = {
     {kFixFilenames, OptionGroup::kChanges, 'z', nullptr, OptionArgument::kNone, nullptr,
      "Fix any file names that are Windows-incompatible and relink their parents",
      "repair these names and the references to them"},
+    {kRename, OptionGroup::kChanges, '\0', "rename", OptionArgument::kFile, "PRESET", nullptr,
+     "rename a preset, and all references to it; needs --to"},
+    {kRelink, OptionGroup::kChanges, '\0', "relink", OptionArgument::kText, "KIND/OLD", nullptr,
+     "redirect the references to this name; needs --to"},
+    {kNewName, OptionGroup::kChanges, '\0', "to", OptionArgument::kText, "NAME", nullptr,
+     "the new name for the last --rename or --relink"},
     {kShowUsage, OptionGroup::kHelp, 'h', nullptr, OptionArgument::kNone, nullptr,
      "Help (you're reading it)", "load the library, then list the options that are letters"},
     {kDryRun, OptionGroup::kChanges, '\0', "dry-run", OptionArgument::kNone, nullptr, nullptr,

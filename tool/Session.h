@@ -18,6 +18,7 @@ enum ExitStatus : int {
   kIncompatibleNames = 10,     // -y found names that Windows rejects
   kMissingReferences = 11,     // -d found references that do not resolve
   kReferencesNotWritten = 20,  // -z could not write a preset that it relinked
+  kChangeRefused = 30,         // a --rename or --relink, and with it all others
   kNotUnderstood = 64,         // the command line; nothing was loaded
   kOutOfMemory = 71,           // and ended on the spot, as if killed
   kReportNotWritten = 74,      // standard output could not be written

@@ -176,6 +176,18 @@ std::string heldNameFromVolumeName(std::string_view volumeName) {
   return held;
 }
 
+std::optional<std::string> heldNameFromShownText(std::string_view text) {
+  std::string volumeName(text);
+  std::transform(text.begin(), text.end(), volumeName.begin(), swapSeparators<char>);
+  const std::u16string name = unicodeFromVolumeName(volumeName);
+  std::string held = heldNameFromUnicode(name);
+  std::u16string back;
+  for (const char c : held)
+    back += unicodeFromMacRoman(static_cast<unsigned char>(c));
+  if (decomposed(back) != decomposed(name)) return std::nullopt;
+  return held;
+}
+
 void appendSortKey(std::string_view volumeName, std::string& key) {
   takeInPieces(
       volumeName,

@@ -9,6 +9,7 @@
 //   held name     Mac Roman, composed: what presets, reports and references between presets use
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -42,6 +43,10 @@ void appendHeldNameFromVolumeName(std::string_view volumeName, std::string& held
 
 /// The same of a Unicode name. Here a surrogate that is no escaped byte is "_" too.
 std::string heldNameFromUnicode(std::u16string_view name);
+
+/// The held name that a report shows as this UTF-8 text, in which "/" and ":" stand for themselves;
+/// nothing if a part of the text has no Mac Roman form.
+std::optional<std::string> heldNameFromShownText(std::string_view text);
 
 /// The key that puts a folder's entries in the order of the instrument's host: the Unicode name
 /// decomposed and lower-cased, its code units packed so that comparing keys as unsigned bytes

@@ -9,6 +9,7 @@
 #include "tests/PresetFile.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
+#include "tool/NameChanging.h"
 #include "tool/Reports.h"
 #include "tool/Session.h"
 
@@ -124,9 +125,19 @@ struct Command {
   int volumes = 1;
 };
 
+// To the same names as -z.
+int renameAndRelink() {
+  const std::string good = "_" + std::string(50, 'x') + "_";
+  return changeNames({{kAllKinds, "Effects/" + kBad, good},
+                      {kAllKinds, "Programs/" + kBad, good},
+                      {kAllKinds, "Velocity Maps/" + kBad, good},
+                      {kProgramKind, kBad, good}});
+}
+
 const Command kCommands[] = {{"load", [] { return 0; }, false, true},
                              {"-s", [] { return sortIntoSubdirectories(), 0; }, false, false, 3},
                              {"-z", fixFilenames, true, true, 3},
+                             {"--rename", renameAndRelink, true, false, 3},
                              {"ROM", [] { return makeAllROM(), 0; }, true},
                              {"save", [] { return _pm->saveAllPresets(), 0; }, false, true},
                              {"synchronise", [] {
@@ -229,7 +240,7 @@ class FaultSweepTest : public FolderTest {
     std::cerr.rdbuf(before.second);
     if (isLoaded && command.reports) expectTold(err.str());
     const bool isTold = err.str().find("### error") != std::string::npos;
-    EXPECT_EQ(status == 20, command.name == "-z" && isTold);
+    EXPECT_EQ(status == 20, (command.name == "-z" || command.name == "--rename") && isTold);
     deinstantiate();
   }
 

@@ -1,0 +1,304 @@
+#include "presets/NameChanges.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <optional>
+#include <set>
+
+#include "host/files/FileManager.h"
+#include "host/files/FileSystemHelpers.h"
+#include "host/text/FileNameRules.h"
+#include "host/text/MacRoman.h"
+#include "host/text/NameConversions.h"
+#include "host/text/Names.h"
+#include "host/text/PascalStrings.h"
+#include "presets/PresetManager.h"
+#include "presets/PresetReferences.h"
+#include "presets/Renames.h"
+
+namespace cairnset {
+
+namespace {
+
+constexpr std::size_t kMostCharacters = PresetReference::kWidth - 1;
+
+std::u16string unicodeNameOf(const FSRef& place) {
+  HFSUniStr255 name;
+  placeOf(place, nullptr, &name);
+  return {name.unicode, name.length};
+}
+
+FSRef folderOf(const FSRef& place) {
+  FSRef folder;
+  placeOf(place, &folder, nullptr);
+  return folder;
+}
+
+// The item of this held name in the folder, if there is one.
+std::optional<FSRef> itemIn(const FSRef& folder, const std::string& heldName) {
+  HFSUniStr255 name;
+  ConvertCStringToHFSUniStr(heldName.c_str(), &name);
+  FSRef item;
+  const OSErr result =
+      FSMakeFSRefUnicode(&folder, name.length, name.unicode, kTextEncodingUnknown, &item);
+  return result == noErr ? std::optional(item) : std::nullopt;
+}
+
+bool isLegal(const std::string& name) {
+  std::string corrected = name;
+  RemoveAllIllegalFilenameCharsInPlace(corrected.data());
+  return std::strcmp(corrected.c_str(), name.c_str()) == 0 && name.find(':') == std::string::npos;
+}
+
+struct SplitPath {
+  explicit SplitPath(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) {
+      name = path;
+    } else {
+      folder = path.substr(0, slash + 1);
+      name = path.substr(slash + 1);
+    }
+  }
+  std::string folder;  // with the separator; empty for none
+  std::string name;
+};
+
+// The library as the changes so far will leave it, and the checks against it.
+class Planner {
+ public:
+  Planner(PresetManager& library, const std::vector<NameChange>& changes)
+      : _library(library), _changes(changes) {
+    char path[4096];
+    if (convertFSRefToPath(&library.presetsFolder(), path, sizeof path) == noErr)
+      _presetsPath = std::string(path) + '/';
+  }
+
+  NameChangePlan plan() {
+    findLeftovers();
+    std::optional<std::size_t> made;
+    bool isAllMade = true;
+    for (std::size_t i = 0; i < _changes.size(); ++i) {
+      const Refusal refusal = add(_changes[i]);
+      if (refusal != Refusal::kNone) return {{}, refusal, i, _because};
+      isAllMade = isAllMade && _plan.changes.back().isMade;
+      if (_changes[i].referred == kAllKinds && _plan.changes.back().isMade && !made) made = i;
+    }
+    if (isAllMade && made) return {{}, Refusal::kNoPreset, *made, nullptr};
+    for (Preset* leftover : _leftovers)
+      listOf(*leftover).forget(leftover);
+    return std::move(_plan);
+  }
+
+ private:
+  Refusal add(const NameChange& change) {
+    _because = nullptr;
+    const auto newName = heldNameFromShownText(change.newName);
+    if (change.newName.empty()) return Refusal::kNameEmpty;
+    if (!newName) return Refusal::kNameNotHeld;
+    if (newName->size() > kMostCharacters) return Refusal::kNameTooLong;
+    return change.referred == kAllKinds ? addRename(change.what, *newName)
+                                        : addRelink(change.referred, change.what, *newName);
+  }
+
+  Refusal addRename(const std::string& path, const std::string& newName) {
+    if (!isLegal(newName)) return Refusal::kNameIllegal;
+    const std::vector<Preset*> found = presetsAt(path);
+    if (found.size() > 1) return Refusal::kSeveralPresets;
+    if (found.empty()) return addMade(path, newName);
+    Preset& preset = *found.front();
+    PresetList& list = listOf(preset);
+    const std::string oldName = nameOf(preset);
+    if (preset.isDefault() || list.findPreset(Preset::_default_preset_name) == &preset)
+      return Refusal::kIsDefault;
+    if (newName == oldName) return Refusal::kNameUnchanged;
+    _because = presetNamed(list, newName, &preset);
+    if (_because != nullptr) return Refusal::kNameInKind;
+    if (isTaken(preset, newName)) return Refusal::kNameInFolder;
+
+    PlannedChange planned{referenceTo(preset), &preset, oldName, newName};
+    if (planned.reference != nullptr) {
+      if (isReferrerDamaged(*planned.reference, oldName)) return Refusal::kReferrerDamaged;
+      if (list.findPreset(newName.c_str()) == nullptr)
+        planned.dangling = referrersTo(_library, *planned.reference, newName).size();
+    }
+    _plan.changes.push_back(planned);
+    _newNames[&preset] = newName;
+    return Refusal::kNone;
+  }
+
+  // A rename that an earlier run has completed, or of nothing.
+  Refusal addMade(const std::string& path, const std::string& newName) {
+    std::string volumeName;
+    appendUtf8FromMacRoman(newName, volumeName);
+    const SplitPath split(path);
+    const std::vector<Preset*> found = presetsAt(split.folder + volumeName);
+    if (split.name.empty() || found.size() != 1) return Refusal::kNoPreset;
+    if (nameOf(*found.front()) != newName) return Refusal::kNoPreset;
+    _plan.changes.push_back(
+        {referenceTo(*found.front()), nullptr, heldNameFromVolumeName(split.name), newName, true});
+    return Refusal::kNone;
+  }
+
+  Refusal addRelink(PresetKind kind, const std::string& what, const std::string& newName) {
+    const auto oldName = heldNameFromShownText(what);
+    if (!oldName) return Refusal::kNameNotHeld;
+    const Preset* target = presetNamed(*_library.listsOf(kind).front(), newName, nullptr);
+    if (target == nullptr) return Refusal::kNoPreset;
+    const PresetReference* reference = referenceTo(*target);
+    if (isReferrerDamaged(*reference, *oldName)) return Refusal::kReferrerDamaged;
+    const std::string exactName = nameOf(*target);
+    const std::vector<Preset*> referrers = referrersTo(_library, *reference, *oldName);
+    const bool isMade = std::all_of(referrers.begin(), referrers.end(), [&](Preset* referrer) {
+      return reference->name(*referrer) == exactName;
+    });
+    _plan.changes.push_back({reference, nullptr, *oldName, exactName, isMade});
+    return Refusal::kNone;
+  }
+
+  // --- The library as it will be ---
+
+  PresetList& listOf(const Preset& preset) {
+    return *_library.listsOf(preset.getPresetType()).front();
+  }
+
+  const char* nameOf(const Preset& preset) const {
+    const auto renamed = _newNames.find(&preset);
+    return renamed != _newNames.end() ? renamed->second.c_str() : preset.getTreeItemName();
+  }
+
+  template <typename Accepts>
+  std::vector<Preset*> presetsWhere(const std::vector<PresetList*>& lists, Accepts accepts) const {
+    std::vector<Preset*> found;
+    for (const PresetList* list : lists) {
+      for (Preset* preset : list->presets()) {
+        if (preset != nullptr && !_leftovers.contains(preset) && accepts(*preset))
+          found.push_back(preset);
+      }
+    }
+    return found;
+  }
+
+  // The first one of that name but `except`, or null; case is ignored.
+  const Preset* presetNamed(PresetList& list, const std::string& name, const Preset* except) const {
+    const std::vector<Preset*> found = presetsWhere({&list}, [&](const Preset& preset) {
+      return &preset != except && fncmp(nameOf(preset), name.c_str()) == 0;
+    });
+    return found.empty() ? nullptr : found.front();
+  }
+
+  // Whether something has the name in the preset's folder, and will not have given it up by then.
+  bool isTaken(const Preset& preset, const std::string& name) const {
+    const std::optional<FSRef> item = itemIn(folderOf(preset.fileRef()), name);
+    if (!item || !areTwoItems(*item, preset.fileRef())) return false;
+    return std::none_of(_newNames.begin(), _newNames.end(), [&](const auto& renamed) {
+      return !areTwoItems(*item, renamed.first->fileRef());
+    });
+  }
+
+  bool isReferrerDamaged(const PresetReference& reference, const std::string& name) {
+    for (const Preset* referrer : referrersTo(_library, reference, name)) {
+      if (!referrer->isFileWhole()) return _because = referrer, true;
+    }
+    return false;
+  }
+
+  // A stopped run leaves a file with both names, and each was loaded as a preset. What was loaded
+  // for the new name does not count from here on.
+  void findLeftovers() {
+    for (const NameChange& change : _changes) {
+      const auto newName = heldNameFromShownText(change.newName);
+      const std::vector<Preset*> found = presetsAt(change.what);
+      if (change.referred != kAllKinds || !newName || found.size() != 1) continue;
+      const Preset& preset = *found.front();
+      const std::vector<Preset*> leftovers =
+          presetsWhere({&listOf(preset)}, [&](const Preset& other) {
+            return &other != &preset && !other.isDefault() && other.getTreeItemName() == *newName &&
+                   other.getParentFolderID() == preset.getParentFolderID() &&
+                   isSameItem(other, preset);
+          });
+      _leftovers.insert(leftovers.begin(), leftovers.end());
+    }
+  }
+
+  static bool isSameItem(const Preset& a, const Preset& b) {
+    return FSRefIsValid(a.fileRef()) == noErr && FSRefIsValid(b.fileRef()) == noErr &&
+           !areTwoItems(a.fileRef(), b.fileRef());
+  }
+
+  // --- Paths ---
+
+  // A path below "Presets" goes before the same path from the working directory, and exact names
+  // before those that only look alike.
+  std::vector<Preset*> presetsAt(const std::string& path) const {
+    const SplitPath split(path);
+    if (split.name.empty()) return {};
+    std::vector<std::string> starts = {""};
+    if (path.front() != '/' && !_presetsPath.empty()) starts.insert(starts.begin(), _presetsPath);
+    for (const std::string& start : starts) {
+      FSRef folder;
+      if (FSPathMakeRef((start + split.folder + '.').c_str(), &folder, nullptr) != noErr) continue;
+      const std::u16string name = unicodeFromVolumeName(split.name);
+      const std::string heldName = heldNameFromVolumeName(split.name);
+      const auto found = presetsWhere(allLists(), [&](const Preset& preset) {
+        if (preset.getParentFolderID() != folder.node) return false;
+        return _newNames.contains(&preset) ? nameOf(preset) == heldName
+                                           : unicodeNameOf(preset.fileRef()) == name;
+      });
+      if (!found.empty()) return found;
+    }
+    for (const std::string& start : starts) {
+      FSRef file;
+      if (FSPathMakeRef((start + path).c_str(), &file, nullptr) != noErr) continue;
+      const auto found = presetsWhere(allLists(), [&](const Preset& preset) {
+        return preset.fileRef() == file && !_newNames.contains(&preset);
+      });
+      if (!found.empty()) return found;
+    }
+    const std::string shown = heldPath(path);
+    return presetsWhere(allLists(),
+                        [&](const Preset& preset) { return heldPathOf(preset) == shown; });
+  }
+
+  std::vector<PresetList*> allLists() const { return _library.listsOf(kAllKinds); }
+
+  // Name by name: a name's ":" becomes "/", which then looks like a separator. So both the name of
+  // a file and that of its preset lead to it.
+  static std::string heldPath(const std::string& path) {
+    std::string held;
+    for (std::size_t start = 0; start <= path.size();) {
+      const std::size_t end = std::min(path.find('/', start), path.size());
+      appendHeldNameFromVolumeName(std::string_view(path).substr(start, end - start), held);
+      if (end < path.size()) held += '/';
+      start = end + 1;
+    }
+    return held;
+  }
+
+  std::string heldPathOf(const Preset& preset) const {
+    std::string path = nameOf(preset);
+    FSRef folder = folderOf(preset.fileRef());
+    while (folder.node != 0 && folder != _library.presetsFolder()) {
+      path = heldNameFromUnicode(unicodeNameOf(folder)) + '/' + path;
+      folder = folderOf(folder);
+    }
+    return path;
+  }
+
+  PresetManager& _library;
+  const std::vector<NameChange>& _changes;
+  std::string _presetsPath;  // with a separator at its end
+  NameChangePlan _plan;
+  std::map<const Preset*, std::string> _newNames;
+  std::set<Preset*> _leftovers;
+  const Preset* _because = nullptr;
+};
+
+}  // namespace
+
+NameChangePlan planNameChanges(PresetManager& library, const std::vector<NameChange>& changes) {
+  return Planner(library, changes).plan();
+}
+
+}  // namespace cairnset
