@@ -180,8 +180,8 @@ int runSession(int argc, char** argv) {
     if (kOptions[index].flag == kShowVersion) return printVersion(), kSuccess;
   }
   if (!isUnderstood(given)) return kNotUnderstood;
-  const auto changes = takeChanges(given);
-  if (!changes) return kNotUnderstood;
+  const auto nameChanges = takeChanges(given);
+  if (!nameChanges) return kNotUnderstood;
 
   unsigned flags = 0;
   path_string[0] = '\0';
@@ -191,12 +191,12 @@ int runSession(int argc, char** argv) {
   std::cout.flush();  // loading can take a while
   std::optional<DryRun> dryRun;
   if ((flags & kDryRun) != 0) dryRun.emplace();
-  const bool changes = !dryRun && (flags & (kSort | kFixFilenames)) != 0;
+  const bool changes = !dryRun && (flags & (kSort | kFixFilenames | kRename | kRelink)) != 0;
   int status = instantiate(changes ? Changes::kYes : Changes::kNo);
   writeNotes(takeResultNotes());
   if (status == kSuccess) {
     writeNotes(notesOfLoad(*_pm));
-    status = runCommands(flags, *changes);
+    status = runCommands(flags, *nameChanges);
   } else if (status == kNoPreferences) {
     std::cerr << "Cairnset: " << kHowToName << '\n';
     if ((flags & kShowUsage) != 0) printUsage();
