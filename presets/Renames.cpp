@@ -1,6 +1,7 @@
 #include "presets/Renames.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 #include <utility>
@@ -202,7 +203,7 @@ class RenamingTogether {
       renamed.result = renamed.preset->rename(PascalName(renamed.newName).text);
       if (renamed.result != noErr && _relinks == Relinks::kLedToIt) {
         putBack(renamed, _relinks);
-        renamed.referrers.clear();
+        std::erase_if(renamed.referrers, std::not_fn(isNotSafe));
       }
     }
   }
