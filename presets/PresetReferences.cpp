@@ -17,9 +17,11 @@ const PresetReference kSessionVelocityMapReference{
     kSessionKind, kVelocityMapKind,
     [](Preset& p) -> Field { return static_cast<SessionPreset&>(p).fields.velocityMapName; }};
 
+const std::array<const PresetReference*, 3> kPresetReferences{
+    &kProgramEffectsReference, &kSessionProgramReference, &kSessionVelocityMapReference};
+
 const PresetReference* referenceTo(const Preset& preset) {
-  for (const auto* reference :
-       {&kProgramEffectsReference, &kSessionProgramReference, &kSessionVelocityMapReference}) {
+  for (const PresetReference* reference : kPresetReferences) {
     if (static_cast<long>(reference->to) == preset.getPresetType()) return reference;
   }
   return nullptr;

@@ -1,6 +1,7 @@
 // The three references between presets, each a name in a field of 64 bytes.
 #pragma once
 
+#include <array>
 #include <string_view>
 
 #include "presets/Preset.h"
@@ -27,6 +28,9 @@ struct PresetReference {
 extern const PresetReference kProgramEffectsReference;
 extern const PresetReference kSessionProgramReference;
 extern const PresetReference kSessionVelocityMapReference;
+
+/// All three, in the order in which the reports check them.
+extern const std::array<const PresetReference*, 3> kPresetReferences;
 
 /// The reference by which others name this preset; null for a kind that no other names.
 [[nodiscard]] const PresetReference* referenceTo(const Preset& preset);

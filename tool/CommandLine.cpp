@@ -4,20 +4,28 @@
 #include <iomanip>
 #include <iostream>
 #include <optional>
+#include <streambuf>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "host/files/ChangeRecord.h"
 #include "host/files/DryRun.h"
+#include "host/files/FileManager.h"
+#include "host/files/ReplacedFile.h"
 #include "host/terminal/Process.h"
 #include "host/terminal/ReportText.h"
+#include "presets/PresetManager.h"
 #include "tool/BulkMaintenance.h"
 #include "tool/DryRunReport.h"
 #include "tool/FilenameRepair.h"
+#include "tool/JsonWriter.h"
+#include "tool/LibraryDocument.h"
 #include "tool/NameChanging.h"
 #include "tool/Notes.h"
 #include "tool/Options.h"
+#include "tool/Page.h"
 #include "tool/RenameReport.h"
 #include "tool/Reports.h"
 #include "tool/Session.h"
@@ -42,6 +50,7 @@ std::string form(const Option& option) {
   return text;
 }
 
+constexpr const char* kPageNotWritten = "could not be written";
 constexpr const char* kHowToName =
     "name the library's folder with -e, as in: cairnset -e FOLDER -p";
 
@@ -95,7 +104,7 @@ bool takePath(const char* path) {
 }
 
 // False if a path does not fit. Unknown letters are reported and ignored.
-bool takeOptions(const char* program, const GivenOptions& given, unsigned& flags) {
+bool takeOptions(const char* program, const GivenOptions& given) {
   for (const auto& [index, argument, letter] : given.options) {
     if (index == GivenOptions::kUnknown) {
       writeGivenText(std::cerr, program);
@@ -104,7 +113,6 @@ bool takeOptions(const char* program, const GivenOptions& given, unsigned& flags
       std::cerr << "'\n";
       continue;
     }
-    flags |= kOptions[index].flag;
     if (kOptions[index].flag == kExplicitPath && !takePath(argument)) return false;
   }
   return true;
@@ -171,6 +179,61 @@ int runCommands(unsigned flags, const std::vector<NameChange>& changes) {
   return kSuccess;
 }
 
+// As long as it lives, what is written to standard output is dropped.
+class DroppedReport : private std::streambuf {
+ public:
+  DroppedReport() : _before(std::cout.rdbuf(this)) {}
+  ~DroppedReport() override { std::cout.rdbuf(_before); }
+  DroppedReport(const DroppedReport&) = delete;
+  DroppedReport& operator=(const DroppedReport&) = delete;
+
+ private:
+  int_type overflow(int_type byte) override { return traits_type::not_eof(byte); }
+  std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+
+  std::streambuf* _before;
+};
+
+int complainOfPage(const char* path, std::string_view problem, int status) {
+  std::cerr << "Cairnset: the page [";
+  writeGivenText(std::cerr, path);
+  std::cerr << "] " << problem << '\n';
+  return status;
+}
+
+// Loads the library and runs the commands on it, unless the page at the path could not be written
+// or would be in the library; then there is no page any more.
+int runOnLibrary(unsigned flags, const std::vector<NameChange>& nameChanges,
+                 std::optional<ReplacedFile>& page, const char* path) {
+  const auto refuse = [&](std::string_view problem, int status) {
+    page.reset();
+    return complainOfPage(path, problem, status);
+  };
+  constexpr const char* kInLibrary = "is not written: it would be in the library";
+  if (page && page->status() != noErr) return refuse(kPageNotWritten, kReportNotWritten);
+  // Before the load if possible, for that can change the library.
+  FSRef items;
+  if (page && FSPathMakeRef(path_string, &items, nullptr) == noErr && page->isBelow(items))
+    return refuse(kInLibrary, kNotUnderstood);
+  const bool changes =
+      (flags & kDryRun) == 0 && (flags & (kSort | kFixFilenames | kRename | kRelink)) != 0;
+  const int status = instantiate(changes ? Changes::kYes : Changes::kNo);
+  writeNotes(takeResultNotes());
+  if (status == kNoPreferences) {
+    std::cerr << "Cairnset: " << kHowToName << '\n';
+    if ((flags & kShowUsage) != 0) printUsage();
+  }
+  if (status != kSuccess) return status;
+  if (page && page->isBelow(_pm->itemsFolder())) return refuse(kInLibrary, kNotUnderstood);
+  writeNotes(notesOfLoad(*_pm));
+  return runCommands(flags, nameChanges);
+}
+
+RunResult resultOf(int status, const std::optional<ChangeRecord>& record) {
+  const FSRef folder = _pm != nullptr ? _pm->itemsFolder() : FSRef();
+  return {status, record ? record->changesIn(folder) : std::vector<FileChange>()};
+}
+
 int runSession(int argc, char** argv) {
   const GivenOptions given = readOptions(argc, argv, optionNames());
   // The first of these counts, even if what follows cannot be understood.
@@ -184,24 +247,37 @@ int runSession(int argc, char** argv) {
   if (!nameChanges) return kNotUnderstood;
 
   unsigned flags = 0;
+  const char* path = nullptr;
+  for (const auto& [index, argument, letter] : given.options) {
+    if (index == GivenOptions::kUnknown) continue;
+    flags |= kOptions[index].flag;
+    if (kOptions[index].flag == kHtml) path = argument;
+  }
+  // The commands run as ever; with --json only their text is dropped.
+  std::optional<DroppedReport> dropped;
+  if ((flags & kJson) != 0) dropped.emplace();
   path_string[0] = '\0';
   printVersionAndCopyright();
-  if (!takeOptions(argv[0], given, flags)) return kPathNotResolved;
   setNotesWanted((flags & kQuiet) == 0);
+  int status = takeOptions(argv[0], given) ? kSuccess : kPathNotResolved;
   std::cout.flush();  // loading can take a while
   std::optional<DryRun> dryRun;
-  if ((flags & kDryRun) != 0) dryRun.emplace();
-  const bool changes = !dryRun && (flags & (kSort | kFixFilenames | kRename | kRelink)) != 0;
-  int status = instantiate(changes ? Changes::kYes : Changes::kNo);
-  writeNotes(takeResultNotes());
-  if (status == kSuccess) {
-    writeNotes(notesOfLoad(*_pm));
-    status = runCommands(flags, *nameChanges);
-  } else if (status == kNoPreferences) {
-    std::cerr << "Cairnset: " << kHowToName << '\n';
-    if ((flags & kShowUsage) != 0) printUsage();
-  }
+  if (status == kSuccess && (flags & kDryRun) != 0) dryRun.emplace();
+  std::optional<ChangeRecord> record;  // also of what is only rehearsed
+  if ((flags & (kJson | kHtml)) != 0) record.emplace();
+  std::optional<ReplacedFile> page;
+  if (path != nullptr) page.emplace(path);
+  if (status == kSuccess) status = runOnLibrary(flags, *nameChanges, page, path);
   if (dryRun) listChanges(*dryRun);
+  if (page && _s != nullptr && writePage(*page, resultOf(status, record)) != kSuccess) {
+    complainOfPage(path, kPageNotWritten, kReportNotWritten);
+    if (status == kSuccess) status = kReportNotWritten;
+  }
+  dropped.reset();
+  if ((flags & kJson) != 0) {
+    JsonWriter json([](std::string_view text) { writeText(std::cout, text); });
+    writeLibraryDocument(json, resultOf(status, record));
+  }
   deinstantiate();
   return status;
 }

@@ -24,6 +24,7 @@ constexpr std::size_t kMostOfASort = 10;
 
 bool isWanted = true;
 std::set<OSErr> results;  // to be explained
+NoteLines writtenLines;
 
 const char* kindName(std::uint32_t kind) {
   switch (kind) {
@@ -318,7 +319,12 @@ void writeNotes(const NoteLines& notes) {
   for (std::string line : notes) {
     std::replace(line.begin(), line.end(), '\n', '?');  // in a name
     writeText(std::cerr, "Cairnset: note: " + line + '\n');
+    writtenLines.push_back(std::move(line));
   }
+}
+
+const NoteLines& writtenNotes() {
+  return writtenLines;
 }
 
 void setNotesWanted(bool wanted) {

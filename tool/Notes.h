@@ -46,6 +46,9 @@ void addResultNote(OSErr result);
 /// Writes each with "Cairnset: note: " in front.
 void writeNotes(const NoteLines& notes);
 
+/// All that writeNotes has written.
+[[nodiscard]] const NoteLines& writtenNotes();
+
 /// Without notes, writeNotes does nothing. Computing them is then a waste.
 void setNotesWanted(bool wanted);
 [[nodiscard]] bool areNotesWanted();

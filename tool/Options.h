@@ -21,6 +21,8 @@ enum CommandFlag : unsigned {
   kRename = 4096,         // --rename PRESET
   kRelink = 8192,         // --relink KIND/OLD
   kNewName = 16384,       // --to NAME
+  kJson = 32768,          // --json
+  kHtml = 65536,          // --html FILE
 };
 
 /// The flags that change how a run goes and not what it does: with no others, the usage is printed
@@ -71,6 +73,10 @@ inline constexpr Option kOptions[] = {
      "Help (you're reading it)", "load the library, then list the options that are letters"},
     {kDryRun, OptionGroup::kChanges, '\0', "dry-run", OptionArgument::kNone, nullptr, nullptr,
      "change nothing, and list what would be changed"},
+    {kJson, OptionGroup::kOutput, '\0', "json", OptionArgument::kNone, nullptr, nullptr,
+     "print the library as JSON instead of the reports"},
+    {kHtml, OptionGroup::kOutput, '\0', "html", OptionArgument::kFile, "FILE", nullptr,
+     "write the library to FILE, as a page for a browser"},
     {kQuiet, OptionGroup::kOutput, '\0', "quiet", OptionArgument::kNone, nullptr, nullptr,
      "leave out the notes on standard error"},
     {kShowHelp, OptionGroup::kHelp, '\0', "help", OptionArgument::kNone, nullptr, nullptr,

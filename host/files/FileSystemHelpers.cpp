@@ -74,9 +74,10 @@ void getPlaceName(const FSRef& ref, char* name, std::size_t size) {
 std::string getPlacePath(const FSRef& ref, const FSRef& folder) {
   const NodeTable& table = host().nodes;
   if (!table.contains(ref.node)) return "";
-  const std::string path = table.path(ref.node);
-  const std::string start = table.contains(folder.node) ? table.path(folder.node) + '/' : "";
-  return !start.empty() && path.starts_with(start) ? path.substr(start.size()) : path;
+  if (!table.contains(folder.node)) return table.path(ref.node);
+  const std::uint32_t depth = table.depth(ref.node), above = table.depth(folder.node);
+  const bool isBelow = depth > above && table.ancestor(ref.node, depth - above) == folder.node;
+  return isBelow ? table.path(ref.node, folder.node) : table.path(ref.node);
 }
 
 void getCFilename(const FSRef& ref, char* name, unsigned long size) {
