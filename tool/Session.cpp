@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <iostream>
-#include <thread>
 
 #include "host/files/FileManager.h"
 #include "host/files/HeldFolder.h"
@@ -25,28 +24,18 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kMostWaiting = 10s;
 constexpr auto kSilentWaiting = 500ms;  // another run's load mostly takes less
-constexpr auto kBetweenTries = 20ms;
+constexpr auto kMostWaiting = 10s;
 
 HeldFolder* library = nullptr;  // the session's, and owned
 
 // False if another run kept it for too long.
 bool lockLibrary() {
-  using Clock = std::chrono::steady_clock;
-  const auto start = Clock::now();
-  for (bool isTold = false; !library->lock(); std::this_thread::sleep_for(kBetweenTries)) {
-    const auto waited = Clock::now() - start;
-    if (waited >= kMostWaiting) {
-      std::cerr << "Cairnset: another run is still changing the library; nothing was done\n";
-      return false;
-    }
-    if (!isTold && waited >= kSilentWaiting) {
-      std::cerr << "Cairnset: another run is changing the library; waiting for it\n";
-      isTold = true;
-    }
-  }
-  return true;
+  if (library->lock(kSilentWaiting)) return true;
+  std::cerr << "Cairnset: another run is changing the library; waiting for it\n";
+  if (library->lock(kMostWaiting - kSilentWaiting)) return true;
+  std::cerr << "Cairnset: another run is still changing the library; nothing was done\n";
+  return false;
 }
 
 // Makes the folder the session's library, unless it has one, and locks it.

@@ -24,8 +24,14 @@ HeldFolder::~HeldFolder() {
   (void)host().folders.hold(0);
 }
 
-bool HeldFolder::lock() {
-  return applyLock(LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EAGAIN);
+bool HeldFolder::lock(std::chrono::milliseconds mostWaiting) {
+  constexpr std::chrono::milliseconds kBetweenTries{20};
+  while (applyLock(LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EAGAIN)) {
+    if (mostWaiting.count() <= 0) return false;
+    host().calls.sleep(kBetweenTries);
+    mostWaiting -= kBetweenTries;
+  }
+  return true;
 }
 
 void HeldFolder::unlock() {

@@ -1,6 +1,8 @@
 // The folder that a run works on.
 #pragma once
 
+#include <chrono>
+
 #include "host/HostTypes.h"
 
 namespace cairnset {
@@ -20,10 +22,11 @@ class HeldFolder {
 
   const FSRef& ref() const { return _folder; }
 
-  /// Locks the folder against other runs that lock it. False if another has it; true also where it
-  /// cannot be locked: the volume knows no locks, or the folder may not be listed or is not open.
-  /// Nothing is left on the disk, and a run that ends in any way has no lock.
-  [[nodiscard]] bool lock();
+  /// Locks the folder against other runs that lock it. False if another has it all the time that
+  /// this waits; true also where it cannot be locked: the volume knows no locks, or the folder may
+  /// not be listed or is not open. Nothing is left on the disk, and a run that ends in any way has
+  /// no lock.
+  [[nodiscard]] bool lock(std::chrono::milliseconds mostWaiting);
   void unlock();
 
  private:

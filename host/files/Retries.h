@@ -2,8 +2,6 @@
 #pragma once
 
 #include <cerrno>
-#include <chrono>
-#include <thread>
 #include <type_traits>
 
 namespace cairnset {
@@ -15,21 +13,10 @@ namespace cairnset {
 /// look missing.
 class Retries {
  public:
-  bool wants(int error) {
-    const bool isPassing =
-        error == EIO || error == ENFILE || error == EMFILE || error == ENOMEM || error == EDQUOT;
-    if (error != EINTR && (!isPassing || _passing == kMost)) return false;
-    if (isPassing && ++_passing == kMost) std::this_thread::sleep_for(kPause);
-    _isRepeated = true;
-    return true;
-  }
+  bool wants(int error);
   bool isRepeated() const { return _isRepeated; }
 
  private:
-  static constexpr int kMost = 2;
-  // Short, since each of many files on a failing disk may cost one.
-  static constexpr std::chrono::milliseconds kPause{1};
-
   int _passing = 0;
   bool _isRepeated = false;
 };

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <sys/xattr.h>
+#include <thread>
 #include <unistd.h>
 #if __has_include(<linux/openat2.h>)
 #include <linux/openat2.h>
@@ -188,6 +189,7 @@ SystemCalls::SystemCalls()
       flush(flushDescriptor),
       flushVolume(cairnset::flushVolume),
       flock(::flock),
-      ownDescriptors(cairnset::ownDescriptors) {}
+      ownDescriptors(cairnset::ownDescriptors),
+      sleep([](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); }) {}
 
 }  // namespace cairnset

@@ -8,6 +8,7 @@
 // only.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <dirent.h>
 #include <fcntl.h>
@@ -69,6 +70,8 @@ struct SystemCalls {
   /// Gives the calling thread a descriptor table of its own, a copy of the shared one; ENOSYS where
   /// the system cannot.
   Call<int()> ownDescriptors;
+  /// Waits before another try. Tests need not.
+  Call<void(std::chrono::milliseconds time)> sleep;
 };
 
 /// The flag of open for a folder that only serves to find things in: no permission to list it is
