@@ -12,7 +12,7 @@ Host* inUse = nullptr;  // null for the program's own
 
 }  // namespace
 
-Host::Host() : choosers{STDIN_FILENO, &std::cerr, 5000} {}
+Host::Host() : readers(CAIRNSET_READERS), choosers{STDIN_FILENO, &std::cerr, 5000} {}
 
 Host::~Host() {
   for (const Fork& fork : forks) {

@@ -47,7 +47,7 @@ struct Host {
   std::map<std::uint32_t, OpenListing> listings;  // by iterator
   std::uint32_t lastIterator = 0;
   /// How many threads read files ahead, however few files; without a value the work decides.
-  std::optional<unsigned> readers = CAIRNSET_READERS;
+  std::optional<unsigned> readers;
   GestaltAnswers gestalt;
   ChooserStreams choosers;
 };
