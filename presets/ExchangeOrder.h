@@ -16,4 +16,10 @@ namespace cairnset {
 /// if keys repeat.
 [[nodiscard]] std::vector<std::size_t> exchangeOrder(const std::vector<std::int64_t>& keys);
 
+/// The key of a preset in its list: ROM before RAM, each by ascending index.
+[[nodiscard]] constexpr std::int64_t orderKey(bool isROM, std::int32_t index) {
+  constexpr std::int64_t kBehindAllROM = std::int64_t{1} << 33;
+  return index + (isROM ? 0 : kBehindAllROM);
+}
+
 }  // namespace cairnset

@@ -13,6 +13,7 @@
 #include "host/text/NameConversions.h"
 #include "host/text/Names.h"
 #include "host/text/PascalStrings.h"
+#include "presets/Namesakes.h"
 #include "presets/PresetManager.h"
 #include "presets/PresetReferences.h"
 #include "presets/Renames.h"
@@ -76,7 +77,7 @@ class Planner {
   }
 
   NameChangePlan plan() {
-    findLeftovers();
+    forgetLeftovers();
     std::optional<std::size_t> made;
     bool isAllMade = true;
     for (std::size_t i = 0; i < _changes.size(); ++i) {
@@ -86,8 +87,6 @@ class Planner {
       if (_changes[i].referred == kAllKinds && _plan.changes.back().isMade && !made) made = i;
     }
     if (isAllMade && made) return {{}, Refusal::kNoPreset, *made, nullptr};
-    for (Preset* leftover : _leftovers)
-      listOf(*leftover).forget(leftover);
     return std::move(_plan);
   }
 
@@ -116,6 +115,8 @@ class Planner {
     _because = presetNamed(list, newName, &preset);
     if (_because != nullptr) return Refusal::kNameInKind;
     if (isTaken(preset, newName)) return Refusal::kNameInFolder;
+    _because = _namesakes.try_emplace(&list, list).first->second.rename(preset, newName);
+    if (_because != nullptr) return Refusal::kNamesakesSwap;
 
     PlannedChange planned{referenceTo(preset), &preset, oldName, newName};
     if (planned.reference != nullptr) {
@@ -173,8 +174,7 @@ class Planner {
     std::vector<Preset*> found;
     for (const PresetList* list : lists) {
       for (Preset* preset : list->presets()) {
-        if (preset != nullptr && !_leftovers.contains(preset) && accepts(*preset))
-          found.push_back(preset);
+        if (preset != nullptr && accepts(*preset)) found.push_back(preset);
       }
     }
     return found;
@@ -204,22 +204,25 @@ class Planner {
     return false;
   }
 
-  // A stopped run leaves a file with both names, and each was loaded as a preset. What was loaded
-  // for the new name does not count from here on.
-  void findLeftovers() {
+  // A stopped run leaves a file with both names, and each was loaded as a preset.
+  void forgetLeftovers() {
+    std::set<Preset*> leftovers;
     for (const NameChange& change : _changes) {
       const auto newName = heldNameFromShownText(change.newName);
       const std::vector<Preset*> found = presetsAt(change.what);
       if (change.referred != kAllKinds || !newName || found.size() != 1) continue;
       const Preset& preset = *found.front();
-      const std::vector<Preset*> leftovers =
-          presetsWhere({&listOf(preset)}, [&](const Preset& other) {
-            return &other != &preset && !other.isDefault() && other.getTreeItemName() == *newName &&
-                   other.getParentFolderID() == preset.getParentFolderID() &&
-                   isSameItem(other, preset);
-          });
-      _leftovers.insert(leftovers.begin(), leftovers.end());
+      for (Preset* leftover : presetsWhere({&listOf(preset)}, [&](const Preset& other) {
+             return &other != &preset && !other.isDefault() &&
+                    other.getTreeItemName() == *newName &&
+                    other.getParentFolderID() == preset.getParentFolderID() &&
+                    isSameItem(other, preset);
+           })) {
+        leftovers.insert(leftover);
+      }
     }
+    for (Preset* leftover : leftovers)
+      listOf(*leftover).forget(leftover);
   }
 
   static bool isSameItem(const Preset& a, const Preset& b) {
@@ -291,7 +294,7 @@ class Planner {
   std::string _presetsPath;  // with a separator at its end
   NameChangePlan _plan;
   std::map<const Preset*, std::string> _newNames;
-  std::set<Preset*> _leftovers;
+  std::map<const PresetList*, Namesakes> _namesakes;
   const Preset* _because = nullptr;
 };
 

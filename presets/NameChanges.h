@@ -37,6 +37,7 @@ enum class Refusal {
   kNameUnchanged,
   kNameInFolder,     // something else in the preset's folder has it
   kNameInKind,       // another preset of the kind has it, case ignored
+  kNamesakesSwap,    // references would lead to another preset of their name than now
   kReferrerDamaged,  // a file that must be rewritten is not a whole preset
 };
 
@@ -63,10 +64,10 @@ struct NameChangePlan {
 /// on the disk.
 ///
 /// A run of the same changes may have been stopped before. If a file has its old and its new name,
-/// the rename is planned again, and the preset that was loaded for the new name is removed from the
-/// list. If the old name is gone and a preset in that folder has the new one, the rename counts as
-/// made; but if that holds for all changes they are refused, for then the path is more likely
-/// wrong.
+/// the rename is planned again; the preset that was loaded for the new name is removed from the
+/// list, even if the changes are refused. If the old name is gone and a preset in that folder has
+/// the new one, the rename counts as made; but if that holds for all changes they are refused, for
+/// then the path is more likely wrong.
 [[nodiscard]] NameChangePlan planNameChanges(PresetManager& library,
                                              const std::vector<NameChange>& changes);
 

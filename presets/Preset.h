@@ -100,7 +100,7 @@ class Preset : public TreeLeaf {
   void setROM(bool rom) { _rom = rom; }
   std::int32_t index() const { return _index; }
   void setIndex(std::int32_t index) { _index = index; }
-  /// The index as last read or written; the list renumbers RAM presets in memory only.
+  /// The index as last read or written, or as first given to it; the list renumbers RAM presets in memory only.
   std::int32_t fileIndex() const { return _file_index; }
   bool edited() const { return _edited; }
   void setEdited(bool edited) { _edited = edited; }
@@ -206,7 +206,7 @@ class Preset : public TreeLeaf {
   FSRef _parent_ref;               // the folder that the file is, or was, in
   std::uint64_t _fingerprint = 0;  // of the file as last read or written; 0 if not known
   std::int32_t _index = 0;
-  std::int32_t _file_index = 0;
+  std::int32_t _file_index = _index;
   std::uint8_t _rom = 0;
   bool _is_file_whole = true;
   std::shared_ptr<VirtualFile> _flat_file;  // null until there is one

@@ -1,6 +1,7 @@
 #include "presets/PresetList.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -217,20 +218,20 @@ OSStatus PresetList::openPresetsRecursively(const FSRef& folder, PresetLimb* lim
 
 void PresetList::reorderPresets() {
   if (count() < 2) return;
-  constexpr std::int64_t kBehindAllROM = std::int64_t{1} << 33;
+  constexpr std::int64_t kBehindAll = std::int64_t{1} << 34;
+  constexpr std::int64_t kFirstRAM = orderKey(false, std::numeric_limits<std::int32_t>::min());
   std::vector<void*> before;
   std::vector<std::int64_t> keys;
   for (Preset* preset : presets()) {
     before.push_back(preset);
-    keys.push_back(preset == nullptr ? 2 * kBehindAllROM
-                                     : preset->index() + (preset->isROM() ? 0 : kBehindAllROM));
+    keys.push_back(preset == nullptr ? kBehindAll : orderKey(preset->isROM(), preset->index()));
   }
   std::vector<void*> after;
   std::vector<std::int32_t> places(before.size());  // of RAM presets among themselves
   std::int32_t next = 0;
   for (const std::size_t i : exchangeOrder(keys)) {
     after.push_back(before[i]);
-    if (keys[i] > kBehindAllROM / 2) places[i] = next++;
+    if (keys[i] >= kFirstRAM) places[i] = next++;
   }
   if (after != before) setEntries(after);
   // In the old order, which is mostly that of their addresses: faster than in the new one.

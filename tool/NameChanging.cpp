@@ -47,6 +47,9 @@ const char* reasonFor(Refusal refusal, bool isRename) {
       return "something else in the folder has the new name";
     case Refusal::kNameInKind:
       return "another preset of the kind has the new name";
+    case Refusal::kNamesakesSwap:
+      return "presets with equal indexes would change their order, and references would lead to "
+             "another one of the same name";
     case Refusal::kReferrerDamaged:
       return "a preset that would have to be rewritten is damaged";
   }

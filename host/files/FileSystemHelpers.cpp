@@ -71,6 +71,14 @@ void getPlaceName(const FSRef& ref, char* name, std::size_t size) {
   name[length] = '\0';
 }
 
+FSRef placeOfName(const FSRef& folder, const char* name) {
+  HFSUniStr255 unicode;
+  ConvertCStringToHFSUniStr(name, &unicode);
+  const VolumeName volumeName = volumeNameFromUnicode({unicode.unicode, unicode.length});
+  if (volumeName.result != noErr) return {};
+  return {nodes().intern(folder.node, volumeName.bytes)};
+}
+
 std::string getPlacePath(const FSRef& ref, const FSRef& folder) {
   const NodeTable& table = host().nodes;
   if (!table.contains(ref.node)) return "";

@@ -30,6 +30,9 @@ bool fileExists(const FSRef* ref);
 /// The held name of a place, cut to `size` bytes (1 or more), NUL included. It is read off the
 /// reference: no system call, and the item need not exist.
 void getPlaceName(const FSRef& ref, char* name, std::size_t size);
+/// The place that an item of this held name has in the folder, whether there is one or not; no
+/// place if none can have the name. No system call.
+FSRef placeOfName(const FSRef& folder, const char* name);
 /// The path of a place below a folder, relative to it, or else its absolute path; in the bytes of
 /// the volume. Read off the references likewise.
 std::string getPlacePath(const FSRef& ref, const FSRef& folder);

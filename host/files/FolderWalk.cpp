@@ -48,11 +48,14 @@ struct Entries {
   }
 
   void sort() {
-    std::sort(list.begin(), list.end(), [this](const Entry& a, const Entry& b) {
-      if (a.keyBegins != b.keyBegins) return a.keyBegins < b.keyBegins;
-      const int order = key(a).compare(key(b));
-      return order != 0 ? order < 0 : name(a) < name(b);
-    });
+    std::sort(list.begin(), list.end(),
+              [this](const Entry& a, const Entry& b) { return isBefore(a, b); });
+  }
+
+  bool isBefore(const Entry& a, const Entry& b) const {
+    if (a.keyBegins != b.keyBegins) return a.keyBegins < b.keyBegins;
+    const int order = key(a).compare(key(b));
+    return order != 0 ? order < 0 : name(a) < name(b);
   }
 };
 
@@ -118,6 +121,22 @@ FolderListing listFolder(const FSRef& folder) {
   for (const Entry& entry : entries.list)
     listing.items.push_back({{table.intern(folder.node, entries.name(entry))}, entry.isFolder});
   return listing;
+}
+
+bool isWalkedBefore(const FSRef& a, const FSRef& b) {
+  const NodeTable& table = nodes();
+  const std::uint32_t depth = std::min(table.depth(a.node), table.depth(b.node));
+  std::uint32_t one = table.ancestor(a.node, table.depth(a.node) - depth);
+  std::uint32_t other = table.ancestor(b.node, table.depth(b.node) - depth);
+  while (table.folder(one) != table.folder(other)) {
+    one = table.folder(one);
+    other = table.folder(other);
+  }
+  if (one == other) return table.depth(a.node) < table.depth(b.node);
+  Entries entries;
+  entries.add(table.name(one), false);
+  entries.add(table.name(other), false);
+  return entries.isBefore(entries.list.front(), entries.list.back());
 }
 
 FolderWalk::FolderWalk(const FSRef& top) : _listed(enter(top)) {}

@@ -26,6 +26,10 @@ struct FolderListing {
 /// FIFOs, sockets and devices are left out, so that nobody opens one.
 [[nodiscard]] FolderListing listFolder(const FSRef& folder);
 
+/// Whether the one comes before the other in the walk of a folder that both are below. Read off the
+/// references: nothing need be there.
+[[nodiscard]] bool isWalkedBefore(const FSRef& a, const FSRef& b);
+
 /// Goes through a folder and all below it in load order: each folder's items in the order of its
 /// listing, and what is in a folder right after the folder itself. A folder is listed when the
 /// walk reaches it; nothing is kept open. No recursion: folders may be nested thousands deep.

@@ -4,6 +4,7 @@
 
 #include "host/files/DryRun.h"
 #include "presets/PresetManager.h"
+#include "presets/PresetReferences.h"
 #include "tests/PresetFile.h"
 #include "tool/CommandLine.h"
 
@@ -41,7 +42,8 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
                                          "A?B",
                                          "e\xCC\x81\xFF*",
                                          std::string(80, '?')};
-    return anyOf(kNames);
+    static const std::string kAlike[] = {"x", "X", "y", "Y", "z", "Z"};
+    return _isClashing ? anyOf(kAlike) : anyOf(kNames);
   }
 
   static std::string repaired(std::string place) {
@@ -57,7 +59,7 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
                                            "Factory/", "Halls/", "a?b/", "deep/er/"};
     PresetFile preset{kind.folder + "/"s + anyOf(kFolders) + name(),
                       below(3) == 0,
-                      static_cast<unsigned>(below(40)),
+                      static_cast<unsigned>(below(_isClashing ? 3 : 40)),
                       {name(), name()}};
     std::replace(preset.references[0].begin(), preset.references[0].end(), ':', '/');
     const std::string place = "lib/Presets/" + preset.path;
@@ -65,7 +67,7 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
     fs::create_directories(fs::path(path(place)).parent_path(), taken);
     if (taken || exists(place)) return;
     std::string bytes = preset.bytes();
-    switch (below(16)) {
+    switch (_isClashing ? 16 : below(16)) {
       case 0:
         return makeFolder(place);
       case 1:
@@ -90,15 +92,37 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
     write(_last = place, bytes);
   }
 
-  void makeLibrary() {
+  // One that clashes is complete and in order but for names and indexes that several presets have.
+  void makeLibrary(bool clashes) {
+    _isClashing = clashes;
     _last.clear();
     fs::remove_all(path("lib"));
-    const std::size_t shape = below(20);
+    const std::size_t shape = clashes ? 19 : below(20);
     if (shape == 0) return;
     makeFolder("lib");
     if (shape == 1) write("lib/Presets", "");
-    for (std::size_t count = shape < 3 ? 0 : below(25); count > 0; --count)
+    // Where a "Default" was missing, the order is another one the next time.
+    for (const KindFormat& kind : kKinds)
+      if (clashes) put(*this, {kind.folder + "/Default"s, true});
+    for (std::size_t count = shape < 3 ? 0 : below(clashes ? 50 : 25); count > 0; --count)
       add();
+  }
+
+  // --rename or --relink of what there is, or not, to a name that is mostly free.
+  void addChange(std::vector<std::string>& options) {
+    static const std::string kFree[] = {"b", "e", "m", "q", "u", "zz"};
+    std::string what = _last;
+    for (const auto& [item, content] : items()) {
+      if (content.front() == '=' && below(6) == 0) what = item;
+    }
+    if (below(4) == 0) {
+      constexpr const char* kReferred[] = {"velmap/", "effect/", "program/"};
+      options.insert(options.end(), {"--relink", anyOf(kReferred) + name()});
+    } else {
+      options.insert(options.end(),
+                     {"--rename", what.substr(std::min<std::size_t>(12, what.size()))});
+    }
+    options.insert(options.end(), {"--to", below(6) == 0 ? name() : anyOf(kFree)});
   }
 
   // Of files and folders, or all that can be seen of them without a look inside.
@@ -189,6 +213,34 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
     return result;
   }
 
+  // The files on the disk that refer to one another.
+  std::set<std::pair<ino_t, ino_t>> references() {
+    Host fresh;
+    const HostInUse inUse(fresh);
+    const DryRun dry;
+    PresetManager library(nullptr);
+    FSRef folder;
+    if (FSPathMakeRef(path("lib").c_str(), &folder, nullptr) != noErr) return {};
+    if (library.setOlvanItemsFSRef(folder) == noErr) library.openAllPresets();
+    const auto number = [](const Preset& preset) {
+      char place[4096] = "";
+      struct stat info = {};
+      (void)FSRefMakePath(&preset.fileRef(), place, sizeof place);
+      return ::lstat(place, &info) == 0 ? info.st_ino : 0;
+    };
+    std::set<std::pair<ino_t, ino_t>> all;
+    for (const auto* reference :
+         {&kProgramEffectsReference, &kSessionProgramReference, &kSessionVelocityMapReference}) {
+      forEachPreset(library.listsOf(reference->from).front(), [&](const Preset& from) {
+        const std::string name(reference->name(from));
+        const Preset* to = library.listsOf(reference->to).front()->findPreset(name.c_str());
+        if (to != nullptr && number(*to) * number(from) != 0)
+          all.emplace(number(from), number(*to));
+      });
+    }
+    return all;
+  }
+
   // What the changes make of the items. Of what they make or rewrite, the dry run has the bytes.
   Items applied(const std::vector<FileChange>& changes, const Items& seen) {
     std::map<std::string, int> files;  // one number for all names of a file
@@ -228,16 +280,23 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
  private:
   std::mt19937 _random{GetParam()};
   std::string _last;
+  bool _isClashing = false;
 };
 
 TEST_P(DryRunTest, ForeseesTheRealRun) {
   constexpr const char* kCommands[] = {"-s", "-z", "-s", "-z", "-y", "-p", "-d", "-r", "-h"};
   for (int library = 0; library < 250; ++library) {
     SCOPED_TRACE(testing::Message() << "library " << library << " of " << GetParam());
-    makeLibrary();
+    const bool isRename = below(3) == 0;
+    makeLibrary(isRename);
     std::vector<std::string> options;
     for (std::size_t count = below(4); count > 0; --count)
       options.emplace_back(anyOf(kCommands));
+    // Renames alone must leave every reference where it leads.
+    if (isRename) options.clear();
+    for (std::size_t count = isRename ? 1 + below(2) : below(3); count > 0; --count)
+      addChange(options);
+    const auto led = references();
     const bool isReadOnly = below(4) == 0;
     if (isReadOnly) setWritable(false);
     const Items all = items();
@@ -252,6 +311,11 @@ TEST_P(DryRunTest, ForeseesTheRealRun) {
     ASSERT_EQ(dry.output, real.output);
     ASSERT_EQ(dry.items, real.items);
     ASSERT_EQ(expected, real.items);
+    if (!isRename || !real.output.ends_with("--\n0")) continue;
+    if (std::count(options.begin(), options.end(), "--relink") != 0) continue;
+    const auto lead = references();
+    ASSERT_TRUE(std::includes(lead.begin(), lead.end(), led.begin(), led.end()))
+        << testing::PrintToString(options) << real.output;
   }
 }
 
