@@ -26,8 +26,7 @@ void PresetLimb::setSpec(const FSRef& folder) {
     setTreeItemName(name);
   }
   _folder = folder;
-  const std::uint32_t id = getFolderNode(&folder);
-  if (std::exchange(_folder_id, id) != id) noteChange();
+  if (std::exchange(_folder_id, folder.node) != folder.node) noteChange();
 }
 
 bool PresetLimb::isSameFolder(const FSRef& other) const {

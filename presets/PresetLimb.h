@@ -17,6 +17,7 @@ class PresetLimb : public TreeLimb {
   void printTreeItemInfo(std::ostream& os, unsigned long flags) const override;
 
   /// Makes this the limb of `folder`, named as the last part of the folder's path, of any length.
+  /// Does not check that it is a folder: if that failed once, its presets would be in no limb.
   void setSpec(const FSRef& folder);
   const FSRef& folder() const { return _folder; }
   bool isSameFolder(const FSRef& other) const;

@@ -56,6 +56,11 @@ void PresetList::addFinding(Finding finding) const {
   _manager->findings().add(std::move(finding));
 }
 
+const Finding* PresetList::firstPassedOver() const {
+  if (_manager == nullptr) return nullptr;
+  return _manager->findings().firstPassedOver(static_cast<std::uint32_t>(getPresetType()));
+}
+
 // --- Entries -------------------------------------------------------------------------------------
 
 unsigned long PresetList::revision() const {

@@ -55,6 +55,8 @@ class PresetList : public PtrManager, public PresetLimb {
   static OSStatus findFolder(const FSRef& parent, const char* name, bool create, FSRef& out);
   /// Adds a finding of this kind to the manager's list, if there is a manager.
   void addFinding(Finding finding) const;
+  /// The first file or folder of this kind that the load passed over; null if none, or no manager.
+  const Finding* firstPassedOver() const;
 
   // --- Entries ---
 

@@ -45,8 +45,7 @@ void passOver(const PresetList& list, const FSRef& file, const FileStart& start)
 // of these it is costs a second look at the file.
 void passOverUnopened(const PresetList& list, const FSRef& file, OSErr why) {
   if (isAlias(&file)) return addFailure(list, FindingSort::kLinkNotFollowed, file, why);
-  const OSErr there = FSRefIsValid(file);
-  if (there == fnfErr || (there == noErr && !isRegularFile(&file))) return;
+  if (isNoFile(&file)) return;
   char buffer[FileStart::kMost];
   const FileStart start = readFileStart(file, fsRdPerm, buffer);
   if (start.opened != noErr) {
@@ -153,6 +152,12 @@ Preset* findDefault(const PresetList& list) {
   return nullptr;
 }
 
+// True for the file that a load would make.
+bool isUsualDefault(const PresetList& list, const Preset& preset) {
+  return std::string_view(preset.getTreeItemName()) == Preset::_default_preset_name &&
+         preset.getParentFolderID() == list.getTreeItemID();
+}
+
 }  // namespace
 
 void PresetLoading::add(PresetList& list, const FSRef& folder, PresetLimb& limb) {
@@ -230,6 +235,10 @@ bool makeSureOfDefault(PresetList& list) {
   found->setROM(true);
   // What is not a whole preset stays as it is on the disk: it may be all that is left of one.
   if (!found->isFileWhole()) return false;
+  // The load may have passed over the one that takes this part: leave another as it is.
+  if (const Finding* passed = list.firstPassedOver();
+      passed != nullptr && !isUsualDefault(list, *found))
+    found->neverWrite(passed->result);
   found->writeOut();
   if (found->status() != noErr)
     addFailure(list, FindingSort::kDefaultNotWritten, found->fileRef(), found->status());

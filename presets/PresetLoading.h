@@ -60,7 +60,8 @@ class PresetLoading {
 };
 
 /// Makes the first preset named "Default", case ignored, ROM with index 0, and writes it if it was
-/// not, unless the file is not a whole preset. If there is none, makes one in the root folder; if
+/// not, unless the file is not a whole preset, or is not the usual one and others were passed over.
+/// If there is none, makes one in the root folder; if
 /// that fails, the last preset of the list takes its part in memory, and is never written. False if
 /// no file was touched.
 [[nodiscard]] bool makeSureOfDefault(PresetList& list);

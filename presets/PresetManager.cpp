@@ -1,5 +1,6 @@
 #include "presets/PresetManager.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -163,7 +164,12 @@ void PresetManager::findFolders(PresetList& list) {
       add(FindingSort::kFolderNotListed, root, dirNFErr, "");
     }
   }
-  list.setUserFolder(user);
+  const auto kind = static_cast<std::uint32_t>(list.getPresetType());
+  if (!list.setUserFolder(user) && _findings.passedOver(kind) == 0) {
+    // They were found, but cannot be looked at any more.
+    const OSErr why = std::min(FSRefIsValid(root), FSRefIsValid(user));
+    add(FindingSort::kFolderNotListed, root, why != noErr ? why : ioErr, "");
+  }
 }
 
 void PresetManager::openAllPresetsOfType(long kind) {

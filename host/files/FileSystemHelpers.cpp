@@ -141,6 +141,11 @@ bool isRegularFile(const FSRef* ref) {
   return item.result == noErr && S_ISREG(item.info.st_mode);
 }
 
+bool isNoFile(const FSRef* ref) {
+  const ItemInfo item = itemInfo(*ref);
+  return item.result == fnfErr || (item.result == noErr && !S_ISREG(item.info.st_mode));
+}
+
 std::uint32_t getNode(const FSRef* ref) {
   return catalogInfo(ref, kFSCatInfoNodeID).nodeID;
 }

@@ -53,6 +53,8 @@ bool isAlias(const FSRef* ref);
 /// Whether something is there that can have a data fork: no folder, alias, FIFO, socket or device.
 /// Opens nothing.
 bool isRegularFile(const FSRef* ref);
+/// Whether that is certain not to be there. False if it is, or if the place cannot be looked at.
+bool isNoFile(const FSRef* ref);
 std::uint32_t getNode(const FSRef* ref);
 /// The node number of a folder; 0 for anything else.
 std::uint32_t getFolderNode(const FSRef* ref);
