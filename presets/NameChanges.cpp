@@ -71,9 +71,11 @@ class Planner {
  public:
   Planner(PresetManager& library, const std::vector<NameChange>& changes)
       : _library(library), _changes(changes) {
-    char path[4096];
-    if (convertFSRefToPath(&library.presetsFolder(), path, sizeof path) == noErr)
-      _presetsPath = std::string(path) + '/';
+    for (const FSRef& folder : {library.presetsFolder(), library.itemsFolder()}) {
+      char path[4096];
+      if (convertFSRefToPath(&folder, path, sizeof path) == noErr)
+        _starts.push_back(std::string(path) + '/');
+    }
   }
 
   NameChangePlan plan() {
@@ -232,13 +234,14 @@ class Planner {
 
   // --- Paths ---
 
-  // A path below "Presets" goes before the same path from the working directory, and exact names
-  // before those that only look alike.
+  // A path below "Presets" goes before the same path from the library's folder, as notes and dry
+  // runs print it, and from the working directory; exact names before those that only look alike.
   std::vector<Preset*> presetsAt(const std::string& path) const {
     const SplitPath split(path);
     if (split.name.empty()) return {};
-    std::vector<std::string> starts = {""};
-    if (path.front() != '/' && !_presetsPath.empty()) starts.insert(starts.begin(), _presetsPath);
+    std::vector<std::string> starts;
+    if (path.front() != '/') starts = _starts;
+    starts.emplace_back();
     for (const std::string& start : starts) {
       FSRef folder;
       if (FSPathMakeRef((start + split.folder + '.').c_str(), &folder, nullptr) != noErr) continue;
@@ -291,7 +294,7 @@ class Planner {
 
   PresetManager& _library;
   const std::vector<NameChange>& _changes;
-  std::string _presetsPath;  // with a separator at its end
+  std::vector<std::string> _starts;  // where relative paths may start, with a separator at the end
   NameChangePlan _plan;
   std::map<const Preset*, std::string> _newNames;
   std::map<const PresetList*, Namesakes> _namesakes;

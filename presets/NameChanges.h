@@ -18,8 +18,8 @@ struct PresetReference;
 struct NameChange {
   /// To redirect references: the kind that they are to. kAllKinds: to rename a preset.
   PresetKind referred;
-  /// The path of the preset's file: below "Presets", or any other that leads there. Or the name
-  /// that the references have, as reports show it.
+  /// The path of the preset's file: below "Presets", or any other that leads there, as from the
+  /// library's folder. Or the name that the references have, as reports show it.
   std::string what;
   /// The preset's new name, or the name of the preset that the references will lead to.
   std::string newName;
