@@ -73,8 +73,8 @@ TEST_P(ForksTest, OpensWhatIsAtThePlaceNow) {
     const std::int16_t reader = opened(file, fsRdPerm), writer = opened(file, fsRdWrPerm);
     EXPECT_EQ(readAt(reader, fsAtMark, 0, 3) + readAt(writer, fsAtMark, 0, 3), "123123")
         << "own marks";
-    EXPECT_EQ(write(writer, "abc"), noErr);
-    EXPECT_EQ(readAll(reader) + read("other"), "abc456789abc456789");
+    EXPECT_EQ(write(writer, "abcdefghijk"), noErr);
+    EXPECT_EQ(readAll(reader) + read("other"), "abcdefghiabcdefghijk") << "of another size, too";
     FileTest::remove("other");
     ASSERT_EQ(way == 'r'   ? rename(file, u"renamed")
               : way == 'm' ? FSMoveObject(&file, &top, nullptr)
@@ -86,7 +86,7 @@ TEST_P(ForksTest, OpensWhatIsAtThePlaceNow) {
     EXPECT_EQ(openFork({0}, fsRdPerm, &now), errFSBadFSRef);
     write("folder/file", "new bytes");
     now = opened(file, fsRdPerm);
-    EXPECT_EQ(readAll(now) + readAll(reader), "new bytesabc456789") << way;
+    EXPECT_EQ(readAll(now) + readAll(reader), "new bytesabcdefghi") << way;
     for (const std::int16_t fork : {now, writer, reader})
       EXPECT_EQ(FSCloseFork(fork), noErr);
   }
