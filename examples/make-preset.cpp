@@ -1,12 +1,14 @@
 // make-preset FOLDER NAME: creates the effects preset NAME in the library's folder for the user's
 // own effects: a copy of "Default" with a small room.
-#include <iostream>
+//
+// cairnset/Library.h opens the library; the headers below it do the rest.
 #include <string>
 
 #include "OpenLibrary.h"
 #include "host/text/FileNameRules.h"
 #include "host/text/Names.h"
 #include "host/text/PascalStrings.h"
+#include "presets/PresetManager.h"
 
 int main(int argc, char** argv) {
   using namespace cairnset;
@@ -14,8 +16,8 @@ int main(int argc, char** argv) {
     std::cerr << "usage: make-preset FOLDER NAME\n";
     return 2;
   }
-  PresetManager library(nullptr);
-  if (!openLibrary(argv[1], library)) return 1;
+  Library library;
+  if (!openLibrary(argv[1], library, Library::Access::kChange)) return 1;
 
   // UTF-8 on the volume and the terminal; Mac Roman in memory and inside the files.
   std::string name = heldNameFromVolumeName(argv[2]).substr(0, 255);
@@ -25,7 +27,7 @@ int main(int argc, char** argv) {
 
   // References are by name alone, so a second preset of the same name would be ambiguous in any
   // folder. Unlike newPreset(), duplicatePreset() never takes over an existing file.
-  EffectsPresetList& effects = library.effects();
+  EffectsPresetList& effects = library.manager()->effects();
   const Preset* original = effects.findPreset(Preset::_default_preset_name);
   const OSStatus status =
       original == nullptr ? fnfErr

@@ -41,6 +41,9 @@ enum class Refusal {
   kReferrerDamaged,  // a file that must be rewritten is not a whole preset
 };
 
+/// The reason in words, for a message. Never null.
+[[nodiscard]] const char* wordsFor(Refusal refusal, bool isRename);
+
 /// A change that can be made. Names are Mac Roman.
 struct PlannedChange {
   const PresetReference* reference;  // to the kind; null for sessions

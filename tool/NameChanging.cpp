@@ -23,43 +23,10 @@ std::string textOf(const NameChange& change) {
          change.newName + ']';
 }
 
-const char* reasonFor(Refusal refusal, bool isRename) {
-  switch (refusal) {
-    case Refusal::kNone:
-      break;
-    case Refusal::kNoPreset:
-      return isRename ? "there is no such preset" : "there is no preset of the new name";
-    case Refusal::kSeveralPresets:
-      return "more than one preset is shown like this; give the path of the file";
-    case Refusal::kIsDefault:
-      return "the \"Default\" of a kind keeps its name";
-    case Refusal::kNameEmpty:
-      return "the new name is empty";
-    case Refusal::kNameTooLong:
-      return "the new name has more than 63 characters";
-    case Refusal::kNameNotHeld:
-      return "there is a character that the instrument does not have";
-    case Refusal::kNameIllegal:
-      return "Windows rejects the new name";
-    case Refusal::kNameUnchanged:
-      return "that is the name already";
-    case Refusal::kNameInFolder:
-      return "something else in the folder has the new name";
-    case Refusal::kNameInKind:
-      return "another preset of the kind has the new name";
-    case Refusal::kNamesakesSwap:
-      return "presets with equal indexes would change their order, and references would lead to "
-             "another one of the same name";
-    case Refusal::kReferrerDamaged:
-      return "a preset that would have to be rewritten is damaged";
-  }
-  return "";
-}
-
 void reportRefusal(const NameChange& change, Refusal refusal, const Preset* because) {
   std::cerr << "Cairnset: ";
   writeGivenText(std::cerr, textOf(change));
-  std::cerr << ": " << reasonFor(refusal, change.referred == kAllKinds);
+  std::cerr << ": " << wordsFor(refusal, change.referred == kAllKinds);
   if (because != nullptr) {
     std::cerr << ": ";
     because->printTreeItemInfo(std::cerr, 0);
