@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <unordered_map>
 #include <utility>
@@ -23,6 +24,9 @@
 namespace cairnset {
 
 namespace {
+
+constexpr std::chrono::milliseconds kMostWaiting{
+    500};  // the load of another program mostly takes less
 
 // By Library::Kind.
 constexpr std::array kKindCodes = {kVelocityMapKind, kEffectsKind, kProgramKind, kSessionKind};
@@ -106,7 +110,8 @@ Library::Error Library::State::load(const std::string& path, Access access) {
   if (result == noErr && !isFolder) result = dirNFErr;
   if (result != noErr) return errorOf(result, path);
   folder.emplace(items);
-  if (!folder->lock()) return {kBusy, path + ": another program is changing the library"};
+  if (!folder->lock(kMostWaiting))
+    return {kBusy, path + ": another program is changing the library"};
   // The manager would make it, and so a library of any folder.
   result = PresetList::findFolder(items, "Presets", false, presetsFolder);
   if (result == fnfErr) return {kNoLibrary, path + ": there is no \"Presets\" in this folder"};

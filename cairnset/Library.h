@@ -45,7 +45,7 @@ class Library {
 
   /// Codes above 0; those below are the result codes in the manual (host/ResultCodes.h).
   enum ErrorCode : int {
-    kBusy = 1,     // another program has locked the library; try again later
+    kBusy = 1,     // another program has locked the library
     kAlreadyOpen,  // another Library of this process is open
     kNotOpen,
     kNoLibrary,    // the folder has no "Presets"
@@ -119,8 +119,8 @@ class Library {
   Library& operator=(Library&&) noexcept;
 
   /// Opens the library in this folder, in which "Presets" is, and loads it; one that is open is
-  /// closed first. Does not wait for a lock. From here on the library is the same folder, whatever
-  /// the path comes to lead to.
+  /// closed first. Waits half a second for a program that has locked it, then returns kBusy. From
+  /// here on the library is the same folder, whatever the path comes to lead to.
   ///
   /// **Loading changes the disk**, as with the instrument: missing folders and "Default"s are made,
   /// and a "Default" that is not ROM with index 0 is rewritten. With kDryRun it does not, and can
@@ -147,7 +147,8 @@ class Library {
 
   /// Renames presets, and rewrites all references that lead to them. All renames are checked first,
   /// each as those before it will leave the library: either all are made, or none and there is an
-  /// error kRefused. A failure while they are made ends it; the same call completes it.
+  /// error kRefused. A failure while they are made ends it. Correct what the error says, open the
+  /// library again, and make the same call: it completes what was left.
   [[nodiscard]] Outcome rename(std::span<const Rename> renames);
   /// Leads all references to this name of a kind, case ignored, to the preset that is called
   /// `newName`.
