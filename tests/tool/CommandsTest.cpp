@@ -5,6 +5,7 @@
 #include "tool/BulkMaintenance.h"
 #include "tool/FilenameRepair.h"
 #include "tool/Menu.h"
+#include "tool/NameChanging.h"
 #include "tool/Session.h"
 
 namespace cairnset {
@@ -94,6 +95,28 @@ TEST_F(CommandsTest, ROMAndRAMWriteOnlyWhatIsOtherwise) {
 TEST_F(CommandsTest, ReferencesThatMayNotLastAreReported) {
   intercept(host().calls.flush, [](auto...) { return failWith(EIO); });
   EXPECT_EQ(fixFilenames(), kReferencesNotWritten);
+}
+
+// One where a name is the same in both cases, and a file has one name only.
+TEST_F(CommandsTest, RenamesOnAVolumeThatIgnoresCaseAndHasNoLinks) {
+  SystemCalls& calls = host().calls;
+  intercept(calls.lstat, [](const auto& lstat, int folder, std::string path, struct stat* info) {
+    if (lstat(folder, path.c_str(), info) == 0) return 0;
+    path.back() = static_cast<char>(path.back() ^ 'a' ^ 'A');
+    return lstat(folder, path.c_str(), info);
+  });
+  calls.link = [](auto...) { return failWith(EPERM); };
+  intercept(calls.renameNoReplace, [&](const auto& rename, int from, auto old, int to, auto name) {
+    struct stat info;
+    return calls.lstat(to, name, &info) == 0 ? failWith(EEXIST) : rename(from, old, to, name);
+  });
+  write("lib/Presets/Effects/o", "no preset");
+  EXPECT_EQ(changeNames({{kAllKinds, "Effects/?", "x"}, {kAllKinds, "Effects/x", "X"}}), 0);
+  EXPECT_EQ(changeNames({{kAllKinds, "Effects/X", "O"}}), 30);
+  EXPECT_TRUE(exists("lib/Presets/Effects/X") && !exists("lib/Presets/Effects/?"));
+  EXPECT_EQ(read("lib/Presets/Effects/o"), "no preset");
+  for (const char* referrer : {"p", "q"})
+    EXPECT_EQ(read("lib/Presets/Programs/"s + referrer).substr(93, 2), "X\0"s);
 }
 
 }  // namespace
