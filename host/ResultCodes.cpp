@@ -75,6 +75,8 @@ const char* wordsFor(OSErr result) {
       return "a move from one volume to another";
     case errFSBadFSRef:
       return "there is no such place";
+    case catChangedErr:
+      return "another program has changed the file meanwhile";
     default:
       return "an input or output error, or anything without a code of its own";
   }

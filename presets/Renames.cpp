@@ -162,13 +162,17 @@ class RenamingTogether {
   }
   void keepOldName(const Renamed& renamed) { _kept.insert(oldNameOf(renamed)); }
   void keepOldNameIfNeeded(const Renamed& renamed) {
-    if (std::any_of(renamed.referrers.begin(), renamed.referrers.end(), isNotSafe))
-      keepOldName(renamed);
+    for (const Relinked& referrer : renamed.referrers) {
+      if (isNotSafe(referrer)) keepOldName(renamed);
+      // Nobody knows what the preset that is there now refers to.
+      if (referrer.written == catChangedErr) _changed.insert(referenceTo(*renamed.preset)->from);
+    }
   }
   bool keepsOldName(const Renamed& renamed) const {
     const PresetReference* reference = referenceTo(*renamed.preset);
     return reference != nullptr && !isChangeOfCase(renamed) &&
            (_library.findings().passedOver(reference->from) > 0 ||
+            _changed.contains(reference->from) ||
             _kept.contains(oldNameOf(renamed)));
   }
 
@@ -211,6 +215,7 @@ class RenamingTogether {
   const PresetManager& _library;
   const Relinks _relinks;
   std::set<OldName> _kept;
+  std::set<PresetKind> _changed;  // kinds of referrers that others have changed meanwhile
 };
 
 }  // namespace
