@@ -172,8 +172,7 @@ class RenamingTogether {
     const PresetReference* reference = referenceTo(*renamed.preset);
     return reference != nullptr && !isChangeOfCase(renamed) &&
            (_library.findings().passedOver(reference->from) > 0 ||
-            _changed.contains(reference->from) ||
-            _kept.contains(oldNameOf(renamed)));
+            _changed.contains(reference->from) || _kept.contains(oldNameOf(renamed)));
   }
 
   void removeOldName(Renamed& renamed) const {
