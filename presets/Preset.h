@@ -100,7 +100,8 @@ class Preset : public TreeLeaf {
   void setROM(bool rom) { _rom = rom; }
   std::int32_t index() const { return _index; }
   void setIndex(std::int32_t index) { _index = index; }
-  /// The index as last read or written, or as first given to it; the list renumbers RAM presets in memory only.
+  /// The index as last read or written, or as first given to it; the list renumbers RAM presets in
+  /// memory only.
   std::int32_t fileIndex() const { return _file_index; }
   bool edited() const { return _edited; }
   void setEdited(bool edited) { _edited = edited; }
