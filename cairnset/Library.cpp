@@ -128,7 +128,7 @@ void Library::State::lookAgain() {
   held.clear();
   std::unordered_map<const cairnset::Preset*, std::size_t> positions;
   for (const PresetKind code : kKindCodes) {
-    const PresetList& list = *manager.listsOf(code).front();
+    const PresetList& list = manager.listOf(code);
     for (const cairnset::Preset* preset : list.presets()) {
       if (preset == nullptr) continue;
       positions.emplace(preset, presets.size());
@@ -149,7 +149,7 @@ void Library::State::lookAgain() {
       const std::string name(reference->name(*held[i]));
       Reference& use =
           presets[i].uses.emplace_back(Reference{kindOf(reference->to), utf8(name), std::nullopt});
-      const auto* target = manager.listsOf(reference->to).front()->findPreset(name.c_str());
+      const auto* target = manager.listOf(reference->to).findPreset(name.c_str());
       if (target == nullptr) continue;
       use.preset = positions.at(target);
       presets[*use.preset].users.push_back(i);

@@ -147,7 +147,7 @@ class Planner {
   Refusal addRelink(PresetKind kind, const std::string& what, const std::string& newName) {
     const auto oldName = heldNameFromShownText(what);
     if (!oldName) return Refusal::kNameNotHeld;
-    const Preset* target = presetNamed(*_library.listsOf(kind).front(), newName, nullptr);
+    const Preset* target = presetNamed(_library.listOf(kind), newName, nullptr);
     if (target == nullptr) return Refusal::kNoPreset;
     const PresetReference* reference = referenceTo(*target);
     if (isReferrerDamaged(*reference, *oldName)) return Refusal::kReferrerDamaged;
@@ -162,9 +162,7 @@ class Planner {
 
   // --- The library as it will be ---
 
-  PresetList& listOf(const Preset& preset) {
-    return *_library.listsOf(preset.getPresetType()).front();
-  }
+  PresetList& listOf(const Preset& preset) { return _library.listOf(preset.getPresetType()); }
 
   const char* nameOf(const Preset& preset) const {
     const auto renamed = _newNames.find(&preset);

@@ -44,6 +44,8 @@ class PresetManager : public VelocityMapPresetList,
 
   /// The list of a kind, or all four for kAllKinds, in loading order; none for any other code.
   std::vector<PresetList*> listsOf(long kind);
+  /// The list of one of the four kinds.
+  PresetList& listOf(long kind) { return *listsOf(kind).front(); }
 
   KeymapManager* getKeymapManager() const { return nullptr; }
   /// The library's own folder, in which "Presets" is; no place until it is set.

@@ -233,7 +233,7 @@ std::vector<Renamed> renamePresets(PresetManager& library, const std::vector<New
     const PresetReference* reference = referenceTo(*preset);
     if (reference == nullptr || !relinked.emplace(reference, renamed.oldName).second) continue;
     if (relinks == Relinks::kLedToIt) {
-      if (library.listsOf(reference->to).front()->findPreset(renamed.oldName.c_str()) == preset)
+      if (library.listOf(reference->to).findPreset(renamed.oldName.c_str()) == preset)
         renamed.referrers = asRelinked(referrersTo(library, *reference, renamed.oldName));
       continue;
     }
@@ -277,7 +277,7 @@ std::vector<Relinked> relinkReferences(PresetManager& library, const PresetRefer
 std::vector<Preset*> referrersTo(PresetManager& library, const PresetReference& reference,
                                  const std::string& name) {
   std::vector<Preset*> referrers;
-  forEachPreset(library.listsOf(reference.from).front(), [&](Preset& preset) {
+  forEachPreset(&library.listOf(reference.from), [&](Preset& preset) {
     const std::string referred(reference.name(preset));
     const bool isKnown = !referred.empty() || preset.isFileWhole();
     if (isKnown && fncmp(referred.c_str(), name.c_str()) == 0) referrers.push_back(&preset);

@@ -45,19 +45,6 @@ std::string kindOf(const Preset& preset) {
   return kindName(static_cast<std::uint32_t>(preset.getPresetType()));
 }
 
-PresetList& listOf(PresetManager& library, std::uint32_t kind) {
-  switch (kind) {
-    case kVelocityMapKind:
-      return library.velocityMaps();
-    case kEffectsKind:
-      return library.effects();
-    case kProgramKind:
-      return library.programs();
-    default:
-      return library.sessions();
-  }
-}
-
 std::string quoted(const std::string& heldName) {
   std::string text = "\"";
   appendHeldName(text, std::cerr, heldName);
@@ -207,7 +194,7 @@ std::vector<const Preset*> namesakesOf(PresetManager& library,
                                        const std::vector<Renamed>& renames) {
   std::vector<const Preset*> namesakes(renames.size(), nullptr);
   for (const PresetKind kind : {kVelocityMapKind, kEffectsKind, kProgramKind, kSessionKind}) {
-    const PresetList* list = &listOf(library, kind);
+    const PresetList* list = &library.listOf(kind);
     std::unordered_multimap<std::uint32_t, std::size_t> byName;
     for (std::size_t i = 0; i < renames.size(); ++i) {
       if (renames[i].preset->getPresetType() == list->getPresetType())
@@ -248,8 +235,8 @@ std::vector<ReferenceTarget> targetsBefore(PresetManager& library,
   std::vector<ReferenceTarget> targets;
   for (const auto* reference :
        {&kProgramEffectsReference, &kSessionProgramReference, &kSessionVelocityMapReference}) {
-    const PresetList& referred = listOf(library, reference->to);
-    forEachPreset(&listOf(library, reference->from), [&](const Preset& preset) {
+    const PresetList& referred = library.listOf(reference->to);
+    forEachPreset(&library.listOf(reference->from), [&](const Preset& preset) {
       const std::string name(reference->name(preset));
       if (hashes.contains(fncmpHash(name.c_str())))
         targets.push_back({reference, &preset, referred.findPreset(name.c_str())});
@@ -287,7 +274,7 @@ NoteLines notesOfRepair(PresetManager& library, const std::vector<Renamed>& rena
   std::vector<std::pair<const ReferenceTarget*, const Preset*>> redirected;
   for (const ReferenceTarget& target : before) {
     const std::string name(target.reference->name(*target.referrer));
-    const Preset* now = listOf(library, target.reference->to).findPreset(name.c_str());
+    const Preset* now = library.listOf(target.reference->to).findPreset(name.c_str());
     // Two presets of one place: a repair was stopped when its file had both names.
     if (target.preset != nullptr && now != nullptr && now->fileRef() != target.preset->fileRef())
       redirected.emplace_back(&target, now);

@@ -143,15 +143,7 @@ ChangeRecord::ChangeRecord() : _recorder(std::make_unique<Recorder>(host().calls
 ChangeRecord::~ChangeRecord() = default;
 
 std::vector<FileChange> ChangeRecord::changesIn(const FSRef& folder) const {
-  std::vector<FileChange> changes = _recorder->changes();
-  if (!nodes().contains(folder.node)) return changes;
-  const std::string above = nodes().path(folder.node) + "/";
-  for (FileChange& change : changes) {
-    for (std::string* path : {&change.path, &change.newPath}) {
-      if (path->starts_with(above)) path->erase(0, above.size());
-    }
-  }
-  return changes;
+  return relativeTo(folder, _recorder->changes());
 }
 
 }  // namespace cairnset

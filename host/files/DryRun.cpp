@@ -1,7 +1,5 @@
 #include "host/files/DryRun.h"
 
-#include <string>
-
 #include "host/Host.h"
 #include "host/files/Overlay.h"
 
@@ -16,15 +14,7 @@ DryRun::~DryRun() {
 }
 
 std::vector<FileChange> DryRun::changesIn(const FSRef& folder) const {
-  std::vector<FileChange> changes = _overlay->changes();
-  if (!nodes().contains(folder.node)) return changes;
-  const std::string above = nodes().path(folder.node) + "/";
-  for (FileChange& change : changes) {
-    for (std::string* path : {&change.path, &change.newPath}) {
-      if (path->starts_with(above)) path->erase(0, above.size());
-    }
-  }
-  return changes;
+  return relativeTo(folder, _overlay->changes());
 }
 
 bool DryRun::hasMetReadOnly() const {

@@ -1,7 +1,10 @@
-// One step of what a run would change on the disk, as a dry run reports it.
+// One step of what a run changes on the disk, or would change if it were not a dry run.
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "host/HostTypes.h"
 
 namespace cairnset {
 
@@ -20,5 +23,9 @@ struct FileChange {
   std::string path;  // absolute, as it is at that moment
   std::string newPath = {};
 };
+
+/// The changes, with all paths that are below the folder relative to it.
+[[nodiscard]] std::vector<FileChange> relativeTo(const FSRef& folder,
+                                                 std::vector<FileChange> changes);
 
 }  // namespace cairnset
