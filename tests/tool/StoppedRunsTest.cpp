@@ -3,6 +3,8 @@
 // or from some moment on, no reference breaks unreported, or for good. What others put into the
 // library meanwhile is never lost.
 
+#include <atomic>
+
 #include "tests/PresetFile.h"
 #include "tool/CommandLine.h"
 
@@ -212,7 +214,7 @@ TEST_F(StoppedRunsTest, NoReferenceBreaksUnreportedOrForGood) {
     for (const auto& [volume, error] : {std::pair(1, EIO), {1, EACCES}, {2, EACCES}, {3, EIO}}) {
       for (const auto& [name, failing] : kFailing) {
         for (const bool isForEver : {true, false}) {
-          long calls = 0;
+          std::atomic<long> calls = 0;  // also by threads that read ahead
           for (long first = isForEver || isComplete ? 1 : 1 + runs % 29;
                calls + 1 >= first && !HasFailure(); first += isComplete ? 1 : 71) {
             SCOPED_TRACE(command.front() + ", volume " + std::to_string(volume) + ", " + name +
@@ -221,7 +223,10 @@ TEST_F(StoppedRunsTest, NoReferenceBreaksUnreportedOrForGood) {
             setVolume(volume), make();
             calls = 0, ++runs;
             failure = error;
-            failing([&] { return ++calls == first || (isForEver && calls > first); });
+            failing([&] {
+              const long call = ++calls;
+              return call == first || (isForEver && call > first);
+            });
             const Items left = run(command);
             EXPECT_TRUE(isReported || !breaks(left)) << "unreported";
             EXPECT_TRUE(isOnlyWhatChanges(left));
@@ -247,7 +252,7 @@ TEST_F(StoppedRunsTest, NothingIsLostThatOthersPutThere) {
       std::string theirs = library.at(place);
       theirs.back() = '~';
       write("theirs", theirs);
-      long calls = 0;
+      std::atomic<long> calls = 0;
       const auto act = [&, at] {
         return ++calls == at && (fs::rename(path("theirs"), path("lib/Presets/" + place)), false);
       };
