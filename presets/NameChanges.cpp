@@ -245,7 +245,7 @@ class Planner {
       if (FSPathMakeRef((start + split.folder + '.').c_str(), &folder, nullptr) != noErr) continue;
       const std::u16string name = unicodeFromVolumeName(split.name);
       const std::string heldName = heldNameFromVolumeName(split.name);
-      const auto found = presetsWhere(allLists(), [&](const Preset& preset) {
+      auto found = presetsWhere(allLists(), [&](const Preset& preset) {
         if (preset.getParentFolderID() != folder.node) return false;
         return _newNames.contains(&preset) ? nameOf(preset) == heldName
                                            : unicodeNameOf(preset.fileRef()) == name;
@@ -255,7 +255,7 @@ class Planner {
     for (const std::string& start : starts) {
       FSRef file;
       if (FSPathMakeRef((start + path).c_str(), &file, nullptr) != noErr) continue;
-      const auto found = presetsWhere(allLists(), [&](const Preset& preset) {
+      auto found = presetsWhere(allLists(), [&](const Preset& preset) {
         return preset.fileRef() == file && !_newNames.contains(&preset);
       });
       if (!found.empty()) return found;
@@ -284,7 +284,7 @@ class Planner {
     std::string path = nameOf(preset);
     FSRef folder = folderOf(preset.fileRef());
     while (folder.node != 0 && folder != _library.presetsFolder()) {
-      path = heldNameFromUnicode(unicodeNameOf(folder)) + '/' + path;
+      path.insert(0, heldNameFromUnicode(unicodeNameOf(folder)).append(1, '/'));
       folder = folderOf(folder);
     }
     return path;

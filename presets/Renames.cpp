@@ -76,6 +76,7 @@ void rewriteInOrder(std::vector<Relinked*>& rewrites, Relinks relinks) {
 
 std::vector<Relinked> asRelinked(const std::vector<Preset*>& referrers) {
   std::vector<Relinked> relinked;
+  relinked.reserve(referrers.size());
   for (Preset* preset : referrers)
     relinked.push_back({preset, preset->getTreeItemName()});
   return relinked;

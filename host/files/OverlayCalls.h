@@ -44,7 +44,7 @@ class SpinningMutex : public std::recursive_mutex {
 /// threads wait for. Threads only read; they get numbers of files that no one else uses.
 class Overlay::Calls {
  public:
-  explicit Calls(const SystemCalls& table) : real(table) {}
+  explicit Calls(SystemCalls table) : real(std::move(table)) {}
 
   SystemCalls table();
   std::vector<FileChange> changes() const { return _tree.changes(); }

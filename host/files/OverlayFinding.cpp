@@ -56,6 +56,7 @@ OverlayTree::Found Overlay::Calls::findFollowing(int folder, const char* path) {
 }
 
 // Component by component, since a link on the disk can lead to what is only in memory.
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): one loop over the components
 char* Overlay::Calls::realpath(const char* path, char* resolved) {
   if (*path == '\0') return fail(ENOENT), nullptr;
   char text[PATH_MAX];
@@ -73,7 +74,8 @@ char* Overlay::Calls::realpath(const char* path, char* resolved) {
       done.resize(done.empty() ? 0 : done.rfind('/'));
       continue;
     }
-    const std::string place = done + "/" + name;
+    std::string place = done;
+    place.append("/").append(name);
     struct stat info;
     if (lstat(AT_FDCWD, place.c_str(), &info) != 0) return nullptr;
     if (S_ISLNK(info.st_mode)) {
@@ -89,7 +91,8 @@ char* Overlay::Calls::realpath(const char* path, char* resolved) {
   }
   if (done.empty()) done = "/";
   if (done.size() >= PATH_MAX) return fail(ENAMETOOLONG), nullptr;
-  return std::strcpy(resolved, done.c_str());
+  resolved[done.copy(resolved, PATH_MAX - 1)] = '\0';
+  return resolved;
 }
 
 // The folder above is resolved, links and all, as the system does for every call but open.

@@ -187,7 +187,8 @@ void BrumePrefs::readLastRunTime() {
     createFile(_prefs_ref, kTimeoutName);
     _last_run_time = 0;
   }
-  const std::int16_t fork = file.result == noErr ? openDataFork(file.ref, fsRdWrPerm) : 0;
+  const std::int16_t fork =
+      file.result == noErr ? openDataFork(file.ref, fsRdWrPerm) : std::int16_t{0};
   if (fork == 0) return;
   TimeoutBytes bytes = {};
   const OSErr result = FSReadFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);
@@ -201,7 +202,8 @@ void BrumePrefs::resetLastRunTime() {
   _last_run_time = std::time(nullptr);
   Item file = findItem(_prefs_ref, kTimeoutName);
   if (file.result == fnfErr) file = createFile(_prefs_ref, kTimeoutName);
-  const std::int16_t fork = file.result == noErr ? openDataFork(file.ref, fsRdWrPerm) : 0;
+  const std::int16_t fork =
+      file.result == noErr ? openDataFork(file.ref, fsRdWrPerm) : std::int16_t{0};
   if (fork == 0) return;
   const TimeoutBytes bytes = encodeTimeout(_last_run_time);
   (void)FSWriteFork(fork, fsFromStart, 0, bytes.size(), bytes.data(), nullptr);

@@ -34,6 +34,7 @@ void writeWithoutMemory(std::string_view text) {
   (void)!::write(STDERR_FILENO, text.data(), text.size());
 }
 
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): one case for each kind of argument
 GivenOptions readOptions(int argc, char** argv, std::span<const OptionName> names) {
   using Fault = GivenOptions::Fault;
   constexpr int kFirstWord = 256;  // words are numbered from here, above all letters
