@@ -120,7 +120,7 @@ class SettingTexts {
                       : real != nullptr ? std::bit_cast<std::uint32_t>(*real)
                                         : 0;
     const std::uint64_t key = std::uint64_t{setting.tag} << 32 | bits;
-    Slot& slot = _slots[key * kSpread >> (64 - kSlotBits)];
+    Slot& slot = _slots[static_cast<std::size_t>(key * kSpread >> (64 - kSlotBits))];
     if (slot.key == key && text == nullptr) return slot.text;
     slot = {key, ""};
     JsonWriter json([&slot](std::string_view piece) { slot.text += piece; });
@@ -237,7 +237,8 @@ void LibraryWriter::writePreset(const Preset& preset) {
 
   _json.key("references").beginArray();
   for (const PresetReference* reference : kPresetReferences) {
-    if (reference->from == preset.getPresetType()) writeReference(preset, *reference);
+    if (static_cast<long>(reference->from) == preset.getPresetType())
+      writeReference(preset, *reference);
   }
   _json.endArray();
 
