@@ -7,10 +7,9 @@
 //      to the disk.
 //   2. Those that named it are rewritten, each by one write that no stop can cut in two, and
 //      flushed.
-//   3. The old names are removed. One that a referrer may still need is not: if a referrer could
-//   not
-//      be written or flushed, or the load has passed over files of its kind. The next call goes on
-//      from there.
+//   3. The old names are removed. One that a referrer may still need is not: if a referrer
+//      could not be written or flushed, or the load has passed over files of its kind. The next
+//      call goes on from there.
 //
 // Old and new name both lead to the file until nothing needs the old one. After a stop, the next
 // call still finds the preset under its old name, and sees that the new name is the same file.
