@@ -174,7 +174,10 @@ void checkTree(char command, const Tree& before, const Tree& after) {
 void checkCommand(char command) {
   const std::string option{'-', command};
   const Tree before = tree();
-  check(run({option}) == kSuccess, "it succeeds", option);
+  const int status = run({option});
+  // Old names stay where something was passed over that may need them.
+  if (command == 'z' && status == kReferencesNotWritten) return;
+  check(status == kSuccess, "it succeeds", option);
   Tree after = tree();
   checkTree(command, before, after);
   // It can take several runs. If there are several "Default"s, another one can now be the first and
