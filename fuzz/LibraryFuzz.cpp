@@ -220,6 +220,7 @@ void checkLibrary(Input& input) {
   for (int rounds = 0; before != tree(); ++rounds) {
     before = tree();
     const int all = run({"-hszpd", "-r"});
+    if (all == kReferencesNotWritten) return;
     check((all == 0 || all == 11) && rounds < 10, "all commands at once come to an end");
   }
 }
