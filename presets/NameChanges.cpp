@@ -27,7 +27,8 @@ constexpr std::size_t kMostCharacters = PresetReference::kWidth - 1;
 std::u16string unicodeNameOf(const FSRef& place) {
   HFSUniStr255 name;
   placeOf(place, nullptr, &name);
-  return {name.unicode, name.length};
+  // Clang 13 fails to link the constructor from a pointer and a length.
+  return std::u16string().append(name.unicode, name.length);
 }
 
 FSRef folderOf(const FSRef& place) {
