@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "host/files/ChangeRecord.h"
 #include "host/files/DryRun.h"
 #include "host/files/FileManager.h"
 #include "host/files/FileSystemHelpers.h"
@@ -93,6 +94,7 @@ struct Library::State {
   static bool isAnyOpen;
 
   std::optional<DryRun> dryRun;
+  std::optional<ChangeRecord> record;  // of the dry run
   std::optional<HeldFolder> folder;
   PresetManager manager{nullptr};
   bool isStale = true;  // what follows
@@ -103,7 +105,10 @@ struct Library::State {
 bool Library::State::isAnyOpen = false;
 
 Library::Error Library::State::load(const std::string& path, Access access) {
-  if (access == Access::kDryRun) dryRun.emplace();
+  if (access == Access::kDryRun) {
+    dryRun.emplace();
+    record.emplace();
+  }
   FSRef items, presetsFolder;
   bool isFolder = false;
   OSStatus result = FSPathMakeRef(path.c_str(), &items, &isFolder);
@@ -302,8 +307,8 @@ std::vector<Library::Rename> Library::nameRepairs() const {
 
 std::vector<Library::Change> Library::changes() const {
   std::vector<Change> changes;
-  if (!isOpen() || !_state->dryRun) return changes;
-  for (const FileChange& change : _state->dryRun->changesIn(_state->manager.presetsFolder()))
+  if (!isOpen() || !_state->record) return changes;
+  for (const FileChange& change : _state->record->changesIn(_state->manager.presetsFolder()))
     changes.push_back({static_cast<Change::Action>(change.kind), change.path, change.newPath});
   return changes;
 }

@@ -263,12 +263,12 @@ int runSession(int argc, char** argv) {
   std::cout.flush();  // loading can take a while
   std::optional<DryRun> dryRun;
   if (status == kSuccess && (flags & kDryRun) != 0) dryRun.emplace();
-  std::optional<ChangeRecord> record;  // also of what is only rehearsed
-  if ((flags & (kJson | kHtml)) != 0) record.emplace();
+  std::optional<ChangeRecord> record;
+  if (dryRun || (flags & (kJson | kHtml)) != 0) record.emplace();
   std::optional<ReplacedFile> page;
   if (path != nullptr) page.emplace(path);
   if (status == kSuccess) status = runOnLibrary(flags, *nameChanges, page, path);
-  if (dryRun) listChanges(*dryRun);
+  if (dryRun) listChanges(*record, *dryRun);
   if (page && _s != nullptr && writePage(*page, resultOf(status, record)) != kSuccess) {
     complainOfPage(path, kPageNotWritten, kReportNotWritten);
     if (status == kSuccess) status = kReportNotWritten;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/files/ChangeRecord.h"
 #include "host/files/DryRun.h"
 #include "host/terminal/ReportText.h"
 #include "presets/PresetManager.h"
@@ -36,9 +37,9 @@ std::string lineFor(const FileChange& change) {
 
 }  // namespace
 
-void listChanges(const DryRun& dryRun) {
+void listChanges(const ChangeRecord& record, const DryRun& dryRun) {
   const FSRef library = _pm != nullptr ? _pm->itemsFolder() : FSRef();
-  const std::vector<FileChange> changes = dryRun.changesIn(library);
+  const std::vector<FileChange> changes = record.changesIn(library);
   std::cout << "\nChanges that were not made:\n";
   for (const FileChange& change : changes) {
     writeGivenText(std::cout, lineFor(change));

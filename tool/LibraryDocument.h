@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "host/files/FileChange.h"
+#include "host/files/ChangeRecord.h"
 
 namespace cairnset {
 

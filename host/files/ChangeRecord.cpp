@@ -138,12 +138,22 @@ class ChangeRecord::Recorder {
   std::vector<FileChange> _changes;
 };
 
-ChangeRecord::ChangeRecord() : _recorder(std::make_unique<Recorder>(host().calls)) {}
+ChangeRecord::ChangeRecord() : ChangeRecord(host().calls) {}
+
+ChangeRecord::ChangeRecord(SystemCalls& calls) : _recorder(std::make_unique<Recorder>(calls)) {}
 
 ChangeRecord::~ChangeRecord() = default;
 
 std::vector<FileChange> ChangeRecord::changesIn(const FSRef& folder) const {
-  return relativeTo(folder, _recorder->changes());
+  std::vector<FileChange> changes = _recorder->changes();
+  if (!nodes().contains(folder.node)) return changes;
+  const std::string above = nodes().path(folder.node) + "/";
+  for (FileChange& change : changes) {
+    for (std::string* path : {&change.path, &change.newPath}) {
+      if (path->starts_with(above)) path->erase(0, above.size());
+    }
+  }
+  return changes;
 }
 
 }  // namespace cairnset

@@ -1,19 +1,40 @@
-// What a run changes on the disk, for those who want to know.
+// What a run changes on the disk, or in a dry run would change.
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "host/HostTypes.h"
-#include "host/files/FileChange.h"
 
 namespace cairnset {
 
-/// As long as this object lives, it records what the host in use changes. What is open at its start
-/// is not known to it.
+struct SystemCalls;
+
+/// One step.
+struct FileChange {
+  enum class Kind {
+    kMakeFolder,
+    kMake,     // a file, an alias, or a second name of a file
+    kRename,   // within its folder
+    kMove,     // to another folder, perhaps under another name
+    kReplace,  // `newPath`, by the item at `path`
+    kRewrite,
+    kDelete,
+  };
+
+  Kind kind;
+  std::string path;  // absolute, as it is at that moment
+  std::string newPath = {};
+  bool operator==(const FileChange&) const = default;
+};
+
+/// As long as this object lives, it records what is changed through a table of system calls, by
+/// default that of the host in use. What is open at its start is not known to it.
 class ChangeRecord {
  public:
   ChangeRecord();
+  explicit ChangeRecord(SystemCalls& calls);
   ~ChangeRecord();
   ChangeRecord(const ChangeRecord&) = delete;
   ChangeRecord& operator=(const ChangeRecord&) = delete;

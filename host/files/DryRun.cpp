@@ -13,10 +13,6 @@ DryRun::~DryRun() {
   host().calls = _overlay->real();
 }
 
-std::vector<FileChange> DryRun::changesIn(const FSRef& folder) const {
-  return relativeTo(folder, _overlay->changes());
-}
-
 bool DryRun::hasMetReadOnly() const {
   return _overlay->hasMetReadOnly();
 }

@@ -2,17 +2,15 @@
 #pragma once
 
 #include <memory>
-#include <vector>
-
-#include "host/HostTypes.h"
-#include "host/files/FileChange.h"
 
 namespace cairnset {
 
 class Overlay;
 
 /// As long as this object lives, the host in use reads the disk and writes to memory only. Files,
-/// iterators and whatever else was opened in that time must be closed before its end.
+/// iterators and whatever else was opened in that time must be closed before its end. A
+/// ChangeRecord (host/files/ChangeRecord.h) that begins after it and ends before it has what it
+/// would change.
 class DryRun {
  public:
   DryRun();
@@ -20,9 +18,6 @@ class DryRun {
   DryRun(const DryRun&) = delete;
   DryRun& operator=(const DryRun&) = delete;
 
-  /// The changes so far, in order; what would be done twice to one file, once. The paths of what is
-  /// below the folder are relative to it, all others absolute. They have the volume's bytes.
-  [[nodiscard]] std::vector<FileChange> changesIn(const FSRef& folder) const;
   /// True if something that cannot be written was counted as if it could.
   [[nodiscard]] bool hasMetReadOnly() const;
 

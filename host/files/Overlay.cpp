@@ -52,10 +52,6 @@ const SystemCalls& Overlay::real() const {
   return _implementation->real;
 }
 
-std::vector<FileChange> Overlay::changes() const {
-  return _implementation->changes();
-}
-
 bool Overlay::hasMetReadOnly() const {
   return _implementation->hasMetReadOnly;
 }

@@ -7,9 +7,7 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
-#include "host/files/FileChange.h"
 #include "host/files/SystemCalls.h"
 
 namespace cairnset {
@@ -28,8 +26,6 @@ class Overlay {
   /// What it was laid over.
   [[nodiscard]] const SystemCalls& real() const;
 
-  /// What was changed, in order.
-  [[nodiscard]] std::vector<FileChange> changes() const;
   /// True once a file was opened for writing, or a folder to find things in or for a change, that
   /// the system would not let be written.
   [[nodiscard]] bool hasMetReadOnly() const;

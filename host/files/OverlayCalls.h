@@ -47,7 +47,6 @@ class Overlay::Calls {
   explicit Calls(SystemCalls table) : real(std::move(table)) {}
 
   SystemCalls table();
-  std::vector<FileChange> changes() const { return _tree.changes(); }
 
   const SystemCalls real;
   std::atomic<bool> hasMetReadOnly = false;
@@ -55,7 +54,6 @@ class Overlay::Calls {
  private:
   using Item = OverlayItem;
   using Found = OverlayTree::Found;
-  using Step = OverlayTree::Step;
   using Lock = std::unique_lock<SpinningMutex>;
 
   static constexpr int kFirstNumber = 1 << 30;  // far above any that the system gives out

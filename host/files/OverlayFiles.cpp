@@ -194,7 +194,6 @@ bool Overlay::Calls::load(Item& file, int descriptor) {
 void Overlay::Calls::changed(Item& file) {
   file.info.st_size = static_cast<off_t>(file.bytes.size());
   file.touch(true);
-  if (!std::exchange(file.isTold, true)) _tree.note(Step::kRewrite, file, file.path());
 }
 
 ssize_t Overlay::Calls::pwrite(int number, const void* buffer, std::size_t count, off_t offset) {

@@ -53,9 +53,8 @@ int Overlay::Calls::create(int folder, const char* path, mode_t kind, std::strin
   item.info.st_gid = ::getegid();
   item.info.st_size = static_cast<off_t>(target.size());
   item.bytes = target;
-  item.hasBytes = item.isTold = true;
+  item.hasBytes = true;
   _tree.setName(*spot.folder, spot.name, item);
-  _tree.note(S_ISDIR(kind) ? Step::kMakeFolder : Step::kMake, item, spot.path());
   if (!S_ISREG(kind)) return 0;
   Open open;
   open.item = &item;
@@ -85,7 +84,6 @@ int Overlay::Calls::rename(int oldFolder, const char* oldPath, int newFolder, co
   if (!isOneVolume(*from.folder, *to.folder)) return fail(EXDEV);
   checkFolder(from);
   checkFolder(to);
-  _tree.note(there != nullptr ? Step::kReplace : Step::kRename, *item, from.path(), to.path());
   if (there != nullptr) _tree.removeName(*to.folder, to.name, *there);
   _tree.setName(*to.folder, to.name, *item);
   _tree.removeName(*from.folder, from.name, *item);
@@ -103,7 +101,6 @@ int Overlay::Calls::link(int oldFolder, const char* oldPath, int newFolder, cons
   if (!isOneVolume(*from.folder, *to.folder)) return fail(EXDEV);
   if (item->isFolder()) return fail(EPERM);
   checkFolder(to);
-  _tree.note(Step::kLink, *item, from.path(), to.path());
   _tree.setName(*to.folder, to.name, *item);
   return 0;
 }
@@ -118,7 +115,6 @@ int Overlay::Calls::unlink(int folder, const char* path, int flags) {
   if (item->isFolder() != isForFolders) return fail(isForFolders ? ENOTDIR : EISDIR);
   if (isForFolders && !isEmpty(*item)) return fail(ENOTEMPTY);
   checkFolder(spot);
-  _tree.note(Step::kRemove, *item, spot.path());
   _tree.removeName(*spot.folder, spot.name, *item);
   return 0;
 }

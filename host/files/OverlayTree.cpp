@@ -16,10 +16,6 @@ std::string_view takeName(std::string_view& path) {
   return name;
 }
 
-std::string_view folderOf(std::string_view path) {
-  return path.substr(0, path.rfind('/'));
-}
-
 }  // namespace
 
 void OverlayItem::touch(bool bytesToo) {
@@ -143,40 +139,6 @@ void OverlayTree::removeName(OverlayItem& folder, const std::string& name, Overl
   folder.entries[name] = nullptr;
   --item.info.st_nlink;
   item.touch(false);
-}
-
-void OverlayTree::note(Step step, const OverlayItem& item, std::string path, std::string newPath) {
-  _journal.push_back({step, &item, std::move(path), std::move(newPath)});
-}
-
-// A second name, and later the first one taken away, is a rename at the time of the first step.
-std::vector<FileChange> OverlayTree::changes() const {
-  using Kind = FileChange::Kind;
-  std::map<std::pair<const OverlayItem*, std::string_view>, std::size_t> secondNames;
-  std::vector<FileChange> all;
-  const auto moved = [](const std::string& path, const std::string& newPath) {
-    const bool isRename = folderOf(path) == folderOf(newPath);
-    return FileChange{isRename ? Kind::kRename : Kind::kMove, path, newPath};
-  };
-  for (const auto& [step, item, path, newPath] : _journal) {
-    const auto second = secondNames.find({item, path});
-    if (step == Step::kMakeFolder) all.push_back({Kind::kMakeFolder, path});
-    if (step == Step::kMake) all.push_back({Kind::kMake, path});
-    if (step == Step::kRename) all.push_back(moved(path, newPath));
-    if (step == Step::kReplace) all.push_back({Kind::kReplace, path, newPath});
-    if (step == Step::kRewrite) all.push_back({Kind::kRewrite, path});
-    if (step == Step::kLink) {
-      secondNames[{item, path}] = all.size();
-      all.push_back({Kind::kMake, newPath});
-    }
-    if (step == Step::kRemove && second == secondNames.end()) all.push_back({Kind::kDelete, path});
-    if (step == Step::kRemove && second != secondNames.end()) {
-      FileChange& first = all[second->second];
-      first = moved(path, first.path);
-      secondNames.erase(second);
-    }
-  }
-  return all;
 }
 
 }  // namespace cairnset

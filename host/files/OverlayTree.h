@@ -15,8 +15,6 @@
 #include <utility>
 #include <vector>
 
-#include "host/files/FileChange.h"
-
 namespace cairnset {
 
 /// A folder in use, or a file or link that was changed, made, or given another name. It lives as
@@ -41,7 +39,6 @@ struct OverlayItem {
   Entries entries;                                // of a folder
   bool hasBytes = false;                          // of a file: or else the disk has them
   std::string bytes;                              // of a file, or a link's target
-  bool isTold = false;                            // made or rewritten, as the journal says
   std::map<std::string, std::string> attributes;  // those that were set
 
   bool isFolder() const { return S_ISDIR(info.st_mode); }
@@ -83,20 +80,8 @@ class OverlayTree {
   void setName(OverlayItem& folder, const std::string& name, OverlayItem& item);
   void removeName(OverlayItem& folder, const std::string& name, OverlayItem& item);
 
-  // The journal. Paths are absolute, as the overlay shows them at that moment.
-  enum class Step { kMakeFolder, kMake, kLink, kRename, kReplace, kRemove, kRewrite };
-  void note(Step step, const OverlayItem& item, std::string path, std::string newPath = {});
-  std::vector<FileChange> changes() const;
-
  private:
-  struct Record {
-    Step step;
-    const OverlayItem* item;
-    std::string path, newPath;
-  };
-
   std::deque<OverlayItem> _items;
-  std::vector<Record> _journal;
   ino_t _last_number = 0;
 };
 

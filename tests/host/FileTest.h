@@ -2,6 +2,7 @@
 // double cannot drift from the real calls.
 #pragma once
 
+#include "host/files/ChangeRecord.h"
 #include "host/files/Overlay.h"
 #include "tests/TestFolder.h"
 
@@ -124,7 +125,7 @@ class FileTest : public FolderTest, public testing::WithParamInterface<On> {
   }
 
   const SystemCalls& table() const {
-    const bool isOver = GetParam() == On::kOverlayOverDisk && _overlay.changes().empty();
+    const bool isOver = GetParam() == On::kOverlayOverDisk && _record.changesIn({}).empty();
     return isOver ? _disk : real;
   }
   static void make(int result, const std::string& name) {
@@ -161,7 +162,10 @@ class FileTest : public FolderTest, public testing::WithParamInterface<On> {
   Overlay _overlay{toReadOnly()};
 
  protected:
-  const SystemCalls real = GetParam() == On::kDisk ? SystemCalls() : _overlay.calls();
+  SystemCalls real = GetParam() == On::kDisk ? SystemCalls() : _overlay.calls();
+
+ private:
+  const ChangeRecord _record{real};
 };
 
 inline std::string nameOf(const testing::TestParamInfo<On>& on) {

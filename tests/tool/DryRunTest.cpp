@@ -2,6 +2,7 @@
 // library, lists the changes that lead there, and touches nothing.
 #include <unordered_map>
 
+#include "host/files/ChangeRecord.h"
 #include "host/files/DryRun.h"
 #include "presets/PresetManager.h"
 #include "presets/PresetReferences.h"
@@ -192,6 +193,7 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
     const HostInUse inUse(fresh);
     std::optional<DryRun> dry;
     if (isDry) dry.emplace();
+    const ChangeRecord record;
     TreeItem::_current_index = 1;
     Preset::_index_count = 100000;
     std::ostringstream out, err;
@@ -207,9 +209,8 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
     Run result{out.str() + "--\n" + err.str() + "--\n" + std::to_string(status), {}, {}};
     look(path(""), "/lib", result.items);
     FSRef top;
-    if (isDry && FSPathMakeRef(path("").c_str(), &top, nullptr) == noErr) {
-      result.changes = dry->changesIn(top);
-    }
+    if (FSPathMakeRef(path("").c_str(), &top, nullptr) == noErr)
+      result.changes = record.changesIn(top);
     return result;
   }
 
@@ -310,6 +311,7 @@ TEST_P(DryRunTest, ForeseesTheRealRun) {
     const Run real = run(options, false);
     ASSERT_EQ(dry.output, real.output);
     ASSERT_EQ(dry.items, real.items);
+    ASSERT_EQ(dry.changes, real.changes);
     ASSERT_EQ(expected, real.items);
     if (!isRename || !real.output.ends_with("--\n0")) continue;
     if (std::count(options.begin(), options.end(), "--relink") != 0) continue;
