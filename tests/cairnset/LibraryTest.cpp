@@ -8,7 +8,7 @@ namespace {
 using Access = Library::Access;
 using Kind = Library::Kind;
 
-class LibraryTest : public FolderTest {
+class LibraryTest : public MemoryTest {
  protected:
   LibraryTest() {
     for (const char* kind : {"Velocity Maps", "Effects", "Programs", "Sessions"})
@@ -79,7 +79,7 @@ TEST_F(LibraryTest, ReportsWhatCannotBeDoneAndLeavesTheDiskAsItIs) {
 
 TEST_F(LibraryTest, ShowsWhatWasPassedOverAndWhatIsDamaged) {
   write("lib/Presets/Programs/q", PresetFile{"Programs/q"}.bytes().substr(0, 200));
-  fs::remove_all(path("lib/Presets/Sessions"));
+  remove("lib/Presets/Sessions");
   write("lib/Presets/Sessions", "a file");
   ASSERT_FALSE(library.open(path("lib"), Access::kDryRun));
   EXPECT_TRUE(library.presets().back().isDamaged && library.presets().back().name == "q");

@@ -19,7 +19,7 @@ struct Answers {
 
 // How the program meets its preferences is in tests/transcripts/preferences.txt. Here the library
 // is a real folder in place of the alias.
-class BrumePrefsTest : public FolderTest {
+class BrumePrefsTest : public MemoryTest {
  protected:
   BrumePrefsTest() {
     makeFolder("Olvan Preferences/Olvan Items");
@@ -37,9 +37,9 @@ TEST_F(BrumePrefsTest, ChoosingAgainSparesAFullFolder) {
   const Answers answers(items + "\n" + library + "\n" + library + "\n", true);
   testing::internal::CaptureStderr();
   EXPECT_EQ(prefs.userSelectNewItemsPath() + prefs.userSelectNewItemsPath(), 0);
-  EXPECT_TRUE(fs::remove(items + "/kept"));
+  remove("Olvan Preferences/Olvan Items/kept");
   EXPECT_EQ(prefs.userSelectNewItemsPath(), 0);
-  EXPECT_EQ(fs::read_symlink(items), library);
+  EXPECT_EQ(TestFolder::items().at("Olvan Preferences/Olvan Items"), "->" + library);
   const std::string asked = "Please locate the Olvan Items folder.\nFolder: \n";
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             asked + asked + "Olvan reports a file system error while creating Olvan Items.\n" +

@@ -97,12 +97,12 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
   EXPECT_EQ(preset->moveToFolder(ref("into"), false), dupFNErr);
   EXPECT_EQ(preset->moveToFolder(ref("into"), true), dupFNErr);
   EXPECT_EQ(look("into"), "into/p=old into/two=old ") << "the host name is still one";
-  fs::remove(path("into/two"));
+  remove("into/two");
   write("into/one", "old");
   EXPECT_EQ(preset->moveToFolder(ref("into"), true), 1);
   EXPECT_FALSE(exists("into/one")) << "nor does it have to be in the way";
   makeFolder("on");
-  fs::create_hard_link(path("into/two"), path("on/one"));
+  hardLink("into/two", "on/one");
   EXPECT_EQ(preset->moveToFolder(ref("on"), true), 1);
   EXPECT_TRUE(exists("on/one") && exists("on/two")) << "it may be its only name";
   for (int round = 0; round < 2; ++round)
@@ -112,7 +112,7 @@ TEST_F(PresetFileTest, RenamingMovingAndComingBack) {
     EXPECT_EQ(other->moveToFolder(ref(folder), true), 1) << "an empty folder makes room too";
   EXPECT_EQ(other->getParentFolderID(), ref("into").node);
   EXPECT_EQ(read("into/p"), bytes);
-  fs::remove(path("into/p"));
+  remove("into/p");
   EXPECT_TRUE(other->writeOut() == 0 && other->status() == fnfErr)
       << "not open: told by the status";
   for (int round = 0; round < 2; ++round)

@@ -11,7 +11,7 @@ namespace cairnset {
 const std::string kRoot = "lib/Presets/Velocity Maps";
 
 // A library with one list that is loaded, that of the velocity maps.
-class PresetListTest : public FolderTest {
+class PresetListTest : public MemoryTest {
  protected:
   PresetListTest() {
     makeFolder("lib");
@@ -73,7 +73,7 @@ TEST_F(PresetListTest, HangsAPresetUnderTheLimbOfItsFolderAlsoOfOneThatCameBack)
   PresetLimb* limb = new PresetLimb;
   makeFolder(kRoot + "/f");
   const FSRef folder = ref(kRoot + "/f");
-  fs::remove(path(kRoot + "/f"));
+  remove(kRoot + "/f");
   limb->setSpec(folder), list.addLimb(limb);
   put(*this, PresetFile{"Velocity Maps/f/p"});
   load();
@@ -170,7 +170,7 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
       {"LLFFWWF", "LLFFWWFFLLLFFWWFFRURUR s 0 e -48 p 0 -46 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"},
       {"LLFFWWFFRRUL", "LLFFWWFFRRULLFWFRUWRR s 0 e -48 p 0 0 q 0 0 v 0 s 0 0 p 0 s 0 0 e 0"}};
   for (const auto& [fails, report] : cases) {
-    fs::remove_all(path("lib/Presets"));
+    if (exists("lib/Presets")) remove("lib/Presets");
     for (const char* name : {"Velocity Maps/v", "Effects/e", "Effects/User/e", "Programs/p",
                              "Programs/q", "Sessions/s"})
       put(*this, PresetFile{name, true, 1, {*name == 'S' ? "v" : "e", "p"}});
@@ -199,14 +199,14 @@ TEST_F(PresetListTest, RenamesInASafeOrderAndReportsWhatFailed) {
       for (const auto& [preset, name, written, flushed] : renamed.referrers)
         shown += ' ' + name + ' ' + std::to_string(written) + ' ' + std::to_string(flushed);
     }
-    s = SystemCalls();
+    s = toSee();
     EXPECT_EQ(order + shown, report);
   }
 }
 
 TEST_F(PresetListTest, WhatALoadHasWrittenIsReadAfterIt) {
   write("lib/Presets/Programs/p", ""), makeFolder("lib/Presets/Effects");
-  fs::create_hard_link(path("lib/Presets/Programs/p"), path("lib/Presets/Effects/Default"));
+  hardLink("lib/Presets/Programs/p", "lib/Presets/Effects/Default");
   manager.openAllPresets();
   EXPECT_EQ(manager.findings().count(FindingSort::kOtherKind, kProgramKind), 1u)
       << "an effects preset by now";
@@ -227,7 +227,7 @@ TEST_F(PresetListTest, WhatCannotBeMadeHarmsNothing) {
                 return (flags & O_CREAT) != 0 ? failWith(EACCES) : open(folder, path, flags, mode);
               });
     load();
-    host().calls = SystemCalls();
+    host().calls = toSee();
     EXPECT_EQ(shown(), "mine ROM 0; ") << "in memory alone";
     EXPECT_TRUE(list.savePreset(0) == 0 && list.presetAt(0)->status() == permErr);
     EXPECT_EQ(list.newPreset(pascal("new"), true, true), hasUserFolder ? noErr : permErr);
@@ -242,7 +242,7 @@ TEST_F(PresetListTest, WhatCannotBeMadeHarmsNothing) {
 TEST_F(PresetListTest, SynchronisingAndPresetsAtTheTop) {
   manager.openAllPresets();
   const std::string bytes = read("lib/Presets/Effects/Default");
-  fs::remove(path("lib/Presets/Effects/Default"));
+  remove("lib/Presets/Effects/Default");
   manager.synchronizePresetList(0x12345678), manager.synchronizePresetList(kProgramKind);
   EXPECT_FALSE(exists("lib/Presets/Effects/Default"));
   write("lib/Presets/Effects/New", bytes);
@@ -281,7 +281,7 @@ TEST_F(PresetListTest, PositionsAndSaving) {
   EXPECT_FALSE(list.isDefault(0)) << "it has to be ROM";
   manager.sessions().setUserFolder(FSRef()), manager.sessions().deletePreset(0);
   EXPECT_EQ(manager.sessions().count(), 1) << "unconfirmed";
-  fs::remove_all(path("lib/Presets/Effects"));
+  remove("lib/Presets/Effects");
   PresetManager copy(manager);
   FSRef folder;
   EXPECT_EQ(copy.velocityMaps().currentPreset(), byDefault);

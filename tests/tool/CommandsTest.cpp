@@ -17,7 +17,7 @@ struct Redirection {
   ~Redirection() { stream.rdbuf(before); }
 };
 
-class CommandsTest : public FolderTest {
+class CommandsTest : public MemoryTest {
  protected:
   CommandsTest() {
     for (const PresetFile& preset : library)

@@ -72,12 +72,11 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
       case 0:
         return makeFolder(place);
       case 1:
-        return fs::create_symlink(_last.empty() ? "nowhere" : path(_last), path(place));
+        return symlink(_last.empty() ? "nowhere" : path(_last), place);
       case 2:
         if (_last.empty()) break;
         // As a repair that was stopped leaves it, or anywhere.
-        return fs::create_hard_link(path(_last),
-                                    path(exists(repaired(_last)) ? place : repaired(_last)));
+        return hardLink(_last, exists(repaired(_last)) ? place : repaired(_last));
       case 3:
         bytes.resize(below(bytes.size()));
         break;
@@ -155,33 +154,6 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
     return text.str();
   }
 
-  // What the host in use sees.
-  static void look(const std::string& top, const std::string& name, Items& all) {
-    const SystemCalls& calls = host().calls;
-    std::string bytes(5000, '?');
-    struct stat info = {};
-    if (calls.lstat(AT_FDCWD, (top + name).c_str(), &info) != 0) return;
-    const int item =
-        calls.open(AT_FDCWD, (top + name).c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC, 0);
-    if (S_ISREG(info.st_mode)) {
-      bytes.resize(static_cast<std::size_t>(calls.pread(item, bytes.data(), bytes.size(), 0)));
-      all[name] = "=" + bytes;
-      calls.close(item);
-    } else if (S_ISLNK(info.st_mode)) {
-      bytes.resize(static_cast<std::size_t>(
-          calls.readlink(AT_FDCWD, (top + name).c_str(), bytes.data(), bytes.size())));
-      all[name] = "->" + bytes;
-    } else {
-      all[name] = "/";
-      DIR* const listing = calls.fdopendir(item);
-      while (const struct dirent* entry = calls.readdir(listing)) {
-        if (entry->d_name[0] == '.' && std::strchr("./", entry->d_name[1]) != nullptr) continue;
-        look(top, name + "/" + entry->d_name, all);
-      }
-      calls.closedir(listing);
-    }
-  }
-
   struct Run {
     std::string output;
     Items items;
@@ -207,7 +179,9 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
     const int status = runCommandLine(static_cast<int>(words.size()), arguments.data());
     std::cout.rdbuf(before[0]), std::cerr.rdbuf(before[1]);
     Run result{out.str() + "--\n" + err.str() + "--\n" + std::to_string(status), {}, {}};
-    look(path(""), "/lib", result.items);
+    _seen = &host().calls;
+    result.items = items();
+    _seen = nullptr;
     FSRef top;
     if (FSPathMakeRef(path("").c_str(), &top, nullptr) == noErr)
       result.changes = record.changesIn(top);
@@ -253,10 +227,9 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
       ::lstat(path(item).c_str(), &info);
       int& number = numbers[info.st_ino];
       if (number == 0) number = ++last;
-      contents[files["/" + item] = number] = content;
+      contents[files[item] = number] = content;
     }
-    for (const auto& [kind, relative, newRelative] : changes) {
-      const std::string from = "/" + relative, to = "/" + newRelative;
+    for (const auto& [kind, from, to] : changes) {
       using Kind = FileChange::Kind;
       const bool isNew = kind == Kind::kMake || kind == Kind::kMakeFolder;
       EXPECT_EQ(files.count(from), isNew ? 0u : 1u) << from;
@@ -266,8 +239,8 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
       if (kind == Kind::kRewrite) {
         EXPECT_NE(std::exchange(contents[files[from]], "?"), "?") << from << " is told twice";
       }
-      if (!newRelative.empty()) files[to] = files[from];
-      if (!newRelative.empty() || kind == Kind::kDelete) files.erase(from);
+      if (!to.empty()) files[to] = files[from];
+      if (!to.empty() || kind == Kind::kDelete) files.erase(from);
     }
     Items all;
     for (const auto& [item, number] : files) {
@@ -279,6 +252,11 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
   }
 
  private:
+  const SystemCalls& toSee() const override {
+    return _seen != nullptr ? *_seen : TestFolder::toSee();
+  }
+
+  const SystemCalls* _seen = nullptr;  // of the run
   std::mt19937 _random{GetParam()};
   std::string _last;
   bool _isClashing = false;

@@ -16,7 +16,7 @@ class SessionTest : public FolderTest {
  protected:
   SessionTest() {
     makeFolder("config/Olvan Preferences");
-    fs::create_symlink(path("lib"), path("config/Olvan Preferences/Olvan Items"));
+    symlink(path("lib"), "config/Olvan Preferences/Olvan Items");
     ::setenv("XDG_CONFIG_HOME", path("config").c_str(), 1);
     std::strcpy(path_string, path("lib").c_str());
   }
@@ -38,7 +38,7 @@ TEST_F(SessionTest, KeepsToTheLibraryThatItOpened) {
     path_string[isExplicit ? path("lib").size() : 0] = '\0';
     ASSERT_EQ(instantiate(), kSuccess);
     fs::rename(path("lib"), path("aside"));
-    fs::create_symlink(path("other"), path("lib"));
+    symlink(path("other"), "lib");
     testing::internal::CaptureStdout();
     sortIntoSubdirectories();
     EXPECT_EQ(fixFilenames(), kSuccess);
@@ -47,7 +47,7 @@ TEST_F(SessionTest, KeepsToTheLibraryThatItOpened) {
     EXPECT_TRUE(exists("aside/Presets/Effects/User/x_") && exists("aside/Presets/Sessions"));
     EXPECT_EQ(_p->count(), 2);
     deinstantiate();
-    fs::remove(path("lib")), fs::remove_all(path("aside")), fs::remove_all(path("other"));
+    remove("lib"), remove("aside"), remove("other");
   }
 }
 
