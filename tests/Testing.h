@@ -35,6 +35,13 @@ inline void check(bool holds, const std::string& what, const std::string& detail
   if (!holds) throw std::logic_error("DOES NOT HOLD: " + what + ": " + detail);
 }
 
+/// N where the environment has SAMPLE=N, for builds and machines on which all cases take too long:
+/// the longest tests then try every N-th one. Otherwise 1.
+inline int sample() {
+  const char* text = std::getenv("SAMPLE");
+  return text != nullptr ? std::max(std::atoi(text), 1) : 1;
+}
+
 /// Puts `wrapper` in the place of a system call of the host's table. It gets what was there before,
 /// and then the arguments.
 template <typename Result, typename... Args, typename Wrapper>

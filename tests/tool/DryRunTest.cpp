@@ -264,7 +264,7 @@ class DryRunTest : public testing::TestWithParam<unsigned>, protected TestFolder
 
 TEST_P(DryRunTest, ForeseesTheRealRun) {
   constexpr const char* kCommands[] = {"-s", "-z", "-s", "-z", "-y", "-p", "-d", "-r", "-h"};
-  for (int library = 0; library < 250; ++library) {
+  for (int library = 0; library < 250 / sample(); ++library) {
     SCOPED_TRACE(testing::Message() << "library " << library << " of " << GetParam());
     const bool isRename = below(3) == 0;
     makeLibrary(isRename);

@@ -257,7 +257,7 @@ class FaultSweepTest : public FolderTest {
         if (volume > 2) host().calls.link = refuse;
         guardAll(volume <= 2);
         long before = -1;
-        for (failsAt = 1; injected != before && !HasFailure(); ++failsAt) {
+        for (failsAt = 1; injected != before && !HasFailure(); failsAt += sample()) {
           before = injected;
           for (way = 0, isLastWay = false; !isLastWay; ++way) {
             SCOPED_TRACE(command.name + " on volume " + std::to_string(volume) + ", operation " +
@@ -290,7 +290,7 @@ TEST_F(FaultSweepTest, WhatPassesIsNotNoticed) {
   std::string expected;
   long before = injected = 0;
   failsStill = {};
-  for (failsAt = 0; failsAt <= 1 || injected != before; ++failsAt) {
+  for (failsAt = 0; failsAt <= sample() || injected != before; failsAt += sample()) {
     before = injected;
     for (way = 0, isLastWay = false; !isLastWay; ++way) {
       isLastWay = true;

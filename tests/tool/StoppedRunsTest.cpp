@@ -124,7 +124,7 @@ TEST_F(StoppedRunsTest, ARepeatedRunEndsAsIfItHadNotBeenStopped) {
       setVolume(1), make();
       const Items expected = run({options});
       long changes = 0;
-      for (int first = 1; changes + 1 >= first && !HasFailure(); ++first) {
+      for (int first = 1; changes + 1 >= first && !HasFailure(); first += sample()) {
         setVolume(1 + first % 2), make();
         changes = 0;
         failChangesIf([&] { return ++changes >= first; });
