@@ -238,7 +238,7 @@ std::span<const Library::Preset> Library::presets() const {
 
 std::vector<Library::Setting> Library::settings(std::size_t preset) const {
   std::vector<Setting> settings;
-  if (preset >= presets().size()) return settings;
+  if (preset >= presets().size() || !_state->held[preset]->isFileRead()) return settings;
   forEachSetting(*_state->held[preset], [&settings](const cairnset::Setting& setting) {
     settings.push_back({setting.name, utf8(shownValue(setting) + setting.unit)});
   });

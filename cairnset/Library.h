@@ -133,7 +133,8 @@ class Library {
   /// them: factory presets first. Owned by the library, and valid until the next call of a function
   /// that is not const.
   std::span<const Preset> presets() const;
-  /// The settings of one of presets(); none if `preset` is too large. References are not settings.
+  /// The settings of one of presets(); none if `preset` is too large, or nothing in the file can be
+  /// read. References are not settings.
   std::vector<Setting> settings(std::size_t preset) const;
   /// Which presets refer to this name of a kind, also if it is missing. Case is ignored, as in the
   /// instrument's own look-ups. Of several presets that share the name, the references lead to the

@@ -231,8 +231,9 @@ OSErr Preset::readFrom(const FileStart& start) {
   _status = noErr;
   VirtualFile file(const_cast<char*>(start.bytes.data()), start.bytes.size(), true, kBlockSize);
   extractImage(file, start.size);
-  _is_file_whole = _status == noErr && start.size == fileSize();
-  _fingerprint = _status == noErr
+  _is_file_read = _status == noErr;
+  _is_file_whole = _is_file_read && start.size == fileSize();
+  _fingerprint = _is_file_read
                      ? fingerprintOf(start.bytes.substr(0, static_cast<std::size_t>(fileSize())))
                      : 0;
   _edited = false;

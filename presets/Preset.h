@@ -93,6 +93,9 @@ class Preset : public TreeLeaf {
   /// Whether the file was exactly a preset of this kind when it was read last, no byte more or
   /// less; true if it was never read.
   bool isFileWhole() const { return _is_file_whole; }
+  /// Whether the record is what was read last; if not, the file was no preset of this kind, and the
+  /// record mostly that of a new one. True if it was never read.
+  bool isFileRead() const { return _is_file_read; }
   const FSRef& fileRef() const { return _file_ref; }
   bool isROM() const { return _rom != 0; }
   /// The flag as stored: 0 for RAM, any other value for ROM.
@@ -210,6 +213,7 @@ class Preset : public TreeLeaf {
   std::int32_t _file_index = _index;
   std::uint8_t _rom = 0;
   bool _is_file_whole = true;
+  bool _is_file_read = true;
   std::shared_ptr<VirtualFile> _flat_file;  // null until there is one
 };
 

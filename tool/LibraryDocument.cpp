@@ -220,7 +220,6 @@ void LibraryWriter::writeReference(const Preset& preset, const PresetReference& 
 }
 
 void LibraryWriter::writePreset(const Preset& preset) {
-  const bool isDamaged = preset.status() > 0;
   const std::string path = getPlacePath(preset.fileRef(), _presets_folder);
   const char* name = preset.getTreeItemName();
   _json.key("id").text(identifier(path));
@@ -230,7 +229,7 @@ void LibraryWriter::writePreset(const Preset& preset) {
   _json.key("number").number(static_cast<std::int64_t>(preset.getTreeItemIndex()));
   _json.key("rom").boolean(preset.isROM());
   _json.key("index").number(std::int64_t{preset.index()});
-  _json.key("damaged").boolean(isDamaged);
+  _json.key("damaged").boolean(!preset.isFileWhole());
   if (const char* corrected = isIllegalFilename(name)) {
     _json.key("windowsName").heldText(corrected);
   }
@@ -253,7 +252,7 @@ void LibraryWriter::writePreset(const Preset& preset) {
   _json.endArray();
 
   _json.key("settings").beginObject();
-  if (!isDamaged) {
+  if (preset.isFileRead()) {
     forEachSetting(preset,
                    [this](const Setting& setting) { _json.written(_settings.textOf(setting)); });
   }

@@ -31,7 +31,10 @@ class ChangeRecord::Recorder {
       return open(folder, path, flags, mode);
     };
     calls.close = [this](int descriptor) {
-      if (isRecorded()) _open.erase(descriptor);
+      // Its text stays for the next one: thousands of files come and go with one number.
+      if (const auto open = isRecorded() ? _open.find(descriptor) : _open.end();
+          open != _open.end())
+        open->second.clear();
       return _real.close(descriptor);
     };
     calls.pwrite = [this](int descriptor, const void* bytes, size_t count, off_t offset) {
@@ -92,8 +95,10 @@ class ChangeRecord::Recorder {
   int open(int folder, const char* path, int flags, mode_t mode) {
     const int descriptor = _real.open(folder, path, flags, mode);
     if (descriptor < 0 || !isRecorded()) return descriptor;
-    _open[descriptor] = pathOf(folder, path);
-    if ((flags & O_CREAT) != 0 && isNews(descriptor)) note(Kind::kMake, _open[descriptor]);
+    std::string& place = _open[descriptor];
+    place.clear();
+    appendPath(folder, path, place);
+    if ((flags & O_CREAT) != 0 && isNews(descriptor)) note(Kind::kMake, place);
     return descriptor;
   }
 
@@ -105,10 +110,18 @@ class ChangeRecord::Recorder {
   }
 
   // Absolute; a path that begins at no folder is so already.
-  std::string pathOf(int folder, const char* path) const {
+  void appendPath(int folder, std::string_view path, std::string& out) const {
     const auto opened = _open.find(folder);
-    if (opened == _open.end() || *path == '/') return path;
-    return opened->second + (opened->second == "/" ? "" : "/") + path;
+    if (opened != _open.end() && !path.starts_with('/')) {
+      out += opened->second;
+      if (!out.ends_with('/')) out += '/';
+    }
+    out += path;
+  }
+  std::string pathOf(int folder, const char* path) const {
+    std::string place;
+    appendPath(folder, path, place);
+    return place;
   }
 
   void note(Kind kind, std::string path, std::string newPath = {}) {
