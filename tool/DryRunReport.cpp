@@ -16,23 +16,10 @@ namespace cairnset {
 namespace {
 
 std::string lineFor(const FileChange& change) {
-  switch (change.kind) {
-    case FileChange::Kind::kMakeFolder:
-      return "make folder " + change.path;
-    case FileChange::Kind::kMake:
-      return "make " + change.path;
-    case FileChange::Kind::kRename:
-      return "rename " + change.path + " to " + change.newPath;
-    case FileChange::Kind::kMove:
-      return "move " + change.path + " to " + change.newPath;
-    case FileChange::Kind::kReplace:
-      return "replace " + change.newPath + " by " + change.path;
-    case FileChange::Kind::kRewrite:
-      return "rewrite " + change.path;
-    case FileChange::Kind::kDelete:
-      return "delete " + change.path;
-  }
-  return "";
+  const std::string line = std::string(wordsFor(change.kind)) + ' ';
+  if (change.kind == FileChange::Kind::kReplace)
+    return line + change.newPath + " by " + change.path;
+  return line + change.path + (change.newPath.empty() ? "" : " to " + change.newPath);
 }
 
 }  // namespace

@@ -75,25 +75,6 @@ void writePath(JsonWriter& json, const std::string& path, const char* key = "pat
   if (!isUtf8(path)) json.key(keyOfBytes).text(hexadecimal(path));
 }
 
-const char* changeName(FileChange::Kind kind) {
-  switch (kind) {
-    case FileChange::Kind::kMakeFolder:
-      return "make folder";
-    case FileChange::Kind::kMake:
-      return "make";
-    case FileChange::Kind::kRename:
-      return "rename";
-    case FileChange::Kind::kMove:
-      return "move";
-    case FileChange::Kind::kReplace:
-      return "replace";
-    case FileChange::Kind::kRewrite:
-      return "rewrite";
-    default:
-      return "delete";
-  }
-}
-
 // A path as text that no other path has: "%" and bytes that are not UTF-8 are escaped.
 std::string identifier(std::string path) {
   if (path.find('%') == std::string::npos && isUtf8(path)) return path;
@@ -293,7 +274,7 @@ void writeLibraryDocument(JsonWriter& json, const RunResult& run) {
   json.key("changes").beginArray();
   for (const FileChange& change : run.changes) {
     json.beginObject();
-    json.key("change").text(changeName(change.kind));
+    json.key("change").text(wordsFor(change.kind));
     writePath(json, change.path);
     if (!change.newPath.empty()) writePath(json, change.newPath, "newPath", "newPathBytes");
     json.endObject();

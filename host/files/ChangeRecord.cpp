@@ -22,6 +22,26 @@ std::string_view folderOf(std::string_view path) {
 
 }  // namespace
 
+const char* wordsFor(FileChange::Kind kind) {
+  switch (kind) {
+    case Kind::kMakeFolder:
+      return "make folder";
+    case Kind::kMake:
+      return "make";
+    case Kind::kRename:
+      return "rename";
+    case Kind::kMove:
+      return "move";
+    case Kind::kReplace:
+      return "replace";
+    case Kind::kRewrite:
+      return "rewrite";
+    case Kind::kDelete:
+      return "delete";
+  }
+  return "";
+}
+
 // Changes are made by one thread. The others only read, and their descriptors are not recorded:
 // they can have tables of their own, with the same numbers for other files.
 class ChangeRecord::Recorder {

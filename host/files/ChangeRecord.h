@@ -29,6 +29,9 @@ struct FileChange {
   bool operator==(const FileChange&) const = default;
 };
 
+/// "make folder", "make", "rename", "move", "replace", "rewrite" or "delete".
+[[nodiscard]] const char* wordsFor(FileChange::Kind kind);
+
 /// As long as this object lives, it records what is changed through a table of system calls, by
 /// default that of the host in use. What is open at its start is not known to it.
 class ChangeRecord {
