@@ -234,14 +234,20 @@ RunResult resultOf(int status, const std::optional<ChangeRecord>& record) {
   return {status, record ? record->changesIn(folder) : std::vector<FileChange>()};
 }
 
-int runSession(int argc, char** argv) {
-  const GivenOptions given = readOptions(argc, argv, optionNames());
-  // The first of these counts, even if what follows cannot be understood.
+// --help and --version: the first of them counts, even if what follows cannot be understood. False
+// if there is none.
+bool printTextAskedFor(const GivenOptions& given) {
   for (const auto& [index, argument, letter] : given.options) {
     if (index == GivenOptions::kUnknown) continue;
-    if (kOptions[index].flag == kShowHelp) return printHelp(), kSuccess;
-    if (kOptions[index].flag == kShowVersion) return printVersion(), kSuccess;
+    if (kOptions[index].flag == kShowHelp) return printHelp(), true;
+    if (kOptions[index].flag == kShowVersion) return printVersion(), true;
   }
+  return false;
+}
+
+int runSession(int argc, char** argv) {
+  const GivenOptions given = readOptions(argc, argv, optionNames());
+  if (printTextAskedFor(given)) return kSuccess;
   if (!isUnderstood(given)) return kNotUnderstood;
   const auto nameChanges = takeChanges(given);
   if (!nameChanges) return kNotUnderstood;

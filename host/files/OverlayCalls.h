@@ -72,8 +72,6 @@ class Overlay::Calls {
     Item* folder = nullptr;
     std::string name = {};
     int real = -1;  // a descriptor of the folder on the disk, if there is one
-
-    std::string path() const { return folder->path() + "/" + name; }
   };
 
   char* realpath(const char* path, char* resolved);
