@@ -77,6 +77,25 @@ TEST_F(LibraryTest, ReportsWhatCannotBeDoneAndLeavesTheDiskAsItIs) {
   EXPECT_TRUE(items() == before);
 }
 
+TEST_F(LibraryTest, KeepsTheOldNameUntilAllReferrersAreRewritten) {
+  const Library::Rename change[] = {{"Effects/Halls/caf\xC3\xA9", "bar"}};
+  host().calls.flock = [](auto...) { return failWith(EWOULDBLOCK); };
+  host().calls.sleep = [](auto) {};
+  EXPECT_EQ(library.open(path("lib")).code, Library::kBusy);
+  host().calls = toSee();
+  ASSERT_FALSE(library.open(path("lib")));
+  host().calls.pwrite = [](auto...) { return failWith(EROFS); };
+  const Library::Outcome failed = library.rename(change);
+  ASSERT_EQ(failed.errors.size(), 2u);
+  EXPECT_EQ(failed.errors[0].code, vLckdErr);
+  EXPECT_EQ(failed.errors[1].code, Library::kKeepsOldName);
+  EXPECT_TRUE(failed.rewritten.empty() && exists("lib/Presets/Effects/Halls/caf\xC3\xA9"));
+  host().calls = toSee();
+  ASSERT_FALSE(library.open(path("lib")));
+  EXPECT_TRUE(library.rename(change).errors.empty());
+  EXPECT_EQ(look(), "Halls/bar<p bad? p>bar q>lost! ");
+}
+
 TEST_F(LibraryTest, ShowsWhatWasPassedOverAndWhatIsDamaged) {
   write("lib/Presets/Programs/q", PresetFile{"Programs/q"}.bytes().substr(0, 200));
   remove("lib/Presets/Sessions");
