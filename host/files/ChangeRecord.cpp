@@ -118,7 +118,11 @@ class ChangeRecord::Recorder {
     std::string& place = _open[descriptor];
     place.clear();
     appendPath(folder, path, place);
-    if ((flags & O_CREAT) != 0 && isNews(descriptor)) note(Kind::kMake, place);
+    if ((flags & O_CREAT) != 0) {
+      // It is new even if it has the number of a file that is gone.
+      (void)isNews(descriptor);
+      note(Kind::kMake, place);
+    }
     return descriptor;
   }
 

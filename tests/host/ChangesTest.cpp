@@ -24,6 +24,22 @@ class ChangesTest : public FileTest {
   }
 };
 
+// Some volumes give the number of a deleted file to the next one that is made.
+TEST_P(ChangesTest, AreRecordedInOrder) {
+  const ChangeRecord record;
+  const FSRef top = ref("");
+  FSRef file;
+  for (const std::u16string_view name : {u"a", u"b"}) {
+    EXPECT_EQ(create(top, name, &file), noErr);
+    EXPECT_EQ(rename(file, u"c", &file), noErr);
+    EXPECT_EQ(FSDeleteObject(&file), noErr);
+  }
+  std::string changes;
+  for (const auto& [kind, from, to] : record.changesIn(top))
+    changes += wordsFor(kind) + (' ' + from) + ' ' + to + ';';
+  EXPECT_EQ(changes, "make a ;rename a c;delete c ;make b ;rename b c;delete c ;");
+}
+
 // Every kind of item onto every kind of occupant, by rename and by move, then onto a free name.
 TEST_P(ChangesTest, NeverReplacesAnything) {
   if (!keepsNames()) GTEST_SKIP() << "this volume changes names";
